@@ -1,0 +1,71 @@
+// randomnumbers.h - the one stream of random numbers of a run.
+//
+// A table-shuffled multiplicative congruential generator: multiplier 16807, modulus 2^31 - 1,
+// table of 32 entries (Park and Miller 1988; Bays and Durham 1976). The seed and the order of
+// draws decide a run.
+#pragma once
+
+#include "arrays.h"
+
+#include <string>
+
+// The generator: the working value idum and what it keeps between calls. One record for each
+// simulation.
+struct randomstream {
+    // Negative: the table is filled from it at the next draw. Positive: state of the congruence.
+    int64 idum = 0;
+    // Table and last value of the shuffle. 0: the table was never filled.
+    int64 iv[32] = {};
+    int64 iy = 0;
+    // Spare normal deviate.
+    int64 iset = 0;
+    double gset = 0;
+    // Saved values of the gamma methods.
+    double gammab = 0, gammah = 0;                                               // shape > 1
+    double gammaa = 0, gammap = 0, gammac = 0, gammauf = 0, gammavr = 0, gammad = 0; // shape < 1
+    // Saved values of the beta deviate.
+    bool betaswap = false;
+    double betac = 0, betat = 0, betah = 0, betaf = 0, betad = 0;
+};
+
+// Reads Seed.txt of the working directory, which must exist, keeps its number in SeedOld.txt,
+// and leaves a new negative seed in Seed.txt and in idum: the next draw fills the table from it.
+void initiateseed(randomstream &random);
+
+// Fills the table from idum, and leaves the first state behind it.
+void fillrandomtable(randomstream &random);
+
+// Uniform deviate on (0, 1), at most 0.9999998800000043.
+inline double ran1(randomstream &random)
+{
+    if (random.idum <= 0 || random.iy == 0) fillrandomtable(random);
+    // 16807 x idum modulo 2^31 - 1, by folding: 2^31 = 1 modulo 2^31 - 1. The product is below
+    // 2^46, so one fold leaves at most 2^31 - 1 + 2^15, one subtraction more the remainder.
+    // Divisions, as in Schrage's form, take twice the time and give the same numbers.
+    const std::uint64_t product = 16807ULL * static_cast<std::uint64_t>(random.idum);
+    std::uint64_t state = (product & 2147483647ULL) + (product >> 31);
+    state = state >= 2147483647ULL ? state - 2147483647ULL : state;
+    random.idum = static_cast<int64>(state);
+    const int64 j = random.iy >> 26; // iy / 67108864: 0 to 31
+    random.iy = random.iv[j];
+    random.iv[j] = random.idum;
+    const double u = static_cast<double>(random.iy) * 4.656612873077393e-10; // 2^-31, exactly
+    return u < 0.9999998800000043 ? u : 0.9999998800000043;
+}
+
+// Standard normal deviate, by the polar method (Marsaglia and Bray 1964). Draws in pairs.
+double gasdev(randomstream &random);
+
+// Random permutation of 1 to n in order(1) to order(n): n - 1 draws, none for n < 2.
+// order points to the entry of index 1.
+void randomorder(int64 *order, int64 n, randomstream &random);
+void randomorder(array1<int64> &order, int64 n, randomstream &random);
+
+// Gamma deviate of shape s and scale b. first: the values that depend on s are worked out anew.
+// Best (1978) for s > 1, Kennedy and Gentle's switching method for s < 1. Stops: 120001 for a
+// shape not above 0 or exactly 1, 120003 for one that is too small.
+double random_gamma(randomstream &random, double s, double b, bool first);
+// Chi-squared deviate with ndf degrees of freedom.
+double random_chisq(randomstream &random, double ndf, bool first);
+// Beta deviate of shapes aa and bb (Cheng 1978). Stop 130001 for a shape not above 0.
+double random_beta(randomstream &random, double aa, double bb, bool first);

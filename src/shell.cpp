@@ -1,0 +1,58 @@
+#include "shell.h"
+
+#include "stops.h"
+#include "textlayout.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+// The interpreter reports a signal of its child as 128 + the signal's number.
+int interruptof(int status)
+{
+    for (const int signal : {SIGINT, SIGQUIT}) {
+        if (WIFSIGNALED(status) && WTERMSIG(status) == signal) return signal;
+        if (WIFEXITED(status) && WEXITSTATUS(status) == 128 + signal) return signal;
+    }
+    return 0;
+}
+} // namespace
+
+bool runshell(const std::string &command, std::string_view routine)
+{
+    std::fflush(stdout); // what the command prints comes after what we printed
+    const int status = std::system(command.c_str());
+    if (status != -1) {
+        if (const int signal = interruptof(status)) {
+            std::signal(signal, SIG_DFL);
+            std::raise(signal);
+        }
+        if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return true;
+    }
+    printline("failure : Solvanto : " + std::string(routine));
+    return false;
+}
+
+bool folderexists(const std::string &path)
+{
+    std::error_code error;
+    return std::filesystem::is_directory(path, error);
+}
+
+bool pathexists(const std::string &path)
+{
+    std::error_code error;
+    return std::filesystem::exists(path, error);
+}
+
+std::string workingdirectory()
+{
+    std::error_code error;
+    const auto path = std::filesystem::current_path(error);
+    if (error) ioerror(".", "working directory: " + error.message());
+    return path.string();
+}

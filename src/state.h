@@ -1,0 +1,259 @@
+// state.h - the state of a simulation: one record of small records, one for each subject.
+//
+// Every routine of the system takes the state as its first argument, so that a test can hold
+// several simulations. Lifetimes:
+//   Run    made by readinparameters, freed by deallocatearraysfromspecfileread; scalars that the
+//          reader sets hold for the whole run;
+//   Stage  made when a stage begins and freed when it ends. A later stage fills its arrays again
+//          from the files, so nothing in an array passes from stage to stage.
+// Units: positions relative to the chromosome (0 to 1); lengths in Morgans; frequencies 0 to 1.
+#pragma once
+
+#include "arrays.h"
+#include "files.h"
+#include "haplotypes/genomes.h"
+#include "pedigree/pedigreeline.h"
+#include "randomnumbers.h"
+
+#include <string>
+
+// Run control. Set by the seed and the reader.
+struct runcontrol {
+    int64 specstartgen = 0, specendgen = 0; // first and last generation of this run
+    bool genflexibilityonoff = false;       // a run may cover only part of the generations
+    bool selflexibilityonoff = false;       // a selection generation may take its pedigree from outside
+    int64 importstage = 2;                  // 1: stop after the breeding values; 2: import and go on
+    int64 importextpedforthisgen = 0;       // the generation with the external pedigree
+    std::string mergetypes;                 // ids, directories or none
+    std::string mergefiles;                 // list of runs to merge
+    int64 numberofmergeruns = 0;
+    std::string keepchromdata, zipseqoutputfiles; // yes or no
+    bool fullseqoutonoff = false;                 // sequence output wanted
+};
+
+// Population and generations. Lifetime: Run, but nmalinthisgen and nfeminthisgen: Stage.
+struct populationsettings {
+    int64 ngen = 0;     // burn-in generations
+    int64 ngensel = -1; // selection generations; -1 until read
+    int64 nindivp = 0;  // all individuals of all generations
+    array1<int64> nindivinthisgen; // (0 to ngen+ngensel), entry 0 stays 0
+    array1<int64> cumindivnbtogen; // (0 to ngen+ngensel): individuals up to and in the generation
+    // (ngen+ngensel-1, at least 1): parents chosen from generation g to breed g+1
+    array1<int64> nsireinthisgen, ndaminthisgen, nrandparinthisgen, nselfedparinthisgen;
+    array1<int64> createdhinthisgen; // (ngen+ngensel) 1: doubled haploids; only if ngendh > 0
+    int64 ngendh = 0;
+    bool animbreedonoff = false, plantbreedonoff = false;
+    std::string gendermatters;                 // yes: plant matings respect gender
+    array1<int64> nmalinthisgen, nfeminthisgen; // (ngen+ngensel) males and females
+};
+
+// Pedigree. Lifetime: texts Run, arrays Stage.
+struct pedigreedata {
+    std::string pedigreestatus; // internal, or the name of a pedigree file
+    std::string pedigreefile;
+    array1<pedigreeline> ped;    // (nindivp) row k is individual k
+    array1<int64> globalgender; // (nindivp) 1 male, 2 female
+};
+
+// Founders and coalescent simulation. Lifetime: Run; presets fill what Internal left open.
+struct foundersettings {
+    int64 nchrom = 0;
+    int64 nhaps = 0;            // haplotypes asked of the coalescent simulator
+    std::string pophistorymacs; // preset, or name of a file of the user's
+    double morgansmacs = 0;     // chromosome length in Morgans as the coalescent sees it
+    bool internalmorgansmacs = false;
+    double morgans = 0; // chromosome length in Morgans for the gene drop
+    bool internalmorganssolvanto = false;
+    int64 chrlengthbasesmacs = 0;
+    bool internalchrlenbasesmacs = false;
+    double mutationratemacs = 0; // per base and generation
+    bool internalmutationratemacs = false;
+    int64 effecpopsize = 0;
+    bool internaleffecpopsize = false;
+    bool recombhotspotsonoff = false;
+    bool genomecompressiononoff = false;
+    double genomecompression = 0; // percentage: chance that a simulated site is kept
+};
+
+// Segregating sites. Lifetime: scalars while a chromosome is handled, arrays Stage.
+struct segregatingsites {
+    int64 nhaplos = 0;                           // haplotypes in the stores
+    int64 nsegreg = 0, nsegregtmp = 0;           // sites with and without mutations
+    int64 nsegregcomp = 0, nsegregtmpcomp = 0;   // the same after compression
+    int64 nmut = 0;                              // mutations added on the chromosome
+    int64 ndenovomutperchr = 0;                  // from the specification
+    int64 nsegregincl = 0;                       // included sites: nblock x 60
+    array1<int64> nsegreginclglobal, nmutinclglobal; // (nchrom)
+    int64 nindivpinit = 0;                       // individuals counted in the mutation store
+    array1<double> allphysicalmap;               // (nsegreg)
+    array1<double> allphysicalmapcomp;           // (nsegregcomp)
+    array1<double> inclphysicalmap;              // (nsegregincl)
+    array1<int64> compressindicator;             // (nsegregtmp) 1: survives compression
+    array1<int64> tmpwrk, tmpwrkcomp;            // (nsegreg), (nsegregcomp)
+    array1<int64> randomsegreg;                  // (nsegreg or nsegregcomp)
+    array1<int64> inclsnpid;                     // (nsegregincl) slot of each included site
+    array1<int64> mutindicator, mutsitesid;      // (nsegreg), (ndenovomutperchr)
+    array1<int64> inclmutindicator, inclmutindicatorindivid; // (nsegregincl)
+    array3<int64> denovoinfo; // (nchrom, ndenovomutperchr, 5) fields of MutDeNovoInfo.txt
+    array2<int8> indivmutindicator;   // (nchrom, nindivp) 1: carries a mutation
+    array1<int64> blockindicator;     // (nsegregincl)
+};
+
+// Haplotypes and recombination. Lifetime: Stage.
+struct haplotypedata {
+    int64 nblock = 0;               // blocks of 60 sites on the chromosome at hand
+    haplotypestore haplotypes;      // (nhaplos, nblock) founder haplotypes of a chromosome
+    genomestore tmpgenome;          // (n, nblock, 2) the generation at hand
+    genomestore oldtmpgenome;       // the same for the parents
+    array1<double> recombfactperblock; // (nblock) share of the chromosome's recombination
+    array1<double> recombrateperblock; // (nblock) crossing probability for the parent at hand
+    array1<int64> globalrecomblocationmax; // (nchrom) highest crossing site met
+    array2<int64> recombcount;             // (nindivp, 2) crossings per individual and gamete
+};
+
+// SNP chips. Lifetime: Run for what the reader sets, otherwise Stage.
+struct chipsettings {
+    bool usesnpchiponoff = false;
+    int64 nchip = 0;
+    array1<int64> nsnpperchipperchrom; // (nchip)
+    double minsnpfreq = 0, maxsnpfreq = 0;
+    std::string chipsarenested; // yes or no
+    int64 snpchipinclqtn = 0;   // 1 chips include QTN, 2 they don't, 3 at random
+    int64 tmpchip = 0;          // the chip used for selection
+    array2<int64> nsnponthischipchrom; // (nchip, nchrom)
+    int64 nsnp = 0, nsnpforsel = 0; // on the selection chip; with QTN when they are added
+    array1<int64> snponarrays;       // (nsegregincl) sites in random order
+    array1<double> minorallelefreq;  // (nsegregincl)
+};
+
+// QTN and their effects. Lifetime: the reader's values Run, the others Stage.
+struct qtndata {
+    int64 nqtn = 0, nqtngamma = 0;       // wanted in all
+    int64 ntotqtn = 0, ntotqtngamma = 0; // found in all
+    int64 nqtnperchrom = 0, nqtngammaperchrom = 0; // per chromosome, from the specification
+    int64 nqtnrecombperchrom = 0, ntotqtnrecomb = 0;
+    array1<int64> nqtnonthischrom, nqtnrecombonthischrom; // (nchrom)
+    bool qtnclustersonoff = false;
+    double minqtnfreq = 0, maxqtnfreq = 0;
+    double shapeparam = 0, scaleparam = 0;
+    bool dominonoff = false;
+    double domdegmean = 0, domdegvar = 0;
+    double varamutprop = 0;
+    int64 qtnmodel = 0;   // 1 NormalUnrestr, 2 NormalRestr, 3 GammaUnrestr, 4 GammaRestr
+    int64 nqtnmodels = 4; // 2 if nqtngamma = 0
+    array1<int64> qtngamma; // (ntotqtn) 1: also a gamma effect
+    array1<int64> allqtnidunres, allqtnidrestr, allqtnidrecomb;
+    array1<int64> allqtnchromidunres, allqtnchromidrestr;
+    array1<double> allqtnmafunres, allqtnmafrestr, allqtnmafrecomb;
+    array1<double> allqtnfrequnres, allqtnfreqrestr, allqtnfreqrecomb;
+    array1<double> allqtnposunres, allqtnposrestr, allqtnposrecomb;
+    array1<int64> allqtnmutindunres, allqtnmutindrestr, mutindivunres, mutindivrestr;
+    // (ntotqtn, ntraits)
+    array2<double> addeffnormalunres, addeffnormalrestr, addeffgammaunrestr, addeffgammarestr;
+    array2<double> domdegnormalunres, domdegnormalrestr, domdeggammaunrestr, domdeggammarestr;
+    array2<double> domeffnormalunres, domeffnormalrestr, domeffgammaunres, domeffgammarestr;
+    array2<double> alphanormalunres, alphanormalrestr, alphagammaunrestr, alphagammarestr;
+    array1<double> addeffrecomb, varageniclocrecomb; // (ntotqtnrecomb)
+    // (nindivinsimulrun, ntotqtn or ntotqtnrecomb) genotypes of the individuals at hand
+    array2<int8> allqtngenosunres, allqtngenosrestr, allqtngenosrecomb;
+};
+
+// Traits. Lifetime: Run.
+struct traitsettings {
+    int64 ntraits = 0;
+    array1<double> indexwt, herit, varaspec;               // (ntraits)
+    array2<double> coraspec, core, covaspec, cholcovaspec; // (ntraits, ntraits)
+    array3<double> cove, cholcove;                         // (4, ntraits, ntraits)
+};
+
+// Values and variances. Lifetime: Stage.
+struct valuedata {
+    int64 nindivinsimulrun = 0; // individuals of the generation at hand
+    array3<double> tbv, tdv, tev, tpv; // (nindivp, nqtnmodels, ntraits)
+    array1<double> tbvrecomb, tbvrecombz, recombeta, recombperindperchr; // (nindivp)
+    double recombmeanz = 0, recombstddevz = 0;
+    double heritrecomb = 0;
+    array2<double> vara, vard, vare; // (nqtnmodels, ntraits)
+    array3<double> cova, covd;       // (nqtnmodels, ntraits, ntraits)
+    double vararecomb = 0, varerecomb = 0, vararecombt = 0;
+    array2<double> varagenic, vardgenic, varagenetic, vardgenetic; // (nqtnmodels, ntraits)
+    array3<double> varagenicloc, vardgenicloc; // (ntotqtn, nqtnmodels, ntraits)
+};
+
+// Selection. Lifetime: the reader's values Run, the others Stage or one selection cycle.
+struct selectiondata {
+    int64 selmethindicator = 0; // 1 pedigree prediction, 2 genomic prediction, 3 phenotypes
+    int64 selontbvyes1no0 = 2;  // 1 true values, 0 estimates, 2 until set and for phenotypes
+    int64 addqtntosnpchip = 0;  // 1 QTN are added to the selection chip, 2 not, 0 unset
+    std::string useexternsnpsol;
+    int64 selphenstrat = 0; // 1 to 6, phenotyping strategy
+    int64 firsttraingenrp = 0, lasttraingenrp = 0, ntrainindiv = 0;
+    bool fixtraindataonoff = false;
+    int64 fixedtrainselcycle = 0;
+    int64 ngenpedpriortrain = 0;
+    int64 computeavercoancestryyes1no0 = -1; // 1 computed, 0 not, -1 unset
+    bool optcontribselonoff = false;
+    int64 sizeofxvecpopoc = 0, maxnbofgenoc = 0;
+    double percentdeltaf = 0;
+    bool recombselonoff = false;
+    double recombindexwt = 0, recombindexwtlatergen = 0;
+    int64 ngenselectonrec = 0;
+    std::string recombdistrib;
+    double shaperecomb = 0, scalerecomb = 0;
+    int64 firsttmptraingen = 0, lasttmptraingen = 0;
+    int64 starttrainindiv = 0, endtrainindiv = 0, ntrainindivmax = 0;
+    int64 starttestindiv = 0, endtestindiv = 0, ntestindiv = 0;
+    array1<int64> trainindiv;     // chosen training individuals, specified strategy
+    array1<int64> trainindicator; // (ntrainindivmax) 1: in the random training set
+    array1<double> phenvaltrain, phenvalrecombtrain; // (endtrainindiv-starttrainindiv+1)
+    array1<int64> gender;                            // (ntestindiv)
+    array1<double> estimatedbv, estimatedbvindex, estimatedbvrecomb; // (ntestindiv)
+    array2<double> estimatedbvtrait;                                 // (ntestindiv, ntraits)
+    array1<double> selectionvaratr, selectionvarate;                 // (ntraits)
+    double selectionvararecombtr = 0, selectionvararecombte = 0;
+    array2<int8> allphase, allphaseqtn; // (nsnp, 2), (ntotqtn, 2) one individual
+    array1<int64> fixedsnp;             // (nsnp, or nsnp+ntotqtn when QTN are added)
+    outfile accuracyfile;               // open from the first trait of a cycle to its index
+};
+
+// Gene editing and gene drive. Lifetime: Run for what the reader makes, otherwise Stage.
+struct editingdata {
+    bool geneditonoff = false, genedriveonoff = false;
+    int64 nindedited = 0, ngeneditsperind = 0;
+    std::string edittopbot, performgeonuserqtnselection;
+    array1<int64> idofgenomeeditinds; // (nindedited)
+    array2<int64> genomeeditqtnpos, genomeeditqtnchrom, genomeeditqtnposneg;
+    array3<int8> genedriveqtnpresence; // (all individuals, nchrom x QTN per chromosome, 2)
+    array1<int64> indivtobeedited;
+    array1<int64> qtnidsortedbyabsval, qtnidsortedbyabsvalchrom, qtnidsortedbyabsvalrecodedid,
+        qtnidsortedbyabsvalmutindivid, qtnforgeneditposneg; // (ntotqtn)
+};
+
+struct state {
+    randomstream random;
+    runcontrol run;
+    populationsettings pop;
+    pedigreedata pedi;
+    foundersettings founders;
+    segregatingsites sites;
+    haplotypedata haplo;
+    chipsettings chips;
+    qtndata qtn;
+    traitsettings traits;
+    valuedata values;
+    selectiondata selection;
+    editingdata editing;
+};
+
+// Frees the arrays that the specification reader made.
+void deallocatearraysfromspecfileread(state &s);
+
+// First and last individual (pedigree rows) of a generation.
+inline int64 firstindivofgen(const state &s, int64 gen) { return s.pop.cumindivnbtogen(gen - 1) + 1; }
+inline int64 lastindivofgen(const state &s, int64 gen) { return s.pop.cumindivnbtogen(gen); }
+
+// Folder of a chromosome: "./Chromosomes/Chromosome<h>/".
+inline std::string chromfolder(int64 chrom)
+{
+    return "./Chromosomes/Chromosome" + std::to_string(chrom) + "/";
+}
