@@ -162,9 +162,9 @@ template <class T> class array3 : public arraystore<T>
     // Column (j, k): contiguous, first index fastest.
     T *column(int64 j, int64 k)
     {
-        return this->cells.data() + (arraydetail::offset(2, j, e2) +
-                                     arraydetail::offset(3, k, e3) * e2.size()) *
-                                        e1.size();
+        return this->cells.data() +
+               (arraydetail::offset(2, j, e2) + arraydetail::offset(3, k, e3) * e2.size()) *
+                   e1.size();
     }
     const T *column(int64 j, int64 k) const { return const_cast<array3 *>(this)->column(j, k); }
     extent extent1() const { return e1; }

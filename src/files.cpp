@@ -70,7 +70,10 @@ void cutandseek(int descriptor, const std::string &path, off_t offset)
 
 // ---------------------------------------------------------------------------- outfile
 
-outfile::outfile(outfile &&other) noexcept { *this = std::move(other); }
+outfile::outfile(outfile &&other) noexcept
+{
+    *this = std::move(other);
+}
 
 outfile &outfile::operator=(outfile &&other) noexcept
 {
@@ -183,7 +186,10 @@ void outfile::writeline(textline &&line)
     writeline(copy);
 }
 
-void outfile::writeline(const char *text) { writeline(textline(text)); }
+void outfile::writeline(const char *text)
+{
+    writeline(textline(text));
+}
 
 void outfile::close()
 {
@@ -195,7 +201,10 @@ void outfile::close()
 
 // ---------------------------------------------------------------------------- infile
 
-infile::infile(infile &&other) noexcept { *this = std::move(other); }
+infile::infile(infile &&other) noexcept
+{
+    *this = std::move(other);
+}
 
 infile &infile::operator=(infile &&other) noexcept
 {
@@ -217,7 +226,8 @@ void infile::open(const std::string &filename)
     close();
     name = filename;
     descriptor = openchecked(name, O_RDONLY);
-    struct stat status {};
+    struct stat status {
+    };
     if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
         errno = EISDIR;
         ioerrno(name, "can't read");
@@ -308,7 +318,10 @@ void infile::complain(std::string_view what) const
 
 namespace
 {
-inline bool isseparator(char c) { return c == ' ' || c == '\t' || c == ','; }
+inline bool isseparator(char c)
+{
+    return c == ' ' || c == '\t' || c == ',';
+}
 } // namespace
 
 std::string_view infile::nextword()
@@ -323,7 +336,10 @@ std::string_view infile::nextword()
     return {first, static_cast<std::size_t>(cursor - first)};
 }
 
-std::string_view infile::word() { return nextword(); }
+std::string_view infile::word()
+{
+    return nextword();
+}
 
 int64 infile::integer()
 {
@@ -355,8 +371,8 @@ void infile::alleles(int8 *values, int64 n)
             const __m128i text =
                 _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i *>(p)), blankzero);
             // All bytes within 0 (blank) or 0 to 9 (digit): nothing saturated away.
-            if (_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_subs_epu8(text, limits),
-                                                 _mm_setzero_si128())) != 0xffff)
+            if (_mm_movemask_epi8(
+                    _mm_cmpeq_epi8(_mm_subs_epu8(text, limits), _mm_setzero_si128())) != 0xffff)
                 break;
             const __m128i digits = _mm_srli_epi16(text, 8);
             _mm_storel_epi64(reinterpret_cast<__m128i *>(values + i),
@@ -434,7 +450,10 @@ void writeframed(outfile &out, const void *bytes, int64 nbytes)
     record.finish();
 }
 
-framereader::framereader(framereader &&other) noexcept { *this = std::move(other); }
+framereader::framereader(framereader &&other) noexcept
+{
+    *this = std::move(other);
+}
 
 framereader &framereader::operator=(framereader &&other) noexcept
 {
@@ -470,9 +489,9 @@ void framereader::readbytes(char *bytes, std::size_t n)
     while (n > 0) {
         if (at == filled) {
             const bool direct = n >= buffer.size();
-            const std::size_t got = direct ? readchecked(descriptor, name, bytes, n)
-                                           : readchecked(descriptor, name, buffer.data(),
-                                                         buffer.size());
+            const std::size_t got =
+                direct ? readchecked(descriptor, name, bytes, n)
+                       : readchecked(descriptor, name, buffer.data(), buffer.size());
             if (got == 0) ioerror(name, "ends within a binary record");
             if (direct) {
                 bytes += got;
@@ -527,8 +546,7 @@ void framereader::get(void *bytes, int64 n)
             const int64 mark = marker();
             more = mark < 0;
             framelength = inframe = mark < 0 ? -mark : mark;
-            if (inframe == 0 || framelength > remaining)
-                ioerror(name, "a binary record is broken");
+            if (inframe == 0 || framelength > remaining) ioerror(name, "a binary record is broken");
         }
         const int64 part = n < inframe ? n : inframe;
         readbytes(p, static_cast<std::size_t>(part));

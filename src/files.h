@@ -94,7 +94,10 @@ class infile
     void record();
     void skiprecords(int64 n);
     // The text of the current record, valid until the next one is gone to.
-    std::string_view line() const { return {cursorstart, static_cast<std::size_t>(lineend - cursorstart)}; }
+    std::string_view line() const
+    {
+        return {cursorstart, static_cast<std::size_t>(lineend - cursorstart)};
+    }
     // Number of the current record, from 1.
     int64 linenumber() const { return nlines; }
 
@@ -184,7 +187,7 @@ class framereader
     int64 remaining = 0; // of the record
     int64 inframe = 0;   // left in the frame
     int64 framelength = 0;
-    bool more = false;  // the record goes on in another frame
+    bool more = false; // the record goes on in another frame
     bool first = true;
 };
 

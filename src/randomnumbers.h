@@ -21,7 +21,7 @@ struct randomstream {
     int64 iset = 0;
     double gset = 0;
     // Saved values of the gamma methods.
-    double gammab = 0, gammah = 0;                                               // shape > 1
+    double gammab = 0, gammah = 0;                                                   // shape > 1
     double gammaa = 0, gammap = 0, gammac = 0, gammauf = 0, gammavr = 0, gammad = 0; // shape < 1
     // Saved values of the beta deviate.
     bool betaswap = false;

@@ -19,7 +19,8 @@ void titles()
     framed("*                    *", true);
     framed("**********************", false);
     framed("VERSION:commit-7e40c1d", true);
-    printfree("              Software for simulating phenotype, sequence, and SNP data               ");
+    printfree(
+        "              Software for simulating phenotype, sequence, and SNP data               ");
     printline("");
     printfree("                                    No Liability              ");
     printline("");

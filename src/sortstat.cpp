@@ -69,8 +69,14 @@ void sampling(const T *data, int64 n, T &ave, T &adev, T &sdev, T &var, T &skew,
 }
 } // namespace
 
-void hpsort(int64 n, int64 *ra) { heapsort(n, ra); }
-void hpsortreal(int64 n, double *ra) { heapsort(n, ra); }
+void hpsort(int64 n, int64 *ra)
+{
+    heapsort(n, ra);
+}
+void hpsortreal(int64 n, double *ra)
+{
+    heapsort(n, ra);
+}
 
 void qsort(group *a, int64 na)
 {

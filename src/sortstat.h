@@ -38,4 +38,7 @@ void choldc(double *a, int64 n, int64 np, double *p, bool &notposdefin);
 // and the result is widened. The rounding reaches the files, so it must not be "improved".
 double singlequotient(double numerator, double denominator);
 double singlesqrt(double value);
-inline double single(double value) { return static_cast<double>(static_cast<float>(value)); }
+inline double single(double value)
+{
+    return static_cast<double>(static_cast<float>(value));
+}

@@ -21,11 +21,11 @@
 struct runcontrol {
     int64 specstartgen = 0, specendgen = 0; // first and last generation of this run
     bool genflexibilityonoff = false;       // a run may cover only part of the generations
-    bool selflexibilityonoff = false;       // a selection generation may take its pedigree from outside
-    int64 importstage = 2;                  // 1: stop after the breeding values; 2: import and go on
-    int64 importextpedforthisgen = 0;       // the generation with the external pedigree
-    std::string mergetypes;                 // ids, directories or none
-    std::string mergefiles;                 // list of runs to merge
+    bool selflexibilityonoff = false; // a selection generation may take its pedigree from outside
+    int64 importstage = 2;            // 1: stop after the breeding values; 2: import and go on
+    int64 importextpedforthisgen = 0; // the generation with the external pedigree
+    std::string mergetypes;           // ids, directories or none
+    std::string mergefiles;           // list of runs to merge
     int64 numberofmergeruns = 0;
     std::string keepchromdata, zipseqoutputfiles; // yes or no
     bool fullseqoutonoff = false;                 // sequence output wanted
@@ -33,9 +33,9 @@ struct runcontrol {
 
 // Population and generations. Lifetime: Run, but nmalinthisgen and nfeminthisgen: Stage.
 struct populationsettings {
-    int64 ngen = 0;     // burn-in generations
-    int64 ngensel = -1; // selection generations; -1 until read
-    int64 nindivp = 0;  // all individuals of all generations
+    int64 ngen = 0;                // burn-in generations
+    int64 ngensel = -1;            // selection generations; -1 until read
+    int64 nindivp = 0;             // all individuals of all generations
     array1<int64> nindivinthisgen; // (0 to ngen+ngensel), entry 0 stays 0
     array1<int64> cumindivnbtogen; // (0 to ngen+ngensel): individuals up to and in the generation
     // (ngen+ngensel-1, at least 1): parents chosen from generation g to breed g+1
@@ -43,7 +43,7 @@ struct populationsettings {
     array1<int64> createdhinthisgen; // (ngen+ngensel) 1: doubled haploids; only if ngendh > 0
     int64 ngendh = 0;
     bool animbreedonoff = false, plantbreedonoff = false;
-    std::string gendermatters;                 // yes: plant matings respect gender
+    std::string gendermatters;                  // yes: plant matings respect gender
     array1<int64> nmalinthisgen, nfeminthisgen; // (ngen+ngensel) males and females
 };
 
@@ -51,7 +51,7 @@ struct populationsettings {
 struct pedigreedata {
     std::string pedigreestatus; // internal, or the name of a pedigree file
     std::string pedigreefile;
-    array1<pedigreeline> ped;    // (nindivp) row k is individual k
+    array1<pedigreeline> ped;   // (nindivp) row k is individual k
     array1<int64> globalgender; // (nindivp) 1 male, 2 female
 };
 
@@ -77,36 +77,36 @@ struct foundersettings {
 
 // Segregating sites. Lifetime: scalars while a chromosome is handled, arrays Stage.
 struct segregatingsites {
-    int64 nhaplos = 0;                           // haplotypes in the stores
-    int64 nsegreg = 0, nsegregtmp = 0;           // sites with and without mutations
-    int64 nsegregcomp = 0, nsegregtmpcomp = 0;   // the same after compression
-    int64 nmut = 0;                              // mutations added on the chromosome
-    int64 ndenovomutperchr = 0;                  // from the specification
-    int64 nsegregincl = 0;                       // included sites: nblock x 60
+    int64 nhaplos = 0;                               // haplotypes in the stores
+    int64 nsegreg = 0, nsegregtmp = 0;               // sites with and without mutations
+    int64 nsegregcomp = 0, nsegregtmpcomp = 0;       // the same after compression
+    int64 nmut = 0;                                  // mutations added on the chromosome
+    int64 ndenovomutperchr = 0;                      // from the specification
+    int64 nsegregincl = 0;                           // included sites: nblock x 60
     array1<int64> nsegreginclglobal, nmutinclglobal; // (nchrom)
-    int64 nindivpinit = 0;                       // individuals counted in the mutation store
-    array1<double> allphysicalmap;               // (nsegreg)
-    array1<double> allphysicalmapcomp;           // (nsegregcomp)
-    array1<double> inclphysicalmap;              // (nsegregincl)
-    array1<int64> compressindicator;             // (nsegregtmp) 1: survives compression
-    array1<int64> tmpwrk, tmpwrkcomp;            // (nsegreg), (nsegregcomp)
-    array1<int64> randomsegreg;                  // (nsegreg or nsegregcomp)
-    array1<int64> inclsnpid;                     // (nsegregincl) slot of each included site
-    array1<int64> mutindicator, mutsitesid;      // (nsegreg), (ndenovomutperchr)
+    int64 nindivpinit = 0;                           // individuals counted in the mutation store
+    array1<double> allphysicalmap;                   // (nsegreg)
+    array1<double> allphysicalmapcomp;               // (nsegregcomp)
+    array1<double> inclphysicalmap;                  // (nsegregincl)
+    array1<int64> compressindicator;                 // (nsegregtmp) 1: survives compression
+    array1<int64> tmpwrk, tmpwrkcomp;                // (nsegreg), (nsegregcomp)
+    array1<int64> randomsegreg;                      // (nsegreg or nsegregcomp)
+    array1<int64> inclsnpid;                         // (nsegregincl) slot of each included site
+    array1<int64> mutindicator, mutsitesid;          // (nsegreg), (ndenovomutperchr)
     array1<int64> inclmutindicator, inclmutindicatorindivid; // (nsegregincl)
-    array3<int64> denovoinfo; // (nchrom, ndenovomutperchr, 5) fields of MutDeNovoInfo.txt
-    array2<int8> indivmutindicator;   // (nchrom, nindivp) 1: carries a mutation
-    array1<int64> blockindicator;     // (nsegregincl)
+    array3<int64> denovoinfo;       // (nchrom, ndenovomutperchr, 5) fields of MutDeNovoInfo.txt
+    array2<int8> indivmutindicator; // (nchrom, nindivp) 1: carries a mutation
+    array1<int64> blockindicator;   // (nsegregincl)
 };
 
 // Haplotypes and recombination. Lifetime: Stage.
 struct haplotypedata {
-    int64 nblock = 0;               // blocks of 60 sites on the chromosome at hand
-    haplotypestore haplotypes;      // (nhaplos, nblock) founder haplotypes of a chromosome
-    genomestore tmpgenome;          // (n, nblock, 2) the generation at hand
-    genomestore oldtmpgenome;       // the same for the parents
-    array1<double> recombfactperblock; // (nblock) share of the chromosome's recombination
-    array1<double> recombrateperblock; // (nblock) crossing probability for the parent at hand
+    int64 nblock = 0;                      // blocks of 60 sites on the chromosome at hand
+    haplotypestore haplotypes;             // (nhaplos, nblock) founder haplotypes of a chromosome
+    genomestore tmpgenome;                 // (n, nblock, 2) the generation at hand
+    genomestore oldtmpgenome;              // the same for the parents
+    array1<double> recombfactperblock;     // (nblock) share of the chromosome's recombination
+    array1<double> recombrateperblock;     // (nblock) crossing probability for the parent at hand
     array1<int64> globalrecomblocationmax; // (nchrom) highest crossing site met
     array2<int64> recombcount;             // (nindivp, 2) crossings per individual and gamete
 };
@@ -117,19 +117,19 @@ struct chipsettings {
     int64 nchip = 0;
     array1<int64> nsnpperchipperchrom; // (nchip)
     double minsnpfreq = 0, maxsnpfreq = 0;
-    std::string chipsarenested; // yes or no
-    int64 snpchipinclqtn = 0;   // 1 chips include QTN, 2 they don't, 3 at random
-    int64 tmpchip = 0;          // the chip used for selection
+    std::string chipsarenested;        // yes or no
+    int64 snpchipinclqtn = 0;          // 1 chips include QTN, 2 they don't, 3 at random
+    int64 tmpchip = 0;                 // the chip used for selection
     array2<int64> nsnponthischipchrom; // (nchip, nchrom)
-    int64 nsnp = 0, nsnpforsel = 0; // on the selection chip; with QTN when they are added
-    array1<int64> snponarrays;       // (nsegregincl) sites in random order
-    array1<double> minorallelefreq;  // (nsegregincl)
+    int64 nsnp = 0, nsnpforsel = 0;    // on the selection chip; with QTN when they are added
+    array1<int64> snponarrays;         // (nsegregincl) sites in random order
+    array1<double> minorallelefreq;    // (nsegregincl)
 };
 
 // QTN and their effects. Lifetime: the reader's values Run, the others Stage.
 struct qtndata {
-    int64 nqtn = 0, nqtngamma = 0;       // wanted in all
-    int64 ntotqtn = 0, ntotqtngamma = 0; // found in all
+    int64 nqtn = 0, nqtngamma = 0;                 // wanted in all
+    int64 ntotqtn = 0, ntotqtngamma = 0;           // found in all
     int64 nqtnperchrom = 0, nqtngammaperchrom = 0; // per chromosome, from the specification
     int64 nqtnrecombperchrom = 0, ntotqtnrecomb = 0;
     array1<int64> nqtnonthischrom, nqtnrecombonthischrom; // (nchrom)
@@ -139,8 +139,8 @@ struct qtndata {
     bool dominonoff = false;
     double domdegmean = 0, domdegvar = 0;
     double varamutprop = 0;
-    int64 qtnmodel = 0;   // 1 NormalUnrestr, 2 NormalRestr, 3 GammaUnrestr, 4 GammaRestr
-    int64 nqtnmodels = 4; // 2 if nqtngamma = 0
+    int64 qtnmodel = 0;     // 1 NormalUnrestr, 2 NormalRestr, 3 GammaUnrestr, 4 GammaRestr
+    int64 nqtnmodels = 4;   // 2 if nqtngamma = 0
     array1<int64> qtngamma; // (ntotqtn) 1: also a gamma effect
     array1<int64> allqtnidunres, allqtnidrestr, allqtnidrecomb;
     array1<int64> allqtnchromidunres, allqtnchromidrestr;
@@ -168,7 +168,7 @@ struct traitsettings {
 
 // Values and variances. Lifetime: Stage.
 struct valuedata {
-    int64 nindivinsimulrun = 0; // individuals of the generation at hand
+    int64 nindivinsimulrun = 0;        // individuals of the generation at hand
     array3<double> tbv, tdv, tev, tpv; // (nindivp, nqtnmodels, ntraits)
     array1<double> tbvrecomb, tbvrecombz, recombeta, recombperindperchr; // (nindivp)
     double recombmeanz = 0, recombstddevz = 0;
@@ -177,7 +177,7 @@ struct valuedata {
     array3<double> cova, covd;       // (nqtnmodels, ntraits, ntraits)
     double vararecomb = 0, varerecomb = 0, vararecombt = 0;
     array2<double> varagenic, vardgenic, varagenetic, vardgenetic; // (nqtnmodels, ntraits)
-    array3<double> varagenicloc, vardgenicloc; // (ntotqtn, nqtnmodels, ntraits)
+    array3<double> varagenicloc, vardgenicloc;                     // (ntotqtn, nqtnmodels, ntraits)
 };
 
 // Selection. Lifetime: the reader's values Run, the others Stage or one selection cycle.
@@ -249,8 +249,14 @@ struct state {
 void deallocatearraysfromspecfileread(state &s);
 
 // First and last individual (pedigree rows) of a generation.
-inline int64 firstindivofgen(const state &s, int64 gen) { return s.pop.cumindivnbtogen(gen - 1) + 1; }
-inline int64 lastindivofgen(const state &s, int64 gen) { return s.pop.cumindivnbtogen(gen); }
+inline int64 firstindivofgen(const state &s, int64 gen)
+{
+    return s.pop.cumindivnbtogen(gen - 1) + 1;
+}
+inline int64 lastindivofgen(const state &s, int64 gen)
+{
+    return s.pop.cumindivnbtogen(gen);
+}
 
 // Folder of a chromosome: "./Chromosomes/Chromosome<h>/".
 inline std::string chromfolder(int64 chrom)

@@ -14,9 +14,9 @@
 struct stopped {
     enum class kinds { withcode, plain, ioerror };
     kinds kind = kinds::plain;
-    int64 code = 0;       // of a stop with a code
-    int status = 1;       // exit status of a plain stop
-    std::string reason;   // of an I/O error: "file: reason", for standard error
+    int64 code = 0;     // of a stop with a code
+    int status = 1;     // exit status of a plain stop
+    std::string reason; // of an I/O error: "file: reason", for standard error
 };
 
 // Ends the run with a numeric code: "STOP <code>" on standard error, exit status code modulo

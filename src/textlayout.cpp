@@ -30,17 +30,9 @@ bool putnotfinite(textline &line, double value, int64 w)
     return true;
 }
 
-constexpr std::uint64_t powersoften[] = {1ULL,
-                                         10ULL,
-                                         100ULL,
-                                         1000ULL,
-                                         10000ULL,
-                                         100000ULL,
-                                         1000000ULL,
-                                         10000000ULL,
-                                         100000000ULL,
-                                         1000000000ULL,
-                                         10000000000ULL};
+constexpr std::uint64_t powersoften[] = {1ULL,         10ULL,         100ULL,        1000ULL,
+                                         10000ULL,     100000ULL,     1000000ULL,    10000000ULL,
+                                         100000000ULL, 1000000000ULL, 10000000000ULL};
 
 // value x 10^d as an integer, rounded exactly (ties to even). Works on the 53-bit significand
 // in 128-bit integers, for |value| < 2^29 and d <= 10: the commonest case, F20.10, needs
@@ -189,7 +181,10 @@ void putfree(textline &line, std::string_view text)
     line.append(text);
 }
 
-void putfree(textline &line, const char *text) { putfree(line, std::string_view(text)); }
+void putfree(textline &line, const char *text)
+{
+    putfree(line, std::string_view(text));
+}
 
 void putfree(textline &line, int64 value)
 {
@@ -197,7 +192,10 @@ void putfree(textline &line, int64 value)
     puti(line, value, 0);
 }
 
-void putfree(textline &line, int value) { putfree(line, static_cast<int64>(value)); }
+void putfree(textline &line, int value)
+{
+    putfree(line, static_cast<int64>(value));
+}
 
 void putfree(textline &line, double value)
 {

@@ -46,7 +46,10 @@ template <class... T> textline freeline(const T &...values)
 // A line of standard output, the text as it stands.
 void printline(std::string_view text);
 // A line of standard output of free-form values.
-template <class... T> void printfree(const T &...values) { printline(freeline(values...)); }
+template <class... T> void printfree(const T &...values)
+{
+    printline(freeline(values...));
+}
 
 // Numbers read free-form. True if the whole text is one: an integer of up to 64 bits with an
 // optional sign; a real in any form, with E or D exponents.

@@ -31,7 +31,10 @@ std::string lowercased(std::string_view text)
 }
 } // namespace
 
-std::string tlc(std::string_view text) { return lowercased(trim(text).substr(0, pathwidth)); }
+std::string tlc(std::string_view text)
+{
+    return lowercased(trim(text).substr(0, pathwidth));
+}
 
 std::string parsestringwindows(std::string_view text)
 {
@@ -39,7 +42,10 @@ std::string parsestringwindows(std::string_view text)
     return lowercased(text.substr(0, text.find(' ')));
 }
 
-std::string numbertext(int64 value) { return std::to_string(value); }
+std::string numbertext(int64 value)
+{
+    return std::to_string(value);
+}
 
 int64 countlines(const std::string &filename)
 {

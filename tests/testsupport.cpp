@@ -60,7 +60,8 @@ std::vector<std::string> wordsof(const std::string &line)
 std::vector<double> numbersof(const std::string &line)
 {
     std::vector<double> numbers;
-    for (const std::string &word : wordsof(line)) numbers.push_back(std::strtod(word.c_str(), nullptr));
+    for (const std::string &word : wordsof(line))
+        numbers.push_back(std::strtod(word.c_str(), nullptr));
     return numbers;
 }
 

@@ -48,5 +48,11 @@ struct commandresult {
 commandresult runcommand(const std::string &command);
 
 // Folder of the built programs, and of the sources.
-inline std::string binfolder() { return SOLVANTO_BINFOLDER; }
-inline std::string sourcefolder() { return SOLVANTO_SOURCEFOLDER; }
+inline std::string binfolder()
+{
+    return SOLVANTO_BINFOLDER;
+}
+inline std::string sourcefolder()
+{
+    return SOLVANTO_SOURCEFOLDER;
+}

@@ -56,7 +56,10 @@ class genomestore
     void fill(int64 value) { cells.fill(value); }
     int64 nindiv() const { return n; }
     int64 nblock() const { return blocks; }
-    int64 &operator()(int64 k, int64 b, int64 m) { return cells(((k - 1) * 2 + m - 1) * blocks + b); }
+    int64 &operator()(int64 k, int64 b, int64 m)
+    {
+        return cells(((k - 1) * 2 + m - 1) * blocks + b);
+    }
     int64 operator()(int64 k, int64 b, int64 m) const
     {
         return cells(((k - 1) * 2 + m - 1) * blocks + b);

@@ -1,0 +1,184 @@
+// The random stream: against the textbook form by divisions, and its distributions.
+#include "randomnumbers.h"
+
+#include "textlayout.h"
+
+#include "testsupport.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+// The generator as its definition reads: Schrage's divisions at every step.
+struct slowstream {
+    int64 idum, iv[33] = {}, iy = 0;
+    void step()
+    {
+        const int64 k = idum / 127773;
+        idum = 16807 * (idum - k * 127773) - 2836 * k;
+        if (idum < 0) idum += 2147483647;
+    }
+    double draw()
+    {
+        if (idum <= 0 || iy == 0) {
+            idum = std::max<int64>(-idum, 1);
+            for (int j = 40; j >= 1; --j) {
+                step();
+                if (j <= 32) iv[j] = idum;
+            }
+            iy = iv[1];
+        }
+        step();
+        const int64 j = 1 + iy / 67108864;
+        iy = iv[j];
+        iv[j] = idum;
+        return std::min(static_cast<double>(iy) * std::pow(2.0, -31), 0.9999998800000043);
+    }
+};
+} // namespace
+
+class randomnumbers : public infolder
+{
+};
+
+TEST_F(randomnumbers, drawsarethoseofthedefinition)
+{
+    for (const int64 seed : {-1LL, -12345LL, 0LL, 77LL, -2147483646LL, -5000000000LL}) {
+        randomstream fast;
+        fast.idum = seed;
+        slowstream slow{seed};
+        int differing = 0;
+        for (int i = 0; i < 100000; ++i) differing += ran1(fast) != slow.draw();
+        EXPECT_EQ(differing, 0) << seed;
+        EXPECT_EQ(fast.idum, slow.idum);
+    }
+}
+
+// The sum of the folded product can reach the modulus only through a state of 0, which the
+// recurrence never meets: checked at the two ends of the state's range.
+TEST_F(randomnumbers, foldingattheendsoftherange)
+{
+    for (const int64 start : {int64{1}, int64{2147483646}, int64{2147483645}, int64{127773}}) {
+        randomstream random;
+        random.idum = start;
+        random.iy = 1;
+        ran1(random);
+        EXPECT_EQ(random.idum, 16807 * start % 2147483647);
+    }
+}
+
+TEST_F(randomnumbers, seedprotocol)
+{
+    writefile("Seed.txt", "  -98765 left\n");
+    randomstream first;
+    initiateseed(first);
+    EXPECT_EQ(readfile("SeedOld.txt"), " -98765\n");
+    EXPECT_EQ(readfile("Seed.txt"), freeline(first.idum) + "\n");
+    EXPECT_LT(first.idum, 0);
+    slowstream slow{-98765};
+    slow.draw();
+    EXPECT_EQ(first.idum, -slow.idum);
+    slowstream run{first.idum}; // the run's draws follow from the number left in Seed.txt alone
+    for (int i = 0; i < 100; ++i) EXPECT_EQ(ran1(first), run.draw());
+
+    randomstream next; // the next run goes on from there
+    initiateseed(next);
+    EXPECT_EQ(readfile("SeedOld.txt"), freeline(-slow.idum) + "\n");
+
+    writefile("Seed.txt", "");
+    randomstream none;
+    EXPECT_EQ(runbody([&] { initiateseed(none); }).code(), -2);
+}
+
+TEST_F(randomnumbers, normaldeviatescomeinpairs)
+{
+    randomstream a, b;
+    a.idum = b.idum = -5;
+    double u, v, rsq;
+    do {
+        u = 2 * ran1(b) - 1;
+        v = 2 * ran1(b) - 1;
+        rsq = u * u + v * v;
+    } while (rsq >= 1 || rsq == 0);
+    const double fac = std::sqrt(-2 * std::log(rsq) / rsq);
+    EXPECT_EQ(gasdev(a), v * fac);
+    EXPECT_EQ(gasdev(a), u * fac);
+    // Mean 0 and variance 1: standard errors 1/sqrt(n) and sqrt(2/n), 5 of them allowed.
+    const int n = 200000;
+    double sum = 0, squares = 0;
+    for (int i = 0; i < n; ++i) {
+        const double z = gasdev(a);
+        sum += z;
+        squares += z * z;
+    }
+    EXPECT_LT(std::abs(sum / n), 5 / std::sqrt(n));
+    EXPECT_LT(std::abs(squares / n - 1), 5 * std::sqrt(2.0 / n));
+    // A negative state forgets the spare deviate.
+    gasdev(a);
+    a.iset = 1;
+    a.gset = 99;
+    a.idum = -5;
+    EXPECT_EQ(gasdev(a), v * fac);
+}
+
+TEST_F(randomnumbers, permutations)
+{
+    randomstream a, b;
+    a.idum = b.idum = -9;
+    array1<int64> order(7);
+    randomorder(order, 7, a);
+    std::vector<int64> slow{0, 1, 2, 3, 4, 5, 6, 7};
+    for (int i = 7; i >= 2; --i)
+        std::swap(slow[i], slow[static_cast<std::size_t>(i * ran1(b) + 1)]);
+    for (int i = 1; i <= 7; ++i) EXPECT_EQ(order(i), slow[i]);
+    const int64 state = a.idum;
+    randomorder(order, 1, a);
+    randomorder(order, 0, a);
+    EXPECT_EQ(a.idum, state); // no draws
+    EXPECT_EQ(order(1), 1);
+}
+
+// Mean s b and variance s b^2 on both sides of shape 1; standard error of the mean sqrt(s/n) b,
+// of the variance below b^2 sqrt((2 s^2 + 6 s) / n); 5 of them allowed.
+TEST_F(randomnumbers, gammadeviates)
+{
+    randomstream random;
+    random.idum = -11;
+    for (const double s : {0.4, 2.5, 30.0}) {
+        const double b = 1.66;
+        const int n = 100000;
+        double sum = 0, squares = 0;
+        for (int i = 0; i < n; ++i) {
+            const double x = random_gamma(random, s, b, true);
+            sum += x;
+            squares += (x - s * b) * (x - s * b);
+        }
+        EXPECT_LT(std::abs(sum / n - s * b), 5 * b * std::sqrt(s / n)) << s;
+        EXPECT_LT(std::abs(squares / n - s * b * b), 5 * b * b * std::sqrt((2 * s * s + 6 * s) / n))
+            << s;
+    }
+    double sum = 0; // chi-squared: mean ndf, variance 2 ndf
+    for (int i = 0; i < 20000; ++i) sum += random_chisq(random, 7, true);
+    EXPECT_LT(std::abs(sum / 20000 - 7), 5 * std::sqrt(14.0 / 20000));
+    for (const auto &[a, b] : {std::pair{2.0, 5.0}, std::pair{0.5, 0.7}, std::pair{6.0, 1.5}}) {
+        double total = 0; // beta: mean a/(a+b), variance below 1/4
+        for (int i = 0; i < 20000; ++i) total += random_beta(random, a, b, true);
+        EXPECT_LT(std::abs(total / 20000 - a / (a + b)), 5 * 0.5 / std::sqrt(20000.0)) << a;
+    }
+}
+
+TEST_F(randomnumbers, stopsofthegammaandbetadeviates)
+{
+    randomstream random;
+    random.idum = -1;
+    const auto stopof = [&](double s) {
+        return runbody([&] { random_gamma(random, s, 1, true); });
+    };
+    EXPECT_EQ(stopof(0).code(), 120001);
+    EXPECT_EQ(stopof(-1).output, "SHAPE PARAMETER VALUE MUST BE POSITIVE\n");
+    EXPECT_EQ(stopof(1).code(), 120001);
+    EXPECT_EQ(stopof(1).output, "IMPERMISSIBLE SHAPE PARAMETER VALUE\n");
+    EXPECT_EQ(stopof(1e-17).code(), 120003);
+    EXPECT_EQ(runbody([&] { random_beta(random, 0, 1, true); }).code(), 130001);
+}
