@@ -1,0 +1,137 @@
+#include "founders/stores.h"
+
+#include "words.h"
+
+#include <numeric>
+
+void allocatechromarrays(state &s)
+{
+    const int64 nchrom = s.founders.nchrom;
+    s.sites.nsegreginclglobal.allocate(nchrom);
+    s.sites.nmutinclglobal.allocate(nchrom);
+    s.sites.denovoinfo.allocate(nchrom, s.sites.ndenovomutperchr, 5);
+    s.sites.indivmutindicator.allocate(nchrom, s.pop.nindivp);
+    s.qtn.nqtnonthischrom.allocate(nchrom);
+    s.qtn.nqtnrecombonthischrom.allocate(nchrom);
+    s.chips.nsnponthischipchrom.allocate(s.chips.nchip, nchrom);
+}
+
+void releasechromarrays(state &s)
+{
+    s.sites.nsegreginclglobal.release();
+    s.sites.nmutinclglobal.release();
+    s.sites.denovoinfo.release();
+    s.sites.indivmutindicator.release();
+    s.qtn.nqtnonthischrom.release();
+    s.qtn.nqtnrecombonthischrom.release();
+    s.chips.nsnponthischipchrom.release();
+}
+
+namespace
+{
+void readsitesincluded(state &s, int64 chrom)
+{
+    infile in(chromfolder(chrom) + "SegSitesIncluded.txt");
+    in.record();
+    s.sites.nsegreginclglobal(chrom) = in.integer();
+}
+
+void readqtnmutationsandsnp(state &s, int64 chrom)
+{
+    infile in(chromfolder(chrom) + "NbOfQtnMutationsAndSnp.txt");
+    const auto row = [&](array1<int64> &nqtnofset) {
+        in.record();
+        nqtnofset(chrom) = in.integer();
+        s.sites.nmutinclglobal(chrom) = in.integer();
+        for (int64 chip = 1; chip <= s.chips.nchip; ++chip)
+            s.chips.nsnponthischipchrom(chip, chrom) = in.integer();
+    };
+    row(s.qtn.nqtnonthischrom);
+    if (s.selection.recombselonoff) row(s.qtn.nqtnrecombonthischrom);
+    if (s.sites.nmutinclglobal(chrom) > s.sites.ndenovomutperchr)
+        in.complain("holds " + numbertext(s.sites.nmutinclglobal(chrom)) +
+                    " included mutations where the specification has " +
+                    numbertext(s.sites.ndenovomutperchr) + " mutations per chromosome");
+}
+
+void readdenovoinfo(state &s, int64 chrom)
+{
+    if (s.sites.nmutinclglobal(chrom) <= 0) return;
+    infile in(chromfolder(chrom) + "MutDeNovoInfo.txt");
+    for (int64 j = 1; j <= s.sites.nmutinclglobal(chrom); ++j) {
+        in.record();
+        for (int64 field = 1; field <= 5; ++field)
+            s.sites.denovoinfo(chrom, j, field) = in.integer();
+    }
+}
+
+void readindivmutindicator(state &s, int64 chrom)
+{
+    infile in(chromfolder(chrom) + "MutIndivIndicator.txt");
+    int64 nrows = 0;
+    while (in.nextrecord()) {
+        if (in.line().find_first_not_of(" \t") == std::string_view::npos) continue;
+        if (++nrows > s.pop.nindivp)
+            in.complain("more individuals than the " + numbertext(s.pop.nindivp) +
+                        " of the simulation");
+        in.integer(); // the individual's number is the row's
+        s.sites.indivmutindicator(chrom, nrows) = static_cast<int8>(in.integer());
+    }
+    s.sites.nindivpinit = nrows;
+}
+
+int64 sumof(const array1<int64> &values)
+{
+    return std::accumulate(values.begin(), values.end(), int64{0});
+}
+
+void computetotals(state &s)
+{
+    s.qtn.ntotqtn = sumof(s.qtn.nqtnonthischrom);
+    s.qtn.ntotqtngamma = sumof(s.sites.nmutinclglobal) + s.qtn.nqtngamma;
+    if (s.selection.recombselonoff) s.qtn.ntotqtnrecomb = sumof(s.qtn.nqtnrecombonthischrom);
+    s.chips.nsnp = 0;
+    const bool haschip = s.chips.tmpchip >= 1 && s.chips.tmpchip <= s.chips.nchip;
+    for (int64 chrom = 1; haschip && chrom <= s.founders.nchrom; ++chrom)
+        s.chips.nsnp += s.chips.nsnponthischipchrom(s.chips.tmpchip, chrom);
+    s.chips.nsnpforsel = s.chips.nsnp;
+    if (s.chips.usesnpchiponoff && s.selection.addqtntosnpchip == 1)
+        s.chips.nsnpforsel += s.qtn.ntotqtn;
+}
+} // namespace
+
+void readsegsitesdatafromallchrom(state &s)
+{
+    for (int64 chrom = 1; chrom <= s.founders.nchrom; ++chrom) {
+        readsitesincluded(s, chrom);
+        readqtnmutationsandsnp(s, chrom);
+        readdenovoinfo(s, chrom);
+        readindivmutindicator(s, chrom);
+    }
+    computetotals(s);
+}
+
+void readsegsitesdataperchrom(state &s, int64 chrom)
+{
+    infile in(chromfolder(chrom) + "PhysicalMapIncluded.txt");
+    for (int64 i = 1; i <= s.sites.nsegregincl; ++i) {
+        in.record();
+        in.integer(); // the row number
+        s.sites.inclsnpid(i) = in.integer();
+        s.sites.inclphysicalmap(i) = in.real();
+        s.sites.inclmutindicator(i) = in.integer();
+        s.sites.inclmutindicatorindivid(i) = in.integer();
+    }
+    s.sites.nhaplos = countlines(chromfolder(chrom) + "MacsHaplotypes.txt");
+}
+
+void readsegsitesdataperchromforrecomb(int64 chrom, array1<double> &map, int64 nsegregincl)
+{
+    infile in(chromfolder(chrom) + "PhysicalMapIncluded.txt");
+    for (int64 i = 1; i <= nsegregincl; ++i) {
+        in.record();
+        in.integer();
+        in.integer();
+        map(i) = in.real();
+    }
+}
