@@ -104,6 +104,10 @@ class infile
     int64 integer();
     double real();
     std::string_view word();
+    // n reals, exactly as n calls of real() give them; quick where they stand in fields F20.10.
+    void reals(double *values, int64 n);
+    // Passes over n values, whatever they are.
+    void skipwords(int64 n);
     // n small integers (-128 to 127): alleles and genotypes, in two columns each or free-form.
     void alleles(int8 *values, int64 n);
     // An I/O error about the current record.

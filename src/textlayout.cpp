@@ -3,6 +3,9 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace
 {
@@ -164,15 +167,30 @@ void pute(textline &line, double value, int64 w, int64 d)
     putfield(line, result + tail, w);
 }
 
+char *putalleles(char *to, const int8 *alleles, int64 n)
+{
+    int64 i = 0;
+#ifdef __SSE2__
+    const __m128i blanks = _mm_set1_epi8(' '), zeros = _mm_set1_epi8('0');
+    for (; i + 16 <= n; i += 16, to += 32) {
+        const __m128i digits =
+            _mm_add_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(alleles + i)), zeros);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(to), _mm_unpacklo_epi8(blanks, digits));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(to + 16), _mm_unpackhi_epi8(blanks, digits));
+    }
+#endif
+    for (; i < n; ++i) {
+        *to++ = ' ';
+        *to++ = static_cast<char>('0' + alleles[i]);
+    }
+    return to;
+}
+
 void putalleles(textline &line, const int8 *alleles, int64 n)
 {
     const std::size_t start = line.size();
     line.resize(start + 2 * static_cast<std::size_t>(n));
-    char *p = line.data() + start;
-    for (int64 i = 0; i < n; ++i) {
-        p[2 * i] = ' ';
-        p[2 * i + 1] = static_cast<char>('0' + alleles[i]);
-    }
+    putalleles(line.data() + start, alleles, n);
 }
 
 void putfree(textline &line, std::string_view text)

@@ -26,6 +26,8 @@ void putf(textline &line, double value, int64 w, int64 d);
 void pute(textline &line, double value, int64 w, int64 d);
 // nI2 for values 0 to 9: alleles and genotypes, two columns each.
 void putalleles(textline &line, const int8 *alleles, int64 n);
+// The same into a buffer with room for 2n bytes; gives the place behind them.
+char *putalleles(char *to, const int8 *alleles, int64 n);
 
 // Free-form: one blank, then the value. A whole line of free-form values thus begins with a
 // blank. Integers at minimal width; reals with the fewest digits that read back to the same
