@@ -1,0 +1,30 @@
+// genomefiles.h - the binary files of packed genomes, one framed record each.
+//
+//   MacsHaplotypesInBlocks.txt   (nhaplos, nblock): founder haplotypes of a chromosome
+//   GenomeGeneration<g>.txt      (nindiv, nblock, 2): genomes of a generation
+//
+// 64-bit integers; in the file the haplotype or individual varies fastest, then the block, then
+// the gamete, while in memory each gamete is contiguous. The record is transposed on the way,
+// through a buffer of a few megabytes or, where a generation is very large, of 8 blocks of every
+// individual. A file whose record has another length is an I/O error that names it.
+#pragma once
+
+#include "files.h"
+#include "haplotypes/genomes.h"
+
+#include <string>
+
+// Genomes of a generation; g is made anew unless it has the extents already.
+void readgenome(const std::string &path, genomestore &g, int64 nindiv, int64 nblock);
+// limit is the longest frame; only tests give another one.
+void writegenome(const std::string &path, const genomestore &g, int64 limit = framelimit);
+
+// Genomes of some individuals of a generation of nindiv: rows(1), rows(2), ... are their places in
+// the file, from 1; they go to places firstplace, firstplace + 1, ... of g, which must have room.
+// Memory: one block of every individual of the file.
+void readgenomerows(const std::string &path, int64 nindiv, int64 nblock, const array1<int64> &rows,
+                    genomestore &g, int64 firstplace);
+
+// Founder haplotypes; h is made anew unless it has the extents already.
+void readhaplotypes(const std::string &path, haplotypestore &h, int64 nhaplos, int64 nblock);
+void writehaplotypes(const std::string &path, const haplotypestore &h, int64 limit = framelimit);
