@@ -116,14 +116,15 @@ void outfile::openandkeep(const std::string &filename, int64 nlines)
     cutandseek(descriptor, name, offsetbehindlines(descriptor, name, nlines));
 }
 
-void outfile::openandkeepfixed(const std::string &filename, int64 nlines, int64 recordlength)
+void outfile::openandkeepfixed(const std::string &filename, int64 nlines, int64 recordlength,
+                               int64 headerlength)
 {
     if (isopen()) close();
     name = filename;
     descriptor = openchecked(name, O_RDWR | O_CREAT);
     buffer.resize(buffersize);
     used = 0;
-    const off_t offset = static_cast<off_t>(nlines * recordlength);
+    const off_t offset = static_cast<off_t>(headerlength + nlines * recordlength);
     if (offset > 0) {
         char last = 0;
         const ssize_t got = ::pread(descriptor, &last, 1, offset - 1);

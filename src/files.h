@@ -33,8 +33,9 @@ class outfile
     // error. Earlier records are passed over by scanning for line ends, never parsed.
     void openandkeep(const std::string &filename, int64 nlines);
     // The same where every record has the same known length (line end included): one seek. The
-    // line end before the place is checked.
-    void openandkeepfixed(const std::string &filename, int64 nlines, int64 recordlength);
+    // line end before the place is checked. headerlength: bytes of a title before the records.
+    void openandkeepfixed(const std::string &filename, int64 nlines, int64 recordlength,
+                          int64 headerlength = 0);
 
     bool isopen() const { return descriptor >= 0; }
     const std::string &path() const { return name; }
