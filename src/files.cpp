@@ -106,6 +106,16 @@ void outfile::open(const std::string &filename)
     used = 0;
 }
 
+void outfile::openstandardoutput()
+{
+    if (isopen()) close();
+    name = "standard output";
+    descriptor = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+    if (descriptor < 0) ioerrno(name, "can't open for writing");
+    buffer.resize(buffersize);
+    used = 0;
+}
+
 void outfile::openandkeep(const std::string &filename, int64 nlines)
 {
     if (isopen()) close();

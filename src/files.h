@@ -28,6 +28,9 @@ class outfile
     ~outfile();
 
     void open(const std::string &filename);
+    // The standard output, for programs that write much of it. What went there by other ways has
+    // to be flushed before.
+    void openstandardoutput();
     // Opens for writing on behind the first nlines records, found by their line ends; creates the
     // file if there is none. What stood behind is dropped. A file with fewer records is an I/O
     // error. Earlier records are passed over by scanning for line ends, never parsed.

@@ -167,6 +167,16 @@ void pute(textline &line, double value, int64 w, int64 d)
     putfield(line, result + tail, w);
 }
 
+void putg(textline &line, double value, int64 w, int64 d)
+{
+    if (putnotfinite(line, value, w)) return;
+    char digits[64];
+    const auto written = std::to_chars(digits, digits + sizeof digits, value,
+                                       std::chars_format::general, static_cast<int>(d));
+    pad(line, w - (written.ptr - digits));
+    line.append(digits, written.ptr);
+}
+
 char *putalleles(char *to, const int8 *alleles, int64 n)
 {
     int64 i = 0;

@@ -24,6 +24,9 @@ void puti(textline &line, int64 value, int64 w);
 void putf(textline &line, double value, int64 w, int64 d);
 // Ew.d: exponent form with a mantissa of d digits between 0.1 and 1: 0.10E-04.
 void pute(textline &line, double value, int64 w, int64 d);
+// At least w columns, right-aligned: d significant digits without trailing zeros, in exponent form
+// below 0.0001 and from 10^d on (as printf's %w.dg). A longer number widens the field.
+void putg(textline &line, double value, int64 w, int64 d);
 // nI2 for values 0 to 9: alleles and genotypes, two columns each.
 void putalleles(textline &line, const int8 *alleles, int64 n);
 // The same into a buffer with room for 2n bytes; gives the place behind them.
