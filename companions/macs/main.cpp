@@ -1,0 +1,33 @@
+// A coalescent simulator of one population for founder haplotypes: macs N L -t theta -r rho ...
+// Standard output: the command line, the seed, the sites. Standard error: notes and refusals.
+
+#include "macs/seed.h"
+#include "macs/simulate.h"
+
+#include "stops.h"
+
+#include <cstdio>
+
+namespace
+{
+void runmacs(const std::vector<std::string> &words)
+{
+    outfile out;
+    out.openstandardoutput();
+    textline command = "COMMAND:\t";
+    for (std::size_t i = 0; i < words.size(); ++i) command += (i > 0 ? " " : "") + words[i];
+    out.writeline(command);
+    out.flush(); // it stands there also when the run is refused
+    const macs::macsoptions options = macs::readoptions({words.begin() + 1, words.end()});
+    const int64 seed = options.seedgiven ? options.seed : macs::defaultseed();
+    out.writeline("SEED:\t" + std::to_string(seed));
+    macs::writechromosomes(options, seed, out);
+    out.close();
+    std::fprintf(stderr, "Program is complete\n");
+}
+} // namespace
+
+int main(int argc, char **argv)
+{
+    return runtostop([&] { runmacs({argv, argv + argc}); });
+}
