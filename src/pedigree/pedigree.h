@@ -18,9 +18,8 @@ constexpr const char *pedigreetable = "SimulatedData/Pedigree.txt";
 constexpr const char *gendertable = "SimulatedData/Gender.txt";
 constexpr const char *generationtable = "SimulatedData/NbOfIndivInEachGen.txt";
 
-// Bytes of a line, line end included, of Pedigree.txt and Gender.txt, and of their titles.
+// Bytes of a line of Pedigree.txt, and of its title, line end included.
 constexpr int64 pedigreelinelength = 5 * 20 + 1 + 512 + 1, pedigreetitlelength = 6 * 20 + 1;
-constexpr int64 genderlinelength = 3 * 20 + 1, gendertitlelength = 61 + 1;
 
 // Fills a row that has not been filled before, otherwise does nothing. path: working directory
 // of the run that makes the row; the present one if it isn't given.

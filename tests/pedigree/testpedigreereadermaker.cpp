@@ -1,0 +1,390 @@
+// The pedigree stage: genders, external and internal pedigrees, parents of the burn-in.
+#include "pedigree/matings.h"
+#include "pedigree/pedigree.h"
+#include "pedigree/pedigreereadermaker.h"
+#include "testsupport.h"
+
+#include <filesystem>
+#include <set>
+
+namespace
+{
+class pedigreestage : public infolder
+{
+  protected:
+    void SetUp() override
+    {
+        infolder::SetUp();
+        std::filesystem::create_directory("SimulatedData");
+    }
+};
+
+// A run over all generations, without any parents yet. ngen burn-in generations of the sizes.
+void setsizes(state &s, const std::vector<int64> &sizes, int64 ngen)
+{
+    const int64 n = static_cast<int64>(sizes.size());
+    s.pop.ngen = ngen;
+    s.pop.ngensel = n - ngen;
+    s.pop.nindivinthisgen.allocate({0, n});
+    s.pop.cumindivnbtogen.allocate({0, n});
+    for (int64 j = 1; j <= n; ++j) {
+        s.pop.nindivinthisgen(j) = sizes[static_cast<std::size_t>(j - 1)];
+        s.pop.cumindivnbtogen(j) = s.pop.cumindivnbtogen(j - 1) + s.pop.nindivinthisgen(j);
+    }
+    s.pop.nindivp = s.pop.cumindivnbtogen(n);
+    const int64 nbreeding = std::max<int64>(1, n - 1);
+    for (auto *parents : {&s.pop.nsireinthisgen, &s.pop.ndaminthisgen, &s.pop.nrandparinthisgen,
+                          &s.pop.nselfedparinthisgen})
+        parents->allocate(nbreeding);
+    s.run.specstartgen = 1;
+    s.run.specendgen = n;
+    s.pedi.pedigreestatus = "internal";
+    s.pop.animbreedonoff = true;
+    s.random.idum = -4711;
+}
+
+void makeplants(state &s, const char *gendermatters)
+{
+    s.pop.animbreedonoff = false;
+    s.pop.plantbreedonoff = true;
+    s.pop.gendermatters = gendermatters;
+}
+
+struct individual {
+    int64 generation, sire, dam, gender;
+};
+
+// The table as the files hold it; checks numbering and genders on the way.
+std::vector<individual> readtable()
+{
+    std::vector<individual> table;
+    const auto pedigree = readlines(pedigreetable), genders = readlines(gendertable);
+    EXPECT_EQ(pedigree.size(), genders.size());
+    for (std::size_t i = 1; i < pedigree.size(); ++i) {
+        const auto row = numbersof(pedigree[i]), gender = numbersof(genders[i]);
+        EXPECT_EQ(row[2], static_cast<double>(i));
+        EXPECT_EQ(gender[1], static_cast<double>(i));
+        EXPECT_EQ(gender[0], row[0]);
+        const auto whole = [](double x) { return static_cast<int64>(x); };
+        table.push_back({whole(row[0]), whole(row[3]), whole(row[4]), whole(gender[2])});
+    }
+    return table;
+}
+
+// The stage once more, slowly: everything in plain lists, with the same draws.
+struct slowstage {
+    state s; // settings and stream
+    std::vector<individual> rows;
+
+    int64 draw(int64 n) { return static_cast<int64>(ran1(s.random) * static_cast<double>(n)) + 1; }
+    std::vector<int64> permutation(int64 n)
+    {
+        std::vector<int64> order(static_cast<std::size_t>(n));
+        randomorder(order.data(), n, s.random);
+        return order;
+    }
+    std::size_t firstof(int64 gen) const
+    {
+        std::size_t first = 0;
+        for (int64 j = 1; j < gen; ++j) first += static_cast<std::size_t>(s.pop.nindivinthisgen(j));
+        return first;
+    }
+    void parents(int64 gender, int64 gen, int64 npar, bool anygender)
+    {
+        std::vector<int64> chosen, spread;
+        const int64 base = static_cast<int64>(firstof(gen - 1));
+        while (static_cast<int64>(chosen.size()) < npar) {
+            const int64 row = base + draw(s.pop.nindivinthisgen(gen - 1));
+            if (!anygender && rows[static_cast<std::size_t>(row - 1)].gender != gender) continue;
+            if (std::find(chosen.begin(), chosen.end(), row) == chosen.end()) chosen.push_back(row);
+        }
+        const int64 n = s.pop.nindivinthisgen(gen);
+        for (const int64 parent : chosen)
+            for (int64 k = 0; k < n / npar; ++k) spread.push_back(parent);
+        for (std::size_t k = 0; static_cast<int64>(spread.size()) < n; ++k)
+            spread.push_back(chosen[k]);
+        individual *child = &rows[firstof(gen)];
+        if (gender == 1) {
+            for (const int64 parent : spread) (child++)->sire = parent;
+        } else {
+            for (const int64 k : permutation(n))
+                (child++)->dam = spread[static_cast<std::size_t>(k - 1)];
+        }
+        if (s.pop.nrandparinthisgen(gen - 1) == 0) return;
+        child = &rows[firstof(gen)];
+        for (const int64 k : permutation(n)) {
+            int64 dam = spread[static_cast<std::size_t>(k - 1)];
+            if (dam == child->sire)
+                for (const int64 other : permutation(n)) {
+                    dam = spread[static_cast<std::size_t>(other - 1)];
+                    if (dam != child->sire) break;
+                }
+            (child++)->dam = dam;
+        }
+    }
+    void genders()
+    {
+        for (int64 j = 1; j <= s.run.specendgen; ++j) {
+            const std::size_t first = rows.size();
+            rows.resize(first + static_cast<std::size_t>(s.pop.nindivinthisgen(j)), {j, 0, 0, 0});
+            int64 i = 0;
+            for (const int64 k : permutation(s.pop.nindivinthisgen(j)))
+                rows[first + static_cast<std::size_t>(k - 1)].gender = ++i % 2 == 0 ? 1 : 2;
+        }
+    }
+    void damisire(int64 gen)
+    {
+        for (individual &row : rows)
+            if (row.generation == gen) row.dam = row.sire;
+    }
+};
+
+void expectsame(const std::vector<individual> &got, const std::vector<individual> &wanted)
+{
+    ASSERT_EQ(got.size(), wanted.size());
+    for (std::size_t i = 0; i < got.size(); ++i) {
+        EXPECT_EQ(got[i].generation, wanted[i].generation) << i + 1;
+        EXPECT_EQ(got[i].sire, wanted[i].sire) << i + 1;
+        EXPECT_EQ(got[i].dam, wanted[i].dam) << i + 1;
+        EXPECT_EQ(got[i].gender, wanted[i].gender) << i + 1;
+    }
+}
+} // namespace
+
+TEST_F(pedigreestage, parentsAreSpreadEvenly)
+{
+    const auto spread = [](int64 npar, int64 nmatings) {
+        array1<int64> parents(npar), matingvec(nmatings);
+        for (int64 k = 1; k <= npar; ++k) parents(k) = 10 * k;
+        buildmatingvec(parents, npar, nmatings, matingvec);
+        return std::vector<int64>(matingvec.begin(), matingvec.end());
+    };
+    EXPECT_EQ(spread(3, 10), (std::vector<int64>{10, 10, 10, 20, 20, 20, 30, 30, 30, 10}));
+    EXPECT_EQ(spread(4, 2), (std::vector<int64>{10, 20}));
+}
+
+TEST_F(pedigreestage, animalsFollowTheDraws)
+{
+    const auto settings = [](state &s) {
+        setsizes(s, {9, 10, 7, 4}, 3);
+        s.pop.nsireinthisgen(1) = 3;
+        s.pop.ndaminthisgen(1) = 5;
+        s.pop.nsireinthisgen(2) = 1;
+        s.pop.ndaminthisgen(2) = 4;
+        s.pop.nsireinthisgen(3) = s.pop.ndaminthisgen(3) = 1;
+    };
+    slowstage slow;
+    settings(slow.s);
+    slow.genders();
+    for (int64 j = 2; j <= 3; ++j) {
+        slow.parents(1, j, slow.s.pop.nsireinthisgen(j - 1), false);
+        slow.parents(2, j, slow.s.pop.ndaminthisgen(j - 1), false);
+    }
+    state s;
+    settings(s);
+    EXPECT_EQ(runbody([&] { pedigreereadermaker(s); }).output, "\n");
+    expectsame(readtable(), slow.rows);
+    EXPECT_EQ(s.random.idum, slow.s.random.idum);
+    EXPECT_FALSE(s.pedi.ped.allocated());
+    EXPECT_EQ(readfile(generationtable),
+              " Gen     nIndivInThisGen       nMalInThisGen       nFemInThisGen\n"
+              "   1                   9                   4                   5\n"
+              "   2                  10                   5                   5\n"
+              "   3                   7                   3                   4\n"
+              "   4                   4                   2                   2\n");
+
+    // A run over generations 3 and 4 keeps what stands before, and draws those anew.
+    const auto pedigree = readlines(pedigreetable), genders = readlines(gendertable);
+    state t;
+    settings(t);
+    t.run.specstartgen = 3;
+    t.random.idum = -99;
+    runbody([&] { pedigreereadermaker(t); });
+    const auto table = readtable();
+    ASSERT_EQ(table.size(), 30u);
+    const auto newpedigree = readlines(pedigreetable), newgenders = readlines(gendertable);
+    for (std::size_t i = 0; i <= 19; ++i) {
+        EXPECT_EQ(newpedigree[i], pedigree[i]);
+        EXPECT_EQ(newgenders[i], genders[i]);
+    }
+    EXPECT_NE(newgenders, genders);
+    EXPECT_EQ(readlines(generationtable).size(), 5u);
+    for (std::size_t i = 19; i < 26; ++i) { // parents of the right gender in generation 2
+        ASSERT_TRUE(table[i].sire > 9 && table[i].sire <= 19);
+        ASSERT_TRUE(table[i].dam > 9 && table[i].dam <= 19);
+        EXPECT_EQ(table[static_cast<std::size_t>(table[i].sire - 1)].gender, 1);
+        EXPECT_EQ(table[static_cast<std::size_t>(table[i].dam - 1)].gender, 2);
+    }
+    EXPECT_EQ(table[26].sire, 0);
+
+    t.pop.nindivinthisgen(2) = 11;
+    const outcome changed = runbody([&] { pedigreereadermaker(t); });
+    EXPECT_EQ(changed.code(), 110014);
+    EXPECT_EQ(changed.output, "ERROR: The number of individuals in generation   2\n"
+                              "must be reset to its initial value\n");
+}
+
+TEST_F(pedigreestage, plantsFollowTheDraws)
+{
+    // Selfing, crossing regardless of gender (few parents, so that collisions come), male and
+    // female parents; then the same last step with doubled haploids, and without a mark.
+    for (const int64 ngendh : {0, 1, 2}) {
+        const auto settings = [&](state &s) {
+            setsizes(s, {6, 8, 11, 6}, 4);
+            makeplants(s, "no");
+            s.pop.nselfedparinthisgen(1) = 3;
+            s.pop.nrandparinthisgen(2) = 2;
+            s.pop.nsireinthisgen(3) = 2;
+            s.pop.ndaminthisgen(3) = 5;
+            s.pop.ngendh = ngendh;
+            if (ngendh == 0) return;
+            s.pop.createdhinthisgen.allocate(4);
+            s.pop.createdhinthisgen(ngendh == 1 ? 4 : 1) = 1;
+        };
+        slowstage slow;
+        settings(slow.s);
+        slow.genders();
+        slow.parents(1, 2, 3, true);
+        slow.damisire(2);
+        slow.parents(1, 3, 2, true);
+        slow.parents(1, 4, 2, false);
+        if (ngendh == 0) slow.parents(2, 4, 5, false);
+        if (ngendh == 1) slow.damisire(4);
+        state s;
+        settings(s);
+        runbody([&] { pedigreereadermaker(s); });
+        const auto table = readtable();
+        expectsame(table, slow.rows);
+        EXPECT_EQ(s.random.idum, slow.s.random.idum);
+        for (std::size_t i = 14; i < 25; ++i) EXPECT_NE(table[i].sire, table[i].dam);
+        EXPECT_EQ(table[14].sire, table[18].sire); // sires of the crosses stay in blocks
+    }
+}
+
+TEST_F(pedigreestage, externalPedigreeIsRecoded)
+{
+    // Line 3 names a sire that comes later; 8 stands twice, and the later row is the parent.
+    writefile("animals.txt", "11 0 0 breed A\n8,0,0\n20 30 11\r\n\n30 8 11\n8 20 30\n40 8 20");
+    state s;
+    setsizes(s, {3, 3, 3}, 3);
+    s.pedi.pedigreestatus = s.pedi.pedigreefile = "animals.txt";
+    const outcome read = runbody([&] { pedigreereadermaker(s); });
+    EXPECT_EQ(read.code(), 0);
+    EXPECT_EQ(read.output, "  Pedigree imported for generation   1\n\n");
+    const auto table = readtable();
+    ASSERT_EQ(table.size(), 9u);
+    const int64 sires[] = {0, 0, 0, 2, 3, 5, 0, 0, 0}, dams[] = {0, 0, 1, 1, 4, 3, 0, 0, 0};
+    for (std::size_t i = 0; i < 9; ++i) {
+        EXPECT_EQ(table[i].sire, sires[i]) << i + 1;
+        EXPECT_EQ(table[i].dam, dams[i]) << i + 1;
+        EXPECT_EQ(table[i].generation, static_cast<int64>(i / 3 + 1));
+    }
+    const auto lines = readlines(pedigreetable);
+    EXPECT_EQ(wordsof(lines[6])[1], "40");
+    EXPECT_EQ(wordsof(lines[7])[1], "7");
+    slowstage slow; // genders are all that is drawn
+    setsizes(slow.s, {3, 3, 3}, 3);
+    slow.genders();
+    EXPECT_EQ(s.random.idum, slow.s.random.idum);
+
+    // A later run takes parents among the individuals of the earlier one too.
+    writefile("more.txt", "50 40 8\n51 50 7\n");
+    s.run.specstartgen = 3;
+    s.pedi.pedigreestatus = s.pedi.pedigreefile = "more.txt";
+    EXPECT_EQ(runbody([&] { pedigreereadermaker(s); }).code(), 0);
+    EXPECT_EQ(wordsof(readlines(pedigreetable)[7])[3], "6");
+    EXPECT_EQ(wordsof(readlines(pedigreetable)[7])[4], "5");
+    EXPECT_EQ(wordsof(readlines(pedigreetable)[8])[3], "7");
+    EXPECT_EQ(wordsof(readlines(pedigreetable)[8])[4], "0"); // row 7 is made by this run
+
+    for (const auto &[text, reason] : std::vector<std::pair<std::string, std::string>>{
+             {"1 0 0\n2 0 0\n3 0 0\n4 0 0\n", "holds 4 individuals where there is room for 3"},
+             {"1 0\n2 0 0\n3 0 0\n", "line 1: an individual, its sire and its dam"},
+             {"1 0 cow\n", "line 1: an integer is wanted"}}) {
+        writefile("more.txt", text);
+        const outcome bad = runbody([&] { pedigreereadermaker(s); });
+        EXPECT_EQ(bad.code(), -2);
+        EXPECT_NE(bad.stop.reason.find("more.txt"), std::string::npos) << bad.stop.reason;
+        EXPECT_NE(bad.stop.reason.find(reason), std::string::npos) << bad.stop.reason;
+    }
+}
+
+TEST_F(pedigreestage, numbersOfParentsAreChecked)
+{
+    struct wrongnumbers {
+        const char *gendermatters; // nullptr: animals
+        int64 nsire, ndam, nrand, nselfed;
+        std::string message;
+        int64 code;
+    };
+    // The generation at fault is the second: 5 individuals, 2 of them male; 3 come next.
+    const std::vector<wrongnumbers> cases = {
+        {nullptr, 0, 0, 0, 0,
+         "ERROR: Number of sires and dams must be non-null for generation    2\n", 110022},
+        {nullptr, 3, 1, 0, 0, "ERROR: Not enough sires for generation    2\n", 110023},
+        {nullptr, 0, 1, 0, 0, "ERROR: Not enough sires for generation    2\n", 110023},
+        {nullptr, 2, 4, 0, 0, "ERROR: Not enough dams for generation    2\n", 110024},
+        {nullptr, 2, 0, 0, 0, "ERROR: Not enough dams for generation    2\n", 110024},
+        {"no", 1, 0, 0, 1,
+         "  ERROR: There is a conflict in the number of parents for generation     2\n", 110016},
+        {"no", 0, 0, 0, 6, "ERROR: Not enough plants to be selfed for generation    2\n", 110017},
+        {"yes", 0, 0, 0, 0, "  ERROR: Number of parents cannot be null for generation 2\n", 110018},
+        {"Yes", 3, 1, 0, 0, "ERROR: Not enough male plants for generation    2\n", 110019},
+        {"no", 3, 1, 0, 0, "ERROR: Not enough male plants for generation    2\n", 110019},
+        {"no", 0, 1, 0, 0, "ERROR: Not enough male plants for generation    2\n", 110019},
+        {"Yes", 2, 4, 0, 0, "ERROR: Not enough female plants for generation    2\n", 110020},
+        {"no", 2, 0, 0, 0, "ERROR: Not enough female plants for generation    2\n", 110020},
+        {"no", 0, 0, 6, 0, "ERROR: Not enough plants to be crossed for generation    2\n", 110021},
+        {"yes", 0, 0, 6, 0, "ERROR: Not enough plants to be crossed for generation    2\n", 110021},
+        {"no", 0, 0, 1, 0, "ERROR: Random mating needs at least two parents for generation    2\n",
+         110021},
+    };
+    for (const wrongnumbers &wrong : cases) {
+        state s;
+        setsizes(s, {4, 5, 3}, 3);
+        if (wrong.gendermatters) makeplants(s, wrong.gendermatters);
+        s.pop.nsireinthisgen(1) = s.pop.ndaminthisgen(1) = 2;
+        s.pop.nsireinthisgen(2) = wrong.nsire;
+        s.pop.ndaminthisgen(2) = wrong.ndam;
+        s.pop.nrandparinthisgen(2) = wrong.nrand;
+        s.pop.nselfedparinthisgen(2) = wrong.nselfed;
+        const outcome stop = runbody([&] { pedigreereadermaker(s); });
+        EXPECT_EQ(stop.code(), wrong.code) << wrong.message;
+        EXPECT_EQ(stop.output, wrong.message);
+    }
+}
+
+TEST_F(pedigreestage, limitsOfTheChecks)
+{
+    state s; // one new individual can't have two parents by random mating
+    setsizes(s, {4, 1}, 2);
+    makeplants(s, "no");
+    s.pop.nrandparinthisgen(1) = 2;
+    EXPECT_EQ(runbody([&] { pedigreereadermaker(s); }).code(), 110021);
+
+    state t; // a single individual is female
+    setsizes(t, {1, 4}, 2);
+    t.pop.nsireinthisgen(1) = t.pop.ndaminthisgen(1) = 1;
+    EXPECT_EQ(runbody([&] { pedigreereadermaker(t); }).code(), 110023);
+    t.run.specendgen = 1; // nothing is bred, so nothing is checked
+    EXPECT_EQ(runbody([&] { pedigreereadermaker(t); }).code(), 0);
+    EXPECT_EQ(readtable()[0].gender, 2);
+
+    state u; // last burn-in generation: a note only
+    setsizes(u, {4, 4, 4}, 1);
+    makeplants(u, "no");
+    const outcome noted = runbody([&] { pedigreereadermaker(u); });
+    EXPECT_EQ(noted.code(), 0);
+    EXPECT_EQ(noted.output,
+              "  NOTE: Numbers of parents in generation    1 have not been provided\n"
+              "  NOTE: Numbers of parents in generation    2 have not been provided\n\n");
+    EXPECT_EQ(readtable().size(), 12u);
+
+    state v; // parents of truncation that are all the same
+    setsizes(v, {2, 3}, 1);
+    v.pedi.ped.allocate(5);
+    const array1<int64> parentrows(3, 2);
+    const outcome same = runbody([&] { randommating(v, 3, 3, parentrows, 1); });
+    EXPECT_EQ(same.output, "ERROR: Random mating needs at least two parents for generation    1\n");
+    EXPECT_EQ(same.code(), 110021);
+}
