@@ -1,0 +1,74 @@
+#include "traits/covariances.h"
+
+#include "files.h"
+#include "sortstat.h"
+#include "stops.h"
+#include "textlayout.h"
+#include "words.h"
+
+#include <cmath>
+#include <string>
+
+namespace
+{
+// Factors the matrix in place; stops with the message when it can't be done.
+void factor(array2<double> &matrix, int64 n, const char *which)
+{
+    array1<double> diagonal(n);
+    bool notposdefin = false;
+    choldc(matrix.data(), n, n, diagonal.data(), notposdefin);
+    if (!notposdefin) return;
+    printline(std::string("Cholesky Decomposition failed: ") + which +
+              " correlation matrix specified is not positive definite. Please check specfile.");
+    stopwithcode(11000);
+}
+
+void workoutadditive(state &s)
+{
+    traitsettings &t = s.traits;
+    for (int64 j = 1; j <= t.ntraits; ++j)
+        for (int64 h = 1; h <= t.ntraits; ++h) {
+            t.covaspec(j, h) = t.coraspec(j, h) * std::sqrt(t.varaspec(j) * t.varaspec(h));
+            t.cholcovaspec(j, h) = t.covaspec(j, h);
+        }
+    factor(t.cholcovaspec, t.ntraits, "Genetic");
+}
+
+void workoutresidual(state &s, int64 p)
+{
+    traitsettings &t = s.traits;
+    array2<double> slice(t.ntraits, t.ntraits);
+    for (int64 j = 1; j <= t.ntraits; ++j)
+        for (int64 h = 1; h <= t.ntraits; ++h) {
+            t.cove(p, j, h) = t.core(j, h) * std::sqrt(s.values.vare(p, j) * s.values.vare(p, h));
+            slice(j, h) = t.cove(p, j, h);
+        }
+    factor(slice, t.ntraits, "Residual");
+    for (int64 j = 1; j <= t.ntraits; ++j)
+        for (int64 h = 1; h <= t.ntraits; ++h) t.cholcove(p, j, h) = slice(j, h);
+}
+
+void writeresidualfactor(const state &s, int64 p)
+{
+    outfile out("./SimulatedData/TraitVarianceComponentsResidualCholQtnModel" + numbertext(p) +
+                ".txt");
+    textline line;
+    for (int64 j = 1; j <= s.traits.ntraits; ++j) {
+        for (int64 h = 1; h <= j; ++h) putfree(line, s.traits.cholcove(p, j, h));
+        out.writeline(line);
+    }
+    out.close();
+}
+} // namespace
+
+void workoutcovvariances(state &s, std::string_view variancetype)
+{
+    if (isword(variancetype, "additive")) {
+        workoutadditive(s);
+        return;
+    }
+    for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {
+        workoutresidual(s, p);
+        writeresidualfactor(s, p);
+    }
+}
