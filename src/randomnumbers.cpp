@@ -23,17 +23,19 @@ void initiateseed(randomstream &random)
     seed.close();
 }
 
-void fillrandomtable(randomstream &random)
+uniformstream filledstream(int64 seed)
 {
-    int64 state = -random.idum > 1 ? -random.idum : 1;
+    uniformstream filled;
+    int64 state = -seed > 1 ? -seed : 1;
     for (int64 j = 40; j >= 1; --j) {
         const int64 k = state / 127773; // Schrage's form: a seed may lie outside the modulus
         state = 16807 * (state - k * 127773) - 2836 * k;
         if (state < 0) state += 2147483647;
-        if (j <= 32) random.iv[j - 1] = state;
+        if (j <= 32) filled.iv[j - 1] = state;
     }
-    random.idum = state;
-    random.iy = random.iv[0];
+    filled.idum = state;
+    filled.iy = filled.iv[0];
+    return filled;
 }
 
 double gasdev(randomstream &random)

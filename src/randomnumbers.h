@@ -9,14 +9,18 @@
 
 #include <string>
 
-// The generator: the working value idum and what it keeps between calls. One record for each
-// simulation.
-struct randomstream {
+// The generator of uniform deviates.
+struct uniformstream {
     // Negative: the table is filled from it at the next draw. Positive: state of the congruence.
     int64 idum = 0;
     // Table and last value of the shuffle. 0: the table was never filled.
     int64 iv[32] = {};
     int64 iy = 0;
+};
+
+// The stream: the working value idum and what the deviates keep between calls. One record for
+// each simulation.
+struct randomstream : uniformstream {
     // Spare normal deviate.
     int64 iset = 0;
     double gset = 0;
@@ -32,13 +36,16 @@ struct randomstream {
 // and leaves a new negative seed in Seed.txt and in idum: the next draw fills the table from it.
 void initiateseed(randomstream &random);
 
-// Fills the table from idum, and leaves the first state behind it.
-void fillrandomtable(randomstream &random);
+// A generator with its table filled from a seed. Declared free of side effects, so that a loop of
+// draws keeps idum and iy in registers although this call stands in it: through memory a draw
+// takes 1.7 times as long.
+[[gnu::const, gnu::cold, gnu::noinline]] uniformstream filledstream(int64 seed);
 
 // Uniform deviate on (0, 1), at most 0.9999998800000043.
 inline double ran1(randomstream &random)
 {
-    if (random.idum <= 0 || random.iy == 0) fillrandomtable(random);
+    if (random.idum <= 0 || random.iy == 0) [[unlikely]]
+        static_cast<uniformstream &>(random) = filledstream(random.idum);
     // 16807 x idum modulo 2^31 - 1, by folding: 2^31 = 1 modulo 2^31 - 1. The product is below
     // 2^46, so one fold leaves at most 2^31 - 1 + 2^15, one subtraction more the remainder.
     // Divisions, as in Schrage's form, take twice the time and give the same numbers.
