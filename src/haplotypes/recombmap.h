@@ -1,0 +1,38 @@
+// recombmap.h - how the recombination of a chromosome is shared out over its blocks.
+//
+// RecombinationSpecifications/Chromosome<h>.txt holds the user's regions, one line each,
+// free-form: start, stop (on the scale of PhysicalMapIncluded.txt, 0 to 1), proportion of the
+// chromosome's recombination. The regions are fitted to the grid of blocks, and what came of it is
+// written to Chromosome<h>Achieved.txt beside it: a title in A82, then per region 3F12.8,4I8:
+// position of the first site of the start block (0 for block 1), of the last site of the stop
+// block, proportion after rescaling, start block wished for and achieved, the same for the stop.
+#pragma once
+
+#include "state.h"
+
+#include <vector>
+
+struct recombregion {
+    double start = 0, stop = 0, proportion = 0;
+};
+
+// The regions of a chromosome, as many as the file has lines.
+std::vector<recombregion> readrecombregions(int64 chrom);
+// From the second region on, each starts behind the start and stops behind the stop of the last.
+bool regionsinorder(const std::vector<recombregion> &regions);
+// Divides the proportions by their sum unless that is exactly 1; true if it did.
+bool rescaleproportions(std::vector<recombregion> &regions);
+
+// Fills recombfactperblock(nblock) from the regions of the chromosome. A region has the first
+// block behind the start block of the region before in which its start is met; where its stop is
+// met in block j, it ends with block j - 1, but not before it starts; the last one ends with
+// nblock. Its proportion is shared out evenly; where regions overlap the later one holds, and
+// blocks without a region get 0.
+// Reads nblock; resets nsegregincl from SegSitesIncluded.txt. Draws: none.
+// Stops: more regions than blocks, plain; regions out of order, 110033; a start or stop, other
+// than the last stop, that meets no block, 110034; shares that sum to less than 0.9999, 110035.
+void readrecombspec(state &s, int64 chrom);
+
+// recombfactperblock for a chromosome, made by the caller: readrecombspec with hotspots on, else
+// the even share 1 / nblock, in single precision.
+void setrecombfactors(state &s, int64 chrom);

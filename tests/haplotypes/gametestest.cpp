@@ -1,0 +1,113 @@
+#include "haplotypes/gametes.h"
+
+#include "haplotypes/blocks.h"
+#include "slowdrop.h"
+#include "testsupport.h"
+
+#include <cmath>
+
+namespace
+{
+// A state with one chromosome of nblock blocks and room for one individual.
+state gametestate(int64 nblock, double rate, int64 seed)
+{
+    state s;
+    s.random.idum = seed;
+    s.haplo.nblock = nblock;
+    s.haplo.recombrateperblock.allocate(nblock, rate);
+    s.haplo.globalrecomblocationmax.allocate(1, 1);
+    s.haplo.recombcount.allocate(1, 2);
+    return s;
+}
+} // namespace
+
+// Gamete after gamete against a drop on plain strings with the same draws, from maps without any
+// crossing to one in every block; locations, counts and the stream must agree, too.
+TEST(gametes, everysiteagreeswithplainstrings)
+{
+    constexpr int64 nblock = 25;
+    const std::string one = randomalleles(60 * nblock, -7), two = randomalleles(60 * nblock, -8);
+    const std::vector<int64> first = packed(one), second = packed(two);
+    for (double rate : {0.0, 0.04, 0.5, 1.0, 3.0}) {
+        state s = gametestate(nblock, rate, -4242);
+        for (int64 j = 1; j <= nblock; ++j) s.haplo.recombrateperblock(j) *= j % 3 == 0 ? 0.5 : 1;
+        randomstream slow = s.random;
+        array1<int64> locations(nblock, -99);
+        std::vector<int64> gamete(nblock);
+        int64 total = 0, highest = 1;
+        for (int repeat = 0; repeat < 60; ++repeat) {
+            const int64 firstpos = repeat % 2 + 1, side = repeat % 3 == 0 ? 2 : 1;
+            int64 ncrossings = -1;
+            recombinegametes(s, 1, 1, side, {first.data(), second.data()}, firstpos, ncrossings,
+                             locations, gamete.data());
+            const slowgamete expected =
+                makeslowgamete(slow, {one, two}, firstpos, s.haplo.recombrateperblock);
+            ASSERT_EQ(unpacked(gamete), expected.alleles) << "rate " << rate;
+            ASSERT_EQ(ncrossings, static_cast<int64>(expected.crossings.size()));
+            for (int64 c = 1; c <= nblock; ++c)
+                ASSERT_EQ(locations(c), c <= ncrossings
+                                            ? expected.crossings[static_cast<std::size_t>(c - 1)]
+                                            : -99);
+            if (ncrossings > 0) highest = std::max(highest, expected.crossings.back());
+            total += ncrossings;
+        }
+        EXPECT_EQ(ran1(s.random), ran1(slow));
+        EXPECT_EQ(s.haplo.recombcount(1, 1) + s.haplo.recombcount(1, 2), total);
+        EXPECT_EQ(s.haplo.globalrecomblocationmax(1), highest);
+        if (rate == 0 || rate == 3) {
+            EXPECT_EQ(total, rate == 0 ? 0 : 60 * nblock); // every third block has 1.5
+        }
+    }
+}
+
+// Crossings per gamete, 20 blocks, 1 Morgan: mean 1, variance 1 * (1 - 1/20) = 0.95; over 20,000
+// gametes the standard error is 0.0069. Their positions in the block are uniform on 1 to 60: mean
+// 30.5, standard deviation 17.32, over about 20,000 crossings a standard error of 0.123. Allowed
+// are 5 standard errors of each.
+TEST(gametes, crossingsfollowthemap)
+{
+    constexpr int64 nblock = 20, ngametes = 20000;
+    state s = gametestate(nblock, 1.0 / nblock, -31415);
+    const std::vector<int64> strand(nblock, 0);
+    std::vector<int64> gamete(nblock);
+    array1<int64> locations(nblock, -99);
+    double sum = 0, sumsquares = 0, positions = 0;
+    for (int64 g = 0; g < ngametes; ++g) {
+        int64 n = 0;
+        recombinegametes(s, 1, 1, 1, {strand.data(), strand.data()}, 1, n, locations,
+                         gamete.data());
+        sum += static_cast<double>(n);
+        sumsquares += static_cast<double>(n * n);
+        for (int64 c = 1; c <= n; ++c)
+            positions += static_cast<double>(placeofsite(locations(c)).position);
+    }
+    const double mean = sum / ngametes;
+    EXPECT_NEAR(mean, 1.0, 0.0345);
+    // Variance of the variance of a near-Poisson count: (mu4 - var^2) / n, about 2.9 / n.
+    EXPECT_NEAR(sumsquares / ngametes - mean * mean, 0.95, 0.06);
+    EXPECT_NEAR(positions / sum, 30.5, 0.62);
+}
+
+// Block numbers of the store are one too high for the last site of a block: site 120 with block 3
+// is position 60 of block 2.
+TEST(gametes, mutationsgototheirsites)
+{
+    state s;
+    s.sites.nmutinclglobal.allocate(1, 4);
+    s.sites.denovoinfo.allocate(1, 5, 5);
+    const int64 rows[4][5] = {
+        {11, 9, 1, 3, 120}, {12, 9, 2, 1, 1}, {13, 8, 1, 2, 61}, {14, 9, 2, 2, 61}};
+    for (int64 j = 1; j <= 4; ++j)
+        for (int64 f = 1; f <= 5; ++f) s.sites.denovoinfo(1, j, f) = rows[j - 1][f - 1];
+    s.haplo.tmpgenome.allocate(2, 2);
+    s.haplo.tmpgenome.fill(0);
+    s.haplo.tmpgenome(2, 2, 1) = 4;
+    addmutinped(s, 1, 9, 2);
+    const int64 top = int64(1) << 59;
+    EXPECT_EQ(s.haplo.tmpgenome(2, 2, 1), 4 + 1);
+    EXPECT_EQ(s.haplo.tmpgenome(2, 1, 1), 0);
+    EXPECT_EQ(s.haplo.tmpgenome(2, 1, 2), top);
+    EXPECT_EQ(s.haplo.tmpgenome(2, 2, 2), top);
+    for (int64 b = 1; b <= 2; ++b)
+        EXPECT_EQ(s.haplo.tmpgenome(1, b, 1) + s.haplo.tmpgenome(1, b, 2), 0);
+}
