@@ -1,0 +1,98 @@
+#include "haplotypes/droplines.h"
+
+#include "haplotypes/genomefiles.h"
+
+#include <algorithm>
+
+void opendrop(state &s, dropwork &work, int64 chrom, int64 startindiv)
+{
+    work.tracking.openandkeep(chromfolder(chrom) + "RecombinationTracking.txt",
+                              2 * (startindiv - 1));
+    work.counts.openandkeep(recombinationcounts, startindiv - 1);
+    work.recomblocation.allocate(s.haplo.nblock, -99);
+}
+
+void closedrop(dropwork &work)
+{
+    work.tracking.close();
+    work.counts.close();
+    work.recomblocation.release();
+}
+
+namespace
+{
+void writetrackingline(const state &s, dropwork &work, int64 individ)
+{
+    puti(work.line, s.pedi.ped(individ).newid, 20);
+    puti(work.line, work.firstpos, 4);
+    puti(work.line, work.nrecombperind, 10);
+    for (int64 c = 1; c <= work.nrecombperind; ++c) puti(work.line, work.recomblocation(c), 20);
+    work.tracking.writeline(work.line);
+}
+} // namespace
+
+void dropgamete(state &s, dropwork &work, int64 chrom, int64 individ, int64 indivpos,
+                int64 parentgender, const parentstrands &strands)
+{
+    work.firstpos = 1 + static_cast<int64>(2 * ran1(s.random));
+    recombinegametes(s, chrom, individ, parentgender, strands, work.firstpos, work.nrecombperind,
+                     work.recomblocation, s.haplo.tmpgenome.gamete(indivpos, parentgender));
+    writetrackingline(s, work, individ);
+}
+
+bool isdoubledhaploid(const state &s, int64 currentgen)
+{
+    return s.pop.ngendh > 0 && s.pop.createdhinthisgen(currentgen) == 1;
+}
+
+void repeatsiregamete(state &s, dropwork &work, int64 individ)
+{
+    s.haplo.recombcount(individ, 2) = s.haplo.recombcount(individ, 1);
+    writetrackingline(s, work, individ);
+}
+
+void finishindividual(state &s, dropwork &work, int64 chrom, int64 currentgen, int64 individ,
+                      int64 indivpos)
+{
+    putfree(work.line, individ);
+    putfree(work.line, s.haplo.recombcount(individ, 1));
+    putfree(work.line, s.haplo.recombcount(individ, 2));
+    work.counts.writeline(work.line);
+    if (s.sites.indivmutindicator(chrom, individ) == 1) addmutinped(s, chrom, individ, indivpos);
+    if (isdoubledhaploid(s, currentgen)) {
+        const int64 *sireside = s.haplo.tmpgenome.gamete(indivpos, 1);
+        std::copy(sireside, sireside + s.haplo.nblock, s.haplo.tmpgenome.gamete(indivpos, 2));
+        // With genedriveonoff, genedriveqtnpresence of gamete 1 is copied to gamete 2 here.
+    }
+}
+
+std::vector<int64> parentsbetween(const state &s, int64 startindiv, int64 endindiv, int64 firstid,
+                                  int64 lastid)
+{
+    std::vector<int64> ids;
+    for (int64 i = startindiv; i <= endindiv; ++i) {
+        for (int64 parent : {s.pedi.ped(i).newsire, s.pedi.ped(i).newdam})
+            if (parent >= firstid && parent <= lastid) ids.push_back(parent);
+    }
+    std::sort(ids.begin(), ids.end());
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+    return ids;
+}
+
+void readgenomesof(const state &s, int64 chrom, const std::vector<int64> &ids, genomestore &g)
+{
+    g.allocate(static_cast<int64>(ids.size()), s.haplo.nblock);
+    int64 place = 1;
+    auto first = ids.begin();
+    for (int64 gen = 1; first != ids.end(); ++gen) {
+        const auto last = std::upper_bound(first, ids.end(), lastindivofgen(s, gen));
+        if (last == first) continue;
+        array1<int64> rows(last - first);
+        for (int64 r = 1; r <= rows.size(); ++r)
+            rows(r) = *(first + r - 1) - s.pop.cumindivnbtogen(gen - 1);
+        readgenomerows(genomefile(chrom, gen), s.pop.nindivinthisgen(gen), s.haplo.nblock, rows, g,
+                       place);
+        place += rows.size();
+        first = last;
+    }
+}

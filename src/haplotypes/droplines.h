@@ -1,0 +1,63 @@
+// droplines.h - what the gene drops of the burn-in and of the selection generations share: one
+// gamete and its tracking line, doubled haploids, the count lines, parents of any generation.
+//
+// Files that grow generation by generation, one chromosome or the whole run each:
+//   RecombinationTracking.txt of the chromosome: two lines per individual, for the gamete from the
+//       sire and from the dam, I20,I4,I10,nI20: newid; strand on which the gamete begins; number n
+//       of crossings; the last site before each
+//   SimulatedData/RecombinationCount.txt: one free-form line per individual: individual, crossings
+//       in its gametes from sire and dam, summed over the chromosomes dropped so far
+#pragma once
+
+#include "files.h"
+#include "haplotypes/gametes.h"
+#include "state.h"
+
+#include <vector>
+
+constexpr const char *recombinationcounts = "SimulatedData/RecombinationCount.txt";
+
+// The open files of a drop and its working space.
+struct dropwork {
+    outfile tracking, counts;
+    textline line;
+    int64 firstpos = 0, nrecombperind = 0; // of the last gamete
+    array1<int64> recomblocation;          // (nblock) of the last gamete, -99 behind its crossings
+};
+
+// Opens both files to go on behind the lines of individuals before startindiv, and makes the
+// working space for the chromosome's nblock.
+void opendrop(state &s, dropwork &work, int64 chrom, int64 startindiv);
+void closedrop(dropwork &work);
+
+// Makes the gamete of individual individ, at place indivpos of tmpgenome, from the strands of its
+// parent on that side, and writes its tracking line.
+// Draws: one for firstpos, then those of recombinegametes.
+void dropgamete(state &s, dropwork &work, int64 chrom, int64 individ, int64 indivpos,
+                int64 parentgender, const parentstrands &strands);
+
+// Whether a generation consists of doubled haploids: only the gamete from the sire is made, and
+// it stands on both sides.
+bool isdoubledhaploid(const state &s, int64 currentgen);
+// Counts and tracks the gamete just made for the sire's side on the dam's side, too.
+void repeatsiregamete(state &s, dropwork &work, int64 individ);
+
+// What follows an individual's gametes: its count line, its de novo mutations, and the copy of a
+// doubled haploid's gamete (behind the mutations: one on gamete 1 is copied, one on gamete 2 gone).
+void finishindividual(state &s, dropwork &work, int64 chrom, int64 currentgen, int64 individ,
+                      int64 indivpos);
+
+// Sires and dams, each once and in ascending order, of individuals startindiv to endindiv that
+// lie between firstid and lastid.
+std::vector<int64> parentsbetween(const state &s, int64 startindiv, int64 endindiv, int64 firstid,
+                                  int64 lastid);
+
+// Reads the genomes of the given individuals, ascending, of any generations, on a chromosome with
+// nblock blocks: ids[r] goes to place r + 1 of g, which is made anew. Only the files of their
+// generations are read, one block of a generation at a time.
+void readgenomesof(const state &s, int64 chrom, const std::vector<int64> &ids, genomestore &g);
+
+inline std::string genomefile(int64 chrom, int64 gen)
+{
+    return chromfolder(chrom) + "GenomeGeneration" + std::to_string(gen) + ".txt";
+}
