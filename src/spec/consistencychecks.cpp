@@ -1,0 +1,358 @@
+#include "spec/consistencychecks.h"
+
+#include "stops.h"
+#include "textlayout.h"
+#include "words.h"
+
+#include <cmath>
+#include <initializer_list>
+
+namespace
+{
+void printlines(std::initializer_list<const char *> lines)
+{
+    for (const char *line : lines) printline(line);
+}
+
+[[noreturn]] void refuse(int64 code, std::initializer_list<const char *> lines)
+{
+    printlines(lines);
+    stopwithcode(code);
+}
+
+bool iseither(std::string_view setting, std::string_view one, std::string_view other)
+{
+    return isword(setting, one) || isword(setting, other);
+}
+
+void checkgenerationsandscheme(const specreader &r)
+{
+    const state &s = r.s;
+    if (s.pop.ngensel == 0 && s.pop.ngen == 0)
+        refuse(100001,
+               {"ERROR- NumberGenerationsBurnIn and NumberGenerationsSelection can't both be 0"});
+    if (isword(s.pedi.pedigreestatus, "internal")) {
+        if (isword(r.animalbreeding, "off") && isword(r.plantbreeding, "off"))
+            refuse(100002, {"ERROR: When using an internal pedigree, either AnimalBreedingOnOff or",
+                            "PlantBreedingOnOff must be On."});
+        if (isword(r.animalbreeding, "on") && isword(r.plantbreeding, "on"))
+            refuse(100003, {"ERROR: AnimalBreedingOnOff or PlantBreedingOnOff must be Off"});
+    }
+    if (!iseither(s.selection.recombdistrib, "normal", "gamma"))
+        refuse(100004, {"ERROR: The recombination distribution is incorrectly set",
+                        "Should be Normal or Gamma"});
+    if (s.run.selflexibilityonoff && s.run.importstage != 1 && s.run.importstage != 2)
+        refuse(100008, {"ERROR: ImportStage must be 1 (to stop Solvanto after the",
+                        "computation of BV) or 2 (to import the external pedigree and continue)"});
+}
+
+void checkchips(chipsettings &chips)
+{
+    if (chips.snpchipinclqtn == 0)
+        refuse(100009,
+               {"ERROR: SnpChipIncludesQtn is incorrectly set", "Should be Yes, No or Random"});
+    if (chips.nchip == 1) chips.chipsarenested = "yes";
+    if (isword(chips.chipsarenested, "no") && chips.snpchipinclqtn != 3)
+        refuse(100010, {"ERROR: SNP chips must be nested to allow controlling",
+                        "the inclusion of QTN in the SNP chip(s)",
+                        "SnpChipsAreNestedYesNo should be changed to Yes, or",
+                        "SnpChipIncludesQtnYesNoRandom changed to Random"});
+    if (chips.nchip == 1) chips.tmpchip = 1;
+}
+
+void checkmutations(const state &s)
+{
+    if (s.sites.ndenovomutperchr <= 0) return;
+    printlines({"Insert mutations in chromosomes",
+                "ERROR: This option is not available at the moment",
+                " NOTE: Please provide a value for the proportion of mutational in base additive "
+                "genetic variance"});
+    if (s.qtn.varamutprop == 0)
+        printline(" NOTE: The proportion of mutational in base additive genetic variance is null");
+    if (s.qtn.varamutprop > 1) {
+        printline("ERROR: The proportion of mutational in base additive genetic variance has to be "
+                  "between 0.0 and 1.0");
+        plainstop();
+    }
+}
+
+void checkqtn(state &s)
+{
+    qtndata &qtn = s.qtn;
+    if (qtn.nqtnperchrom == 0 && qtn.nqtngammaperchrom == 0)
+        refuse(100011, {"ERROR: NbOfQtnPerChromNormalDist or NbOfQtnPerChromGammaDist",
+                        "must be greater than zero"});
+    qtn.nqtn = s.founders.nchrom * qtn.nqtnperchrom;
+    qtn.nqtngamma = s.founders.nchrom * qtn.nqtngammaperchrom;
+    if (qtn.nqtngamma > qtn.nqtn)
+        refuse(100012, {"ERROR: Number of QTN for Gamma distribution must be less than or equal to "
+                        "that for the Normal distribution"});
+    if (qtn.nqtngamma == 0) qtn.nqtnmodels = 2;
+    checkmutations(s);
+}
+
+// Notes only: editing goes on.
+void checkediting(const state &s)
+{
+    if (!s.editing.geneditonoff) return;
+    if (!isword(s.pedi.pedigreestatus, "internal"))
+        printline("ERROR: Gene editing is not allowed with external pedigrees");
+    if (s.run.genflexibilityonoff && s.run.specstartgen > 1)
+        printlines(
+            {" NOTE: When performing gene editing,",
+             " GeneEditingOnOff must be On from the first burnin generation, and",
+             " the QTN model used for selection must be the same",
+             " across all selection generations",
+             " The QTN model is determined by SelectionBasedOnRestrictedOrUnrestrictedQtn and",
+             " DistributionOfQtnOfSelectionTraits (see Selection box)"});
+    if (s.run.selflexibilityonoff)
+        printlines({" ERROR: Gene editing is not compatible with importing",
+                    " external pedigrees for some selection generations"});
+}
+
+void setaddqtntosnpchip(specreader &r)
+{
+    if (isword(r.addqtntochip, "yes")) r.s.selection.addqtntosnpchip = 1;
+    if (isword(r.addqtntochip, "no")) r.s.selection.addqtntosnpchip = 2;
+}
+
+void setselectionmethod(specreader &r)
+{
+    struct method {
+        const char *word;
+        int64 selmethindicator, selontbvyes1no0;
+    };
+    constexpr method methods[] = {
+        {"pedigreeblup", 1, 0}, {"gblup", 2, 0}, {"tbv", 2, 1}, {"pheno", 3, 2}};
+    for (const method &m : methods) {
+        if (!isword(r.selectionmethod, m.word)) continue;
+        r.s.selection.selmethindicator = m.selmethindicator;
+        r.s.selection.selontbvyes1no0 = m.selontbvyes1no0;
+    }
+}
+
+void setqtnmodel(specreader &r)
+{
+    const bool restricted = isword(r.selectionbasedon, "restricted");
+    const bool gamma = isword(r.qtndistribution, "gamma");
+    if ((!restricted && !isword(r.selectionbasedon, "unrestricted")) ||
+        (!gamma && !isword(r.qtndistribution, "normal")))
+        refuse(100014, {"ERROR: SelectionBasedOnRestrictedOrUnrestrictedQtn or "
+                        "DistributionOfQtnOfSelectionTraits are incorrectly set",
+                        "Selection should be based on Unrestricted or Restricted QTNs, and QTN "
+                        "distribution should be Normal or Gamma"});
+    r.s.qtn.qtnmodel = 1 + (restricted ? 1 : 0) + (gamma ? 2 : 0);
+}
+
+void checkphenotypicselection(const specreader &r)
+{
+    const selectiondata &sel = r.s.selection;
+    if (sel.selmethindicator == 3 && sel.recombselonoff)
+        refuse(100015, {"ERROR: Phenotypic selection is not compatible",
+                        "with selection for the recombination rate"});
+    if (sel.selmethindicator <= 0) refuse(100016, {"ERROR: Problem with selection method"});
+    if (sel.selmethindicator != 3) return;
+    if (sel.optcontribselonoff)
+        refuse(100028, {" ERROR: Optimal contribution selection is not compatible with selection "
+                        "based on phenotypic values"});
+    if (isword(r.computecoancestry, "yes"))
+        refuse(100027, {"ERROR: The option ComputeAverageCoancestryYesNo is not available",
+                        "when selection is based on phenotypes",
+                        "ComputeAverageCoancestryYesNo must be No in that case"});
+}
+
+void setphenotypingstrategy(specreader &r)
+{
+    constexpr const char *strategies[] = {"allphenotypes",      "allhistoricalphenotypes",
+                                          "previousgeneration", "allmales",
+                                          "randomphenotypes",   "specifiedindiv"};
+    int64 &strategy = r.s.selection.selphenstrat;
+    for (int64 k = 1; k <= 6; ++k)
+        if (isword(r.phenotypingstrategy, strategies[k - 1])) strategy = k;
+    if (strategy == 6)
+        printlines({"NOTE: SelectionPhenotypeStrategy is set to 'SpecifiedIndiv';",
+                    "      this requires IDs specified in 'TrainIndiv.txt'."});
+}
+
+void checkphenotypingstrategy(const state &s)
+{
+    const int64 strategy = s.selection.selphenstrat;
+    if (strategy == 0)
+        refuse(100020, {"ERROR: SelectionPhenotypingStrategy is incorrectly set",
+                        "Should be AllPhenotypes, AllHistoricalPhenotypes, AllMales, "
+                        "PreviousGeneration or RandomPhenotypes"});
+    if ((strategy == 2 || strategy == 3) && s.pop.ngen == 1)
+        refuse(100021, {"ERROR: Number of burn-in generations must be at least 2"});
+    if (!s.selection.recombselonoff) return;
+    if (strategy == 1)
+        refuse(100022,
+               {"ERROR: SelectionPhenotypingStrategy cannot be AllPhenotypes when selecting "
+                "for recombination"});
+    if (strategy == 4 && s.pop.ngen == 1)
+        refuse(100023, {"ERROR: Number of burn-in generations must be at least 2 when selecting ",
+                        "for recombination using AllMales as selection strategy"});
+}
+
+void checkexternalsolutions(const state &s, int64 code)
+{
+    if (!iseither(s.selection.useexternsnpsol, "yes", "no"))
+        refuse(code, {"ERROR: UseExternalSnpSolutions must Yes or No"});
+}
+
+void settrainingdata(specreader &r)
+{
+    selectiondata &sel = r.s.selection;
+    if (sel.lasttraingenrp < sel.firsttraingenrp)
+        refuse(100024, {"ERROR: The first and last training generations for the",
+                        "RandomPhenotypes phenotyping strategy are incorrectly set"});
+    sel.fixtraindataonoff = isword(r.fixtraining, "on");
+    if (!sel.fixtraindataonoff) return;
+    if (r.trainingfromgeneration <= r.s.pop.ngen)
+        refuse(100025, {"ERROR: The fixed training generation must be a selection generation"});
+    sel.fixedtrainselcycle = r.trainingfromgeneration - r.s.pop.ngen;
+}
+
+void checkestimatedvalues(specreader &r)
+{
+    state &s = r.s;
+    setaddqtntosnpchip(r);
+    if (!iseither(r.addqtntochip, "yes", "no"))
+        refuse(100017,
+               {"ERROR: SelectionChipIncludesQtn is incorrectly set", "Should be Yes or No"});
+    if (s.chips.snpchipinclqtn == 1 && s.selection.addqtntosnpchip == 1)
+        refuse(100018, {"ERROR: AddQtnToSnpChip must be 'No' when SnpChipInclQtn is 'Yes'",
+                        "to avoid that the selection chip includes twice the QTN"});
+    if (s.chips.snpchipinclqtn == 3 && s.selection.addqtntosnpchip == 1)
+        printline(" NOTE: Selection chip might include some QTN twice");
+    checkexternalsolutions(s, 100019);
+    if (isword(s.selection.useexternsnpsol, "yes")) {
+        printlines({"  NOTE: EBV will be computed using external SNP solutions",
+                    "  Please provide the required files in the Solvanto directory"});
+    } else {
+        setphenotypingstrategy(r);
+        checkphenotypingstrategy(s);
+    }
+    settrainingdata(r);
+    if (isword(r.computecoancestry, "yes")) s.selection.computeavercoancestryyes1no0 = 1;
+    if (isword(r.computecoancestry, "no")) s.selection.computeavercoancestryyes1no0 = 0;
+    if (s.selection.computeavercoancestryyes1no0 == -1)
+        refuse(100026, {"ERROR: A value must be provided for ComputeAverageCoancestryYesNo"});
+}
+
+void checkselection(specreader &r)
+{
+    if (r.s.pop.ngensel <= 0) return;
+    if (r.s.pop.ngen == 0) {
+        printline("ERROR: There must be some burnin generations");
+        plainstop();
+    }
+    setaddqtntosnpchip(r);
+    setselectionmethod(r);
+    checkexternalsolutions(r.s, 100013);
+    setqtnmodel(r);
+    checkphenotypicselection(r);
+    if (r.s.selection.selontbvyes1no0 == 0) checkestimatedvalues(r);
+}
+
+void checktraits(const state &s)
+{
+    if (s.traits.ntraits > 1) {
+        printlines({" NOTE: When there is more than one trait, you must specify",
+                    " a heritability, a genetic variance and a weight for each trait, and",
+                    " the genetic and residual correlation matrices must be",
+                    " of dimension nTraits*nTraits"});
+        constexpr const char *onetrait = "NumberOfTraits must be 1 in that case";
+        if (s.selection.recombselonoff)
+            refuse(100030, {"ERROR: Multitrait simulation is not allowed when selecting for "
+                            "recombination",
+                            onetrait});
+        if (s.editing.geneditonoff)
+            refuse(100031,
+                   {"ERROR: Multitrait simulation is not allowed when performing gene editing",
+                    onetrait});
+        if (isword(s.selection.useexternsnpsol, "yes"))
+            refuse(100032, {"ERROR: Multitrait simulation is not allowed when using external SNP "
+                            "solutions",
+                            onetrait});
+    }
+    double sum = 0;
+    for (int64 t = 1; t <= s.traits.ntraits && s.traits.indexwt.allocated(); ++t)
+        sum += std::abs(s.traits.indexwt(t));
+    // Equality by design: weights of 0.1 ten times don't sum to 1.
+    if (sum != 1.0) refuse(100033, {"ERROR: The absolute sum of IndexWeights must be equal to 1"});
+}
+
+void notesequences(const state &s)
+{
+    if (s.run.genflexibilityonoff && s.run.specstartgen > 1)
+        printlines({" NOTE: When writing out the full sequences,",
+                    " WriteFullSequenceOutOnOff must be On from the first burn-in generation"});
+}
+
+void checkheritabilities(const state &s)
+{
+    const double recomb = s.values.heritrecomb;
+    if (s.selection.recombselonoff && !(recomb >= 0 && recomb < 1))
+        failkey("heritabilityofrecombination");
+    for (int64 t = 1; t <= s.traits.ntraits; ++t)
+        if (!(s.traits.herit(t) > 0 && s.traits.herit(t) <= 1)) failkey("traitheritability");
+}
+
+// Keys that no run can do without, missing or standing where they had no effect.
+void checkcompulsorykeys(const specreader &r)
+{
+    const state &s = r.s;
+    if (s.pedi.pedigreestatus.empty()) failkey("pedigreestatus");
+    if (s.pop.ngen == 0) failkey("numbergenerationsburnin");
+    if (s.pop.ngensel == -1) failkey("numbergenerationsselection");
+    const int64 ngenerations = s.pop.ngen + s.pop.ngensel;
+    if (!r.b1) failkey("numberofindividualsineachgeneration");
+    for (int64 g = 1; g <= ngenerations; ++g)
+        if (s.pop.nindivinthisgen(g) < 1) failkey("numberofindividualsineachgeneration");
+    if (s.pop.nindivp != s.pop.cumindivnbtogen(ngenerations))
+        failkey("numberofindividualsineachgeneration");
+    if (s.founders.nchrom == 0) failkey("numberofchromosomes");
+    const int64 first = s.run.specstartgen, last = s.run.specendgen;
+    if (!r.flexibilityread || (!s.run.genflexibilityonoff && last != ngenerations))
+        failkey("generationflexibilityonoff");
+    if (first < 1 || last < first || last > ngenerations) failkey("startstopgeneration");
+}
+
+// Settings by which a stage would reach for what doesn't exist.
+void checkreach(const specreader &r)
+{
+    const state &s = r.s;
+    if (s.chips.nchip > 0 && !r.b3) failkey("numberofsnpchips");
+    if (s.pop.ngensel > 0) {
+        if (s.chips.tmpchip < 1 || s.chips.tmpchip > s.chips.nchip)
+            failkey("idofchipusedforselection");
+        if (s.qtn.qtnmodel > s.qtn.nqtnmodels) failkey("distributionofqtnofselectiontraits");
+        if (s.selection.selphenstrat == 5 && s.selection.firsttraingenrp < 1)
+            failkey("firstandlasttraininggenforrandomphenotypesstrat");
+    }
+    if (s.pop.ngendh > 0 && !r.b2) failkey("numberofgenerationsincludingdoubledhaploids");
+    if (s.editing.nindedited > 0 && s.editing.ngeneditsperind > 0 && !r.b4)
+        failkey("numberofeditedindividuals");
+    if (s.selection.recombselonoff &&
+        s.qtn.ntotqtnrecomb != s.founders.nchrom * s.qtn.nqtnrecombperchrom)
+        failkey("numberofqtnperchromforrecombination");
+    const array3<int8> &drive = s.editing.genedriveqtnpresence;
+    if (s.editing.genedriveonoff &&
+        (drive.extent1().size() != s.pop.nindivp || drive.extent2().size() != s.qtn.nqtn))
+        failkey("genedriveonoff");
+}
+} // namespace
+
+void checkconsistency(specreader &r)
+{
+    checkgenerationsandscheme(r);
+    checkchips(r.s.chips);
+    checkqtn(r.s);
+    checkediting(r.s);
+    checkselection(r);
+    checktraits(r.s);
+    notesequences(r.s);
+    checkheritabilities(r.s);
+    checkcompulsorykeys(r);
+    checkreach(r);
+}

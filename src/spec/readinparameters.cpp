@@ -1,0 +1,151 @@
+#include "spec/readinparameters.h"
+
+#include "spec/consistencychecks.h"
+#include "spec/speclines.h"
+#include "spec/specreader.h"
+#include "stops.h"
+#include "textlayout.h"
+#include "words.h"
+
+#include <algorithm>
+
+namespace
+{
+void makegenerationarrays(specreader &r)
+{
+    populationsettings &pop = r.s.pop;
+    const int64 n = pop.ngensel + pop.ngen;
+    if (pop.ngen == 0 || pop.ngensel == -1) return;
+    pop.cumindivnbtogen.allocate({0, n});
+    pop.nindivinthisgen.allocate({0, n});
+    for (array1<int64> *parents : {&pop.nsireinthisgen, &pop.ndaminthisgen, &pop.nrandparinthisgen,
+                                   &pop.nselfedparinthisgen})
+        parents->allocate(std::max<int64>(n - 1, 1));
+    r.b1 = true;
+}
+
+void makedoubledhaploidarray(specreader &r)
+{
+    populationsettings &pop = r.s.pop;
+    if (pop.ngendh <= 0) return;
+    pop.createdhinthisgen.allocate(r.b1 ? pop.nindivinthisgen.upper() : pop.ngensel + pop.ngen);
+    r.b2 = true;
+}
+
+void makechiparray(specreader &r)
+{
+    if (r.s.chips.nchip <= 0) return;
+    r.s.chips.nsnpperchipperchrom.allocate(r.s.chips.nchip);
+    r.b3 = true;
+}
+
+void makeeditarrays(specreader &r)
+{
+    editingdata &e = r.s.editing;
+    if (e.nindedited <= 0 || e.ngeneditsperind <= 0) return;
+    constexpr int64 maxedits = 100000000; // three tables of 8 bytes each
+    if (e.nindedited > maxedits / e.ngeneditsperind) failkey("numberofgeneeditsperindividual");
+    e.idofgenomeeditinds.allocate(e.nindedited);
+    for (array2<int64> *table :
+         {&e.genomeeditqtnpos, &e.genomeeditqtnchrom, &e.genomeeditqtnposneg})
+        table->allocate(e.nindedited, e.ngeneditsperind);
+    r.b4 = true;
+}
+
+void makegenedrivearray(specreader &r)
+{
+    if (!r.s.editing.genedriveonoff || hasnogenerations(r)) return;
+    if (!r.b1) failkey("genedriveonoff");
+    const int64 nindiv = r.s.pop.cumindivnbtogen(r.s.pop.ngensel + r.s.pop.ngen);
+    const int64 nsites = r.s.founders.nchrom * r.s.qtn.nqtnperchrom;
+    constexpr int64 maxbytes = int64{1} << 40;
+    if (nsites > 0 && nindiv > maxbytes / 2 / nsites) failkey("genedriveonoff");
+    r.s.editing.genedriveqtnpresence.allocate(nindiv, nsites, 2);
+    r.gdchecker = true;
+}
+
+void maketraitarrays(specreader &r)
+{
+    traitsettings &traits = r.s.traits;
+    const int64 n = traits.ntraits;
+    if (n <= 0) return;
+    for (array1<double> *list : {&traits.indexwt, &traits.herit, &traits.varaspec})
+        list->allocate(n);
+    for (array2<double> *matrix :
+         {&traits.coraspec, &traits.core, &traits.covaspec, &traits.cholcovaspec})
+        matrix->allocate(n, n);
+    // Four planes, also where the checks later find that two models are enough.
+    for (array3<double> *planes : {&traits.cove, &traits.cholcove})
+        planes->allocate(r.s.qtn.nqtnmodels, n, n);
+    r.b5 = true;
+}
+
+// Each set-up runs once, at the first record at which its condition holds.
+void runsetups(specreader &r)
+{
+    if (!r.b1) makegenerationarrays(r);
+    if (!r.b2) makedoubledhaploidarray(r);
+    if (!r.b3) makechiparray(r);
+    if (!r.b4) makeeditarrays(r);
+    if (!r.gdchecker) makegenedrivearray(r);
+    if (!r.b5) maketraitarrays(r);
+}
+
+// Counts a box line; a number that differs from the count is reported, and the reading goes on.
+void handlebox(specreader &r)
+{
+    const std::string expected = numbertext(++r.box);
+    std::string got = r.first.substr(3, r.box <= 9 ? 1 : 2);
+    got.resize(r.box <= 9 ? 1 : 2, ' ');
+    if (trimright(got) != expected.substr(0, 2))
+        printline("ERROR - Order of boxes is wrong! Expecting box: " + expected +
+                  " and got box: " + got);
+}
+
+bool rowwanted(const specreader &r, int64 row)
+{
+    return row >= 1 && row <= r.s.traits.ntraits;
+}
+
+// The lower triangle of row r; the upper triangle mirrors it.
+void handlerow(const std::vector<std::string> &records, std::size_t &at, array2<double> &matrix,
+               int64 &row, std::string_view key)
+{
+    std::vector<double> values;
+    if (!readrow(records, at, row, values)) failkey(key);
+    for (int64 j = 1; j <= row; ++j)
+        matrix(row, j) = matrix(j, row) = values[static_cast<std::size_t>(j - 1)];
+    ++row;
+}
+
+void handlerecord(specreader &r, const std::vector<std::string> &records, std::size_t &at)
+{
+    if (r.first.starts_with('#')) return;
+    const std::string name = tlc(r.first);
+    if (name.starts_with("box")) return handlebox(r);
+    r.key = findkey(name);
+    if (r.key)
+        r.key->handle(r);
+    else if (rowwanted(r, r.incora))
+        handlerow(records, at, r.s.traits.coraspec, r.incora, "geneticcorrelationmatrix");
+    else if (rowwanted(r, r.incore))
+        handlerow(records, at, r.s.traits.core, r.incore, "residualcorrelationmatrix");
+    else {
+        printline("Line was unexpected: " + r.first);
+        stopwithcode(100000);
+    }
+}
+} // namespace
+
+void readinparameters(state &s)
+{
+    specreader r(s);
+    printline("");
+    const std::vector<std::string> records = readspeclines("SolvantoSpec.txt");
+    for (std::size_t at = 0; at < records.size(); ++at) {
+        parseline(records[at], r.first, r.second);
+        runsetups(r);
+        if (!isemptyrecord(records[at])) handlerecord(r, records, at);
+    }
+    checkconsistency(r);
+}
