@@ -225,6 +225,7 @@ infile &infile::operator=(infile &&other) noexcept
     std::swap(begin, other.begin);
     std::swap(finish, other.finish);
     std::swap(ended, other.ended);
+    std::swap(haslineend, other.haslineend);
     std::swap(nlines, other.nlines);
     std::swap(cursorstart, other.cursorstart);
     std::swap(cursor, other.cursor);
@@ -283,6 +284,7 @@ bool infile::fill()
 
 bool infile::nextrecord()
 {
+    haslineend = true;
     std::size_t scanned = 0; // bytes behind begin known to hold no line end
     for (;;) {
         const char *from = buffer.data() + begin + scanned;
@@ -303,6 +305,7 @@ bool infile::nextrecord()
         cursorstart = buffer.data() + begin; // last line without a line end
         lineend = buffer.data() + finish;
         begin = finish;
+        haslineend = false;
         break;
     }
     if (lineend > cursorstart && lineend[-1] == '\r') --lineend;

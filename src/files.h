@@ -104,6 +104,8 @@ class infile
     }
     // Number of the current record, from 1.
     int64 linenumber() const { return nlines; }
+    // Whether the current record has its line end; only the last of a file can lack it.
+    bool endswithlineend() const { return haslineend; }
 
     int64 integer();
     double real();
@@ -125,6 +127,7 @@ class infile
     std::vector<char> buffer;
     std::size_t begin = 0, finish = 0; // unread bytes of the buffer, from 0
     bool ended = false;
+    bool haslineend = true; // of the current record
     int64 nlines = 0;
     const char *cursorstart = nullptr; // current record
     const char *cursor = nullptr;
