@@ -1,0 +1,182 @@
+#include "founders/runmacs.h"
+
+#include "founders/presets.h"
+#include "shell.h"
+#include "sortstat.h"
+#include "stops.h"
+#include "words.h"
+
+#include <cstdio>
+
+namespace
+{
+void copyprograms(int64 nchrom)
+{
+    for (int64 i = 1; i <= nchrom; ++i) {
+        const std::string folder = " Chromosomes/Chromosome" + numbertext(i);
+        runshell("cp macs" + folder, "RunMacs A");
+        runshell("cp Vintrecaskelle" + folder, "RunMacs B");
+    }
+}
+
+// What tells one coalescent run from another: its seed, and the number of its sites.
+struct macsrun {
+    std::string seedline;
+    std::string nsites;
+};
+
+std::string firstline(infile &in)
+{
+    return in.nextrecord() ? std::string(trim(in.line())) : "";
+}
+
+// The run of a chromosome; empty texts where it failed.
+macsrun lookatrun(int64 chrom)
+{
+    macsrun run;
+    const std::string output = chromfolder(chrom) + "output.txt";
+    const std::string segsites = chromfolder(chrom) + "SegSites.txt";
+    if (!pathexists(output) || !pathexists(segsites)) return run;
+    infile in(output);
+    in.nextrecord(); // the command line
+    const std::string seedline = firstline(in);
+    if (seedline.starts_with("SEED:")) run.seedline = seedline;
+    infile count(segsites);
+    run.nsites = firstline(count);
+    return run;
+}
+
+void warnofequalruns(const macsrun &before, const macsrun &run, int64 chrom)
+{
+    if (run.seedline.empty() || run.seedline != before.seedline) return;
+    if (run.nsites != before.nsites || run.nsites == "0") return;
+    std::fflush(stdout);
+    std::fprintf(stderr,
+                 "WARNING: chromosomes %lld and %lld began with the same seed and have the same "
+                 "number of sites (%s):\n"
+                 "their founder haplotypes are likely the same. A macs that takes its seed from "
+                 "the clock\n"
+                 "does this when two runs begin in one second; see output.txt of both folders.\n",
+                 static_cast<long long>(chrom - 1), static_cast<long long>(chrom),
+                 run.nsites.c_str());
+}
+} // namespace
+
+void runmacs(state &s)
+{
+    copyprograms(s.founders.nchrom);
+    printline(" Performing MaCS for each chromosome in series");
+    macsrun before;
+    for (int64 i = 1; i <= s.founders.nchrom; ++i) {
+        printline(" ");
+        printfree("Chromosome: ", i);
+        runmacshelper(s, "cd Chromosomes/Chromosome" + numbertext(i), i);
+        const macsrun run = lookatrun(i);
+        warnofequalruns(before, run, i);
+        before = run;
+    }
+    printline(" MaCS finished");
+    printline("     ");
+}
+
+void runmacshelper(state &s, const std::string &folder, int64 chrom)
+{
+    std::string macsparams;
+    initmacscases(s, macsparams);
+    if (s.founders.recombhotspotsonoff) readrecombspecformacs(chrom);
+    runshell(macscommand(folder, s.founders.nhaps, macsparams, s.founders.recombhotspotsonoff),
+             "RunMacsRewrite A");
+    printline(" Running Vintrecaskelle");
+    const std::string nhaps = numbertext(s.founders.nhaps);
+    runshell(folder + " &&  ./Vintrecaskelle " + nhaps + " && cp -f SegSites.txt FinishedMacs.txt",
+             "RunMacsRewrite B");
+
+    outfile used("Chromosomes/Chromosome" + numbertext(chrom) + "/MaCSParametersUsed.txt");
+    used.writeline(freeline(nhaps + " ", macsparams));
+    used.close();
+}
+
+std::string macscommand(const std::string &folder, int64 nhaps, const std::string &macsparams,
+                        bool hotspots)
+{
+    return folder + " && ./macs " + numbertext(nhaps) + "  " + std::string(trimright(macsparams)) +
+           " " + (hotspots ? "-R Hotspots.txt" : "") + " 1>output.txt 2>debug.txt";
+}
+
+namespace
+{
+struct recombregion {
+    double start = 0, stop = 0, proportion = 0;
+};
+
+array1<recombregion> readregions(const std::string &filename)
+{
+    array1<recombregion> regions(countlines(filename));
+    infile in(filename);
+    for (recombregion &region : regions) {
+        in.record();
+        region.start = in.real();
+        region.stop = in.real();
+        region.proportion = in.real();
+    }
+    return regions;
+}
+
+void stopifoutoforder(const array1<recombregion> &regions)
+{
+    for (int64 i = 1; i <= regions.size(); ++i) {
+        const recombregion &region = regions(i);
+        const bool behind =
+            i == 1 || (region.start > regions(i - 1).start && region.stop > regions(i - 1).stop);
+        if (behind && region.start != region.stop) continue;
+        printline("ERROR: Variable recombination file should be sorted from start to end of "
+                  "chromosome");
+        stopwithcode(110031);
+    }
+}
+
+void rescaleproportions(array1<recombregion> &regions)
+{
+    double sum = 0;
+    for (const recombregion &region : regions) sum += region.proportion;
+    if (sum == 1.0) return;
+    printline("WARNING: proportion of recombinations over the defined regions must sum to 1.0 - "
+              "rescale");
+    printline("");
+    for (recombregion &region : regions) region.proportion /= sum;
+}
+} // namespace
+
+void readrecombspecformacs(int64 chrom)
+{
+    array1<recombregion> regions =
+        readregions("./RecombinationSpecifications/Chromosome" + numbertext(chrom) + ".txt");
+    stopifoutoforder(regions);
+    rescaleproportions(regions);
+
+    outfile out(chromfolder(chrom) + "Hotspots.txt");
+    textline line;
+    for (const recombregion &region : regions) {
+        putf(line, region.start, 12, 8);
+        putf(line, region.stop, 12, 8);
+        putf(line, region.proportion / (region.stop - region.start), 12, 8);
+        out.writeline(line);
+    }
+    out.close();
+}
+
+void calculatemacsparams(std::string &macsparams, int64 chrlengthbasesmacs, int64 effecpopsize,
+                         double mutationratemacs, double morgansmacs,
+                         const std::string &additionalmacsparams)
+{
+    const double fourne = static_cast<double>(4 * effecpopsize);
+    const double recombrate = singlequotient(morgansmacs, static_cast<double>(chrlengthbasesmacs));
+    macsparams.clear();
+    puti(macsparams, chrlengthbasesmacs, 0);
+    macsparams += " -t ";
+    pute(macsparams, fourne * mutationratemacs, 10, 2);
+    macsparams += " -r ";
+    pute(macsparams, fourne * recombrate, 10, 2);
+    macsparams += " ";
+    macsparams += trimright(additionalmacsparams);
+}
