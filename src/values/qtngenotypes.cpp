@@ -1,0 +1,109 @@
+#include "values/qtngenotypes.h"
+
+#include "files.h"
+#include "textlayout.h"
+#include "values/transpose.h"
+#include "words.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace
+{
+// Individuals whose rows are held at a time, between a file and the table.
+constexpr int64 rowtile = 64;
+
+struct genotypeset {
+    const char *name; // first word of its files
+    const array1<int64> &nonthischrom;
+    array2<int8> &genos;
+};
+
+void readgenotypes(const state &s, genotypeset &set, int64 currentgen)
+{
+    const int64 nindiv = set.genos.extent1().size();
+    std::vector<int8> rows;
+    int64 column = 1;
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+        const int64 n = set.nonthischrom(h);
+        infile in(chromfolder(h) + set.name + "QtnGenotypeGeneration" + numbertext(currentgen) +
+                  ".txt");
+        rows.resize(static_cast<std::size_t>(rowtile * n));
+        for (int64 k = 1; k <= nindiv && n > 0; k += rowtile) {
+            const int64 nrows = std::min(rowtile, nindiv - k + 1);
+            for (int64 r = 0; r < nrows; ++r) {
+                in.record();
+                in.skipwords(1);
+                in.alleles(rows.data() + r * n, n);
+            }
+            transposebytes(rows.data(), n, set.genos.column(column) + k - 1, nindiv, nrows, n);
+        }
+        column += n;
+    }
+}
+
+void writegenotypes(const genotypeset &set, int64 startindiv)
+{
+    const int64 nindiv = set.genos.extent1().size(), n = set.genos.extent2().size();
+    outfile out;
+    out.openandkeepfixed(std::string("./SimulatedData/") + set.name + "QtnIndivGenotypes.txt",
+                         startindiv - 1, 20 + 2 * n + 1);
+    std::vector<int8> rows(static_cast<std::size_t>(rowtile * n));
+    textline id;
+    for (int64 k = 1; k <= nindiv; k += rowtile) {
+        const int64 nrows = std::min(rowtile, nindiv - k + 1);
+        transposebytes(set.genos.data() + k - 1, nindiv, rows.data(), n, n, nrows);
+        for (int64 r = 0; r < nrows; ++r) {
+            id.clear();
+            puti(id, startindiv + k - 1 + r, 20);
+            const std::size_t length = static_cast<std::size_t>(20 + 2 * n + 1);
+            char *const line = out.reserve(length);
+            std::memcpy(line, id.data(), 20);
+            *putalleles(line + 20, rows.data() + r * n, n) = '\n';
+            out.commit(length);
+        }
+    }
+    out.close();
+}
+} // namespace
+
+void compileqtngenotypes(state &s, int64 currentgen, int64 startindiv,
+                         [[maybe_unused]] int64 endindiv)
+{
+    const auto compile = [&](genotypeset set) {
+        readgenotypes(s, set, currentgen);
+        writegenotypes(set, startindiv);
+    };
+    compile({"Unrestricted", s.qtn.nqtnonthischrom, s.qtn.allqtngenosunres});
+    compile({"Restricted", s.qtn.nqtnonthischrom, s.qtn.allqtngenosrestr});
+    if (s.selection.recombselonoff)
+        compile({"Recombination", s.qtn.nqtnrecombonthischrom, s.qtn.allqtngenosrecomb});
+    if (s.editing.geneditonoff) writefixedqtn(s, currentgen);
+}
+
+void writefixedqtn(state &s, int64 currentgen)
+{
+    const bool unrestricted = s.qtn.qtnmodel == 1 || s.qtn.qtnmodel == 3;
+    const array2<int8> &genos = unrestricted ? s.qtn.allqtngenosunres : s.qtn.allqtngenosrestr;
+    const int64 nindiv = s.pop.nindivinthisgen(currentgen);
+    outfile out;
+    textline line;
+    if (currentgen == 1) {
+        out.open("./SimulatedData/FixedQtn.txt");
+        puta(line, "          Generation         GlobalQtnId         FixedYes0No1", 61);
+        out.writeline(line);
+    } else {
+        out.openandkeep("./SimulatedData/FixedQtn.txt", 1 + (currentgen - 1) * s.qtn.ntotqtn);
+    }
+    for (int64 q = 1; q <= s.qtn.ntotqtn; ++q) {
+        int64 sum = 0;
+        for (int64 k = 1; k <= nindiv; ++k) sum += genos(k, q);
+        puti(line, currentgen, 20);
+        puti(line, q, 20);
+        puti(line, sum == 0 || sum == 2 * nindiv ? 0 : 1, 20);
+        out.writeline(line);
+    }
+    out.close();
+}
