@@ -1,0 +1,42 @@
+#include "values/dominance.h"
+
+#include "traits/qtnmodels.h"
+#include "values/qtnfiles.h"
+#include "values/qtnsums.h"
+
+namespace
+{
+// The terms of one QTN for a tile.
+void adddominance(double *__restrict sum, const double *__restrict x, double d, double f)
+{
+    const double twof = 2 * f, constant = 2 * (f * f) * d;
+    for (int64 k = 0; k < sumtile; ++k) sum[k] += -(d * x[k]) * ((x[k] - 1) - twof) - constant;
+}
+
+void adddeviationsofset(state &s, int64 firstmodel, int64 startindiv, int64 endindiv)
+{
+    std::vector<double *> columns;
+    std::vector<const double *> effects; // of each column, by QTN from 0
+    for (int64 p = firstmodel; p <= s.qtn.nqtnmodels; p += 2)
+        for (int64 j = 1; j <= s.traits.ntraits; ++j) {
+            columns.push_back(&s.values.tdv(startindiv, p, j));
+            effects.push_back(viewofmodel(s, p).domeff.column(j));
+        }
+    const qtnmodelview set = viewofmodel(s, firstmodel);
+    sumoverqtn(set.genos, s.qtn.ntotqtn, columns, endindiv - startindiv + 1,
+               [&](int64 q, const double *x, double *sums) {
+                   for (const double *effect : effects) {
+                       adddominance(sums, x, effect[q - 1], set.freq(q));
+                       sums += sumtile;
+                   }
+               });
+}
+} // namespace
+
+void computetdv(state &s, int64 startindiv, int64 endindiv)
+{
+    readreferencefrequencies(s);
+    readdominanceeffects(s);
+    adddeviationsofset(s, 1, startindiv, endindiv);
+    adddeviationsofset(s, 2, startindiv, endindiv);
+}
