@@ -1,0 +1,109 @@
+#include "values/genicvariances.h"
+
+#include "files.h"
+#include "sortstat.h"
+#include "textlayout.h"
+#include "traits/qtnmodels.h"
+#include "values/qtnfiles.h"
+#include "words.h"
+
+#include <string>
+
+namespace
+{
+textline variancetitle(int64 ntraits)
+{
+    std::string title = "Generation  QtnModel     ";
+    const char *separator = "";
+    for (const char *label : {"TotalAdditGenicVar", "TotalDominGenicVar", "TotalAdditGeneticVar",
+                              "TotalDominGeneticVar"}) {
+        std::string group;
+        for (int64 j = 1; j <= ntraits; ++j) group += (j > 1 ? " " : "") + (label + numbertext(j));
+        title += separator + cuttext(group, 1000);
+        separator = " ";
+    }
+    textline line;
+    putleft(line, title, 1500);
+    return line;
+}
+
+void readfrequencies(const state &s, const char *set, int64 currentgen, array1<double> &freq)
+{
+    int64 q = 0;
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+        infile in(chromfolder(h) + set + "QtnAlleleFreqGeneration" + numbertext(currentgen) +
+                  ".txt");
+        for (int64 k = 1; k <= s.qtn.nqtnonthischrom(h); ++k) {
+            in.record();
+            in.skipwords(2);
+            freq(++q) = in.real();
+        }
+    }
+}
+
+void computeloci(state &s, int64 p, int64 j)
+{
+    const qtnmodelview model = viewofmodel(s, p);
+    valuedata &v = s.values;
+    for (int64 q = 1; q <= s.qtn.ntotqtn; ++q) {
+        const double f = model.freq(q);
+        v.varagenicloc(q, p, j) = locusgenicvariance(f, model.alpha(q, j));
+        v.varagenic(p, j) += v.varagenicloc(q, p, j);
+        if (!s.qtn.dominonoff) continue;
+        const double deviation = 2 * f * (1 - f) * model.domeff(q, j);
+        v.vardgenicloc(q, p, j) = deviation * deviation;
+        v.vardgenic(p, j) += v.vardgenicloc(q, p, j);
+    }
+}
+
+double samplevariance(const state &s, const array3<double> &values, int64 gen, int64 p, int64 j)
+{
+    double ave, adev, sdev, var, skew, curt;
+    moment(values.column(p, j) + firstindivofgen(s, gen) - 1, s.pop.nindivinthisgen(gen), ave, adev,
+           sdev, var, skew, curt);
+    return var;
+}
+
+void writevariances(const state &s, int64 currentgen)
+{
+    const std::string path = "./SimulatedData/TotalGenicAndGeneticVariancesPerGeneration.txt";
+    const valuedata &v = s.values;
+    outfile out;
+    if (currentgen == 1) {
+        out.open(path);
+        out.writeline(variancetitle(s.traits.ntraits));
+    } else {
+        out.openandkeep(path, 1 + (currentgen - 1) * s.qtn.nqtnmodels);
+    }
+    textline line;
+    for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {
+        puti(line, currentgen, 10);
+        puti(line, p, 10);
+        for (const array2<double> *variances :
+             {&v.varagenic, &v.vardgenic, &v.varagenetic, &v.vardgenetic})
+            for (int64 j = 1; j <= s.traits.ntraits; ++j) putf(line, (*variances)(p, j), 20, 10);
+        out.writeline(line);
+    }
+    out.close();
+}
+} // namespace
+
+void computetotalgenicvariances(state &s, int64 currentgen)
+{
+    valuedata &v = s.values;
+    for (array2<double> *a : {&v.varagenic, &v.vardgenic, &v.varagenetic, &v.vardgenetic})
+        a->fill(0);
+    v.varagenicloc.fill(0);
+    v.vardgenicloc.fill(0);
+    readfrequencies(s, "Unrestricted", currentgen, s.qtn.allqtnfrequnres);
+    readfrequencies(s, "Restricted", currentgen, s.qtn.allqtnfreqrestr);
+    readsubstitutioneffects(s);
+    if (s.qtn.dominonoff) readdominanceeffects(s);
+    for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p)
+        for (int64 j = 1; j <= s.traits.ntraits; ++j) {
+            computeloci(s, p, j);
+            v.varagenetic(p, j) = samplevariance(s, v.tbv, currentgen, p, j);
+            if (s.qtn.dominonoff) v.vardgenetic(p, j) = samplevariance(s, v.tdv, currentgen, p, j);
+        }
+    writevariances(s, currentgen);
+}

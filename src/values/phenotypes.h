@@ -1,0 +1,16 @@
+// phenotypes.h - residuals and phenotypes of a generation, and the table of all values.
+#pragma once
+
+#include "state.h"
+
+// For generation currentgen, individuals startindiv to endindiv, whose tbv and tdv are complete:
+// tev from the Cholesky factors in SimulatedData/TraitVarianceComponentsResidualCholQtnModel<p>.txt
+// (always read back into cholcove, so a run that goes on later keeps the residual variances of
+// generation 1), and tpv = (tbv + tdv) + tev. Each model has residuals of its own.
+// Draws: one gasdev for each model, within it each individual, within it each trait.
+//
+// Extends, titles with generation 1 only:
+//   SimulatedData/PedigreeTbvTdvTpv.txt          4I10, then F20.10: tbv, tdv, tpv, each for trait 1
+//                                                the models, then trait 2 and so on
+//   SimulatedData/GeneticMeansPerGeneration.txt  3I20, F20.10: generation, model, trait, mean tbv
+void computetpv(state &s, int64 currentgen, int64 startindiv, int64 endindiv);

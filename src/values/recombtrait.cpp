@@ -1,0 +1,93 @@
+#include "values/recombtrait.h"
+
+#include "files.h"
+#include "pedigree/pedigree.h"
+#include "sortstat.h"
+#include "textlayout.h"
+#include "values/qtnfiles.h"
+#include "values/qtnsums.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+void readrecombcount(state &s, int64 currentgen)
+{
+    infile in("./SimulatedData/RecombinationCount.txt");
+    s.haplo.recombcount.fill(0);
+    for (int64 i = 1; i <= lastindivofgen(s, currentgen); ++i) {
+        in.record();
+        in.skipwords(1);
+        s.haplo.recombcount(i, 1) = in.integer();
+        s.haplo.recombcount(i, 2) = in.integer();
+    }
+}
+
+void addrawvalues(state &s, int64 startindiv, int64 endindiv)
+{
+    sumoverqtn(s.qtn.allqtngenosrecomb, s.qtn.ntotqtnrecomb, {&s.values.tbvrecomb(startindiv)},
+               endindiv - startindiv + 1, [&](int64 q, const double *x, double *sums) {
+                   adddeviations(sums, x, s.qtn.addeffrecomb(q), s.qtn.allqtnfreqrecomb(q));
+               });
+}
+
+void standardise(state &s, int64 startindiv, int64 endindiv)
+{
+    valuedata &v = s.values;
+    double adev, var, skew, curt;
+    const double *const first = &v.tbvrecomb(startindiv);
+    moment(first, v.nindivinsimulrun, v.recombmeanz, adev, v.recombstddevz, var, skew, curt);
+    // Equal values may still leave a standard deviation of rounding errors: that is no variance.
+    const auto [lowest, highest] = std::minmax_element(first, first + v.nindivinsimulrun);
+    const bool varies = *lowest < *highest && v.recombstddevz > 0;
+
+    const double nchrom = static_cast<double>(s.founders.nchrom);
+    const double maplength = s.founders.morgans * nchrom;
+    v.vararecombt = (v.heritrecomb * (1 / maplength)) / (1 - v.heritrecomb);
+    for (int64 i = startindiv; i <= endindiv; ++i) {
+        v.tbvrecombz(i) =
+            varies ? ((v.tbvrecomb(i) - v.recombmeanz) / v.recombstddevz) * std::sqrt(v.vararecombt)
+                   : 0;
+        v.recombeta(i) = std::log(maplength) + v.tbvrecombz(i);
+        v.recombperindperchr(i) = std::exp(v.recombeta(i)) / nchrom;
+    }
+}
+
+void writevalues(const state &s, int64 currentgen, int64 startindiv, int64 endindiv)
+{
+    const std::string path = "./SimulatedData/PedigreeTbvRecombination.txt";
+    outfile out;
+    textline line;
+    if (currentgen == 1) {
+        out.open(path);
+        puta(line,
+             "Generation      Indiv   Father    Mother          TbvRecombZ  RecombPerIndPerChr   "
+             "RecombCountFather   RecombCountMother      TotRecombCount",
+             140);
+        out.writeline(line);
+    } else {
+        out.openandkeep(path, startindiv);
+    }
+    for (int64 i = startindiv; i <= endindiv; ++i) {
+        int64 id, sire, dam;
+        getidsiredamfromline(s.pedi.ped(i), id, sire, dam);
+        for (const int64 key : {currentgen, id, sire, dam}) puti(line, key, 10);
+        putf(line, s.values.tbvrecombz(i), 20, 10);
+        putf(line, s.values.recombperindperchr(i), 20, 10);
+        const int64 fromsire = s.haplo.recombcount(i, 1), fromdam = s.haplo.recombcount(i, 2);
+        for (const int64 count : {fromsire, fromdam, fromsire + fromdam}) puti(line, count, 20);
+        out.writeline(line);
+    }
+    out.close();
+}
+} // namespace
+
+void computetbvrecomb(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
+{
+    readrecombinationeffects(s);
+    readrecombcount(s, currentgen);
+    addrawvalues(s, startindiv, endindiv);
+    standardise(s, startindiv, endindiv);
+    writevalues(s, currentgen, startindiv, endindiv);
+}
