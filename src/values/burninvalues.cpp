@@ -1,0 +1,240 @@
+#include "values/burninvalues.h"
+
+#include "files.h"
+#include "founders/stores.h"
+#include "pedigree/pedigree.h"
+#include "sortstat.h"
+#include "textlayout.h"
+#include "traits/covariances.h"
+#include "traits/qtnmodels.h"
+#include "values/breedingvalues.h"
+#include "values/dominance.h"
+#include "values/genicvariances.h"
+#include "values/phenotypes.h"
+#include "values/recombtrait.h"
+#include "values/valuearrays.h"
+
+#include <algorithm>
+
+namespace
+{
+// Sample covariances between the traits of one model; means are taken first.
+void computecovariances(const state &s, const array3<double> &values, int64 p, int64 startindiv,
+                        int64 endindiv, array3<double> &covariance)
+{
+    const int64 ntraits = s.traits.ntraits;
+    const double n = static_cast<double>(endindiv - startindiv + 1);
+    array1<double> mean(ntraits);
+    for (int64 j = 1; j <= ntraits; ++j) {
+        for (int64 i = startindiv; i <= endindiv; ++i) mean(j) += values(i, p, j);
+        mean(j) /= n;
+    }
+    for (int64 j = 1; j <= ntraits; ++j)
+        for (int64 k = 1; k <= ntraits; ++k) {
+            double sum = 0;
+            for (int64 i = startindiv; i <= endindiv; ++i)
+                sum += (values(i, p, j) - mean(j)) * (values(i, p, k) - mean(k));
+            covariance(p, j, k) = sum / (n - 1);
+        }
+}
+
+double narrowheritability(const valuedata &v, int64 p, int64 j)
+{
+    return v.vara(p, j) / (v.vara(p, j) + v.vard(p, j) + v.vare(p, j));
+}
+
+double broadheritability(const valuedata &v, int64 p, int64 j)
+{
+    const double genetic = v.vara(p, j) + v.vard(p, j);
+    return genetic / (genetic + v.vare(p, j));
+}
+
+// n numbers 4F12.4: a new line behind every fourth.
+template <class Value> void writerow(outfile &out, int64 n, Value value)
+{
+    textline line;
+    for (int64 k = 1; k <= n; ++k) {
+        putf(line, value(k), 12, 4);
+        if (k % 4 == 0 && k < n) out.writeline(line);
+    }
+    out.writeline(line);
+}
+
+void writeheading(outfile &out, const char *heading)
+{
+    out.writeline(" ");
+    textline line;
+    puta(line, heading, 30);
+    out.writeline(line);
+}
+
+void writecovariances(const state &s)
+{
+    const valuedata &v = s.values;
+    const int64 ntraits = s.traits.ntraits;
+    outfile out("./SimulatedData/TraitVarianceComponentsCovariance.txt");
+    for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {
+        textline line;
+        puta(line, " QTN model ", 11);
+        puta(line, labelofmodel(p), 14);
+        out.writeline(line);
+        const auto writematrix = [&](const char *heading, const array3<double> &covariance) {
+            writeheading(out, heading);
+            for (int64 i = 1; i <= ntraits; ++i)
+                writerow(out, ntraits, [&](int64 j) { return covariance(p, i, j); });
+        };
+        writematrix(" Additive genetic co-variance ", v.cova);
+        writematrix(" Dominance genetic co-variance", v.covd);
+        writematrix(" Residual co-variance         ", s.traits.cove);
+        writeheading(out, " Heritability (narrow-sense)  ");
+        writerow(out, ntraits, [&](int64 j) { return narrowheritability(v, p, j); });
+        writeheading(out, " Heritability (broad-sense)   ");
+        writerow(out, ntraits, [&](int64 j) { return broadheritability(v, p, j); });
+    }
+    out.close();
+}
+
+// The five numbers of a trait under model p, in the order of the reports.
+double component(const valuedata &v, int row, int64 p, int64 j)
+{
+    switch (row) {
+    case 0:
+        return v.vara(p, j);
+    case 1:
+        return v.vard(p, j);
+    case 2:
+        return v.vare(p, j);
+    case 3:
+        return narrowheritability(v, p, j);
+    default:
+        return broadheritability(v, p, j);
+    }
+}
+
+void writecomponents(const state &s, outfile &out, int64 j)
+{
+    const bool withgamma = s.qtn.nqtngamma > 0;
+    textline line;
+    puta(line, "Variance components for trait", 29);
+    puti(line, j, 2);
+    out.writeline(line);
+    puta(line,
+         "                                        NormalModelUnres    NormalModelRestr   "
+         "GammaModelUnrestr     GammaModelRestr",
+         withgamma ? 116 : 76);
+    out.writeline(line);
+    const char *const labels[] = {"VarA", "VarD", "VarE", "Simulated narrow-sense heritability ",
+                                  "Simulated broad-sense heritability  "};
+    for (int row = 0; row < 5; ++row) {
+        putleft(line, labels[row], 36);
+        for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p)
+            putf(line, component(s.values, row, p, j), 20, 10);
+        out.writeline(line);
+    }
+}
+
+void printcomponents(const state &s, int64 j)
+{
+    const bool withgamma = s.qtn.nqtngamma > 0;
+    textline line;
+    puta(line, " Trait", 7);
+    puti(line, j, 3);
+    printline(line);
+    line.clear();
+    puta(line,
+         "                                   NormalUnrestr NormalRestr GammaUnrestr GammaRestr",
+         withgamma ? 85 : 60);
+    printline(line);
+    const char *const labels[] = {
+        "  VarA                               ", "  VarD                               ",
+        "  VarE                               ", " Simulated narrow-sense heritability",
+        " Simulated broad-sense heritability "};
+    for (int row = 0; row < 5; ++row) {
+        line.clear();
+        puta(line, labels[row], 37);
+        for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p)
+            putf(line, component(s.values, row, p, j), 12, 4);
+        printline(line);
+    }
+    printfree("     ");
+}
+
+void writerecombination(const state &s)
+{
+    const valuedata &v = s.values;
+    outfile out("./SimulatedData/RecombinationVarianceComponents.txt");
+    const auto write = [&](const char *label, double value) {
+        textline line;
+        puta(line, label, 30);
+        putf(line, value, 20, 10);
+        out.writeline(line);
+    };
+    write("Additive genetic variance     ", v.vararecomb);
+    write("Residual variance             ", v.varerecomb);
+    write("Heritability (narrow-sense)   ", v.vararecomb / (v.varerecomb + v.vararecomb));
+    out.close();
+}
+
+void computegeneration(state &s, int64 gen)
+{
+    const int64 startindiv = firstindivofgen(s, gen), endindiv = lastindivofgen(s, gen);
+    s.values.nindivinsimulrun = s.pop.nindivinthisgen(gen);
+    allocatearraysforcomputevaravareandtpv(s, "PerGen");
+    compileqtngenotypes(s, gen, startindiv, endindiv);
+    computetbv(s, startindiv, endindiv);
+    if (s.qtn.dominonoff) computetdv(s, startindiv, endindiv);
+    computetotalgenicvariances(s, gen);
+    if (s.selection.recombselonoff) computetbvrecomb(s, gen, startindiv, endindiv);
+    if (gen == 1) {
+        computevaravardvare(s, startindiv, endindiv);
+        workoutcovvariances(s, "Residual");
+        printoutvarcomponents(s);
+    }
+    computetpv(s, gen, startindiv, endindiv);
+    deallocatearraysforcomputevaravareandtpv(s, "PerGen");
+}
+} // namespace
+
+void computetbvvaravareandburnintpv(state &s)
+{
+    const bool part = s.run.genflexibilityonoff;
+    const int64 startgen = part ? s.run.specstartgen : 1;
+    const int64 endgen = part ? std::min(s.run.specendgen, s.pop.ngen) : s.pop.ngen;
+    allocatearraysforcomputevaravareandtpv(s, "AllGen");
+    readpedigreegender(s);
+    readsegsitesdatafromallchrom(s);
+    for (int64 gen = startgen; gen <= endgen; ++gen) computegeneration(s, gen);
+    deallocatearraysforcomputevaravareandtpv(s, "AllGen");
+}
+
+void computevaravardvare(state &s, int64 startindiv, int64 endindiv)
+{
+    valuedata &v = s.values;
+    for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {
+        computecovariances(s, v.tbv, p, startindiv, endindiv, v.cova);
+        computecovariances(s, v.tdv, p, startindiv, endindiv, v.covd);
+        for (int64 j = 1; j <= s.traits.ntraits; ++j) {
+            v.vara(p, j) = v.cova(p, j, j);
+            v.vard(p, j) = v.covd(p, j, j);
+            const double genetic = v.vara(p, j) + v.vard(p, j), h = s.traits.herit(j);
+            v.vare(p, j) = (genetic - h * genetic) / h;
+        }
+    }
+    if (!s.selection.recombselonoff) return;
+    double ave, adev, sdev, skew, curt;
+    moment(&v.tbvrecombz(startindiv), endindiv - startindiv + 1, ave, adev, sdev, v.vararecomb,
+           skew, curt);
+    v.varerecomb = 1 / (s.founders.morgans * static_cast<double>(s.founders.nchrom));
+}
+
+void printoutvarcomponents(state &s)
+{
+    writecovariances(s);
+    outfile out("./SimulatedData/TraitVarianceComponents.txt");
+    for (int64 j = 1; j <= s.traits.ntraits; ++j) {
+        writecomponents(s, out, j);
+        printcomponents(s, j);
+    }
+    out.close();
+    if (s.selection.recombselonoff) writerecombination(s);
+}
