@@ -101,3 +101,12 @@ commandresult runcommand(const std::string &command)
     fs::remove_all(streams);
     return result;
 }
+
+std::string binfolder()
+{
+    return SOLVANTO_BINFOLDER;
+}
+std::string sourcefolder()
+{
+    return SOLVANTO_SOURCEFOLDER;
+}

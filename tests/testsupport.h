@@ -48,11 +48,5 @@ struct commandresult {
 commandresult runcommand(const std::string &command);
 
 // Folder of the built programs, and of the sources.
-inline std::string binfolder()
-{
-    return SOLVANTO_BINFOLDER;
-}
-inline std::string sourcefolder()
-{
-    return SOLVANTO_SOURCEFOLDER;
-}
+std::string binfolder();
+std::string sourcefolder();
