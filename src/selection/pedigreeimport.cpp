@@ -1,0 +1,43 @@
+#include "selection/pedigreeimport.h"
+
+#include "pedigree/pedigree.h"
+#include "selection/cyclefolder.h"
+#include "stops.h"
+#include "textlayout.h"
+
+namespace
+{
+void readexternalpedigree(state &s, int64 selectioncycle, int64 currentgen)
+{
+    const int64 endtestindiv = s.selection.endtestindiv;
+    infile in(cyclefolder(selectioncycle) + "ExternalPedigree.txt");
+    int64 indivpos = endtestindiv;
+    for (int64 k = 1; k <= s.pop.nindivinthisgen(currentgen); ++k) {
+        ++indivpos;
+        in.record();
+        const int64 oldglobalid = in.integer();
+        const int64 newsire = in.integer();
+        const int64 newdam = in.integer();
+        if (newsire < 1 || newsire > endtestindiv || newdam < 1 || newdam > endtestindiv) {
+            printfree("ERROR: ExternalPedigree.txt must name two parents of earlier generations "
+                      "for individual",
+                      indivpos);
+            stopwithcode(110015);
+        }
+        initline(s.pedi.ped(indivpos), oldglobalid, oldglobalid, newsire, newdam, currentgen);
+    }
+}
+} // namespace
+
+void importexternalpedforcurrentselgen(state &s, int64 selectioncycle, int64 currentgen)
+{
+    if (s.run.importstage == 1) {
+        printline("  You must now create an external pedigree file for the current selection "
+                  "generation");
+        printline("  Name this file ExternalPedigree.txt and store it in the current selection "
+                  "folder");
+        return;
+    }
+    readexternalpedigree(s, selectioncycle, currentgen);
+    printline(" External pedigree successfully imported");
+}

@@ -1,0 +1,208 @@
+#include "selection/trainingsets.h"
+
+#include "selection/cyclefolder.h"
+#include "shell.h"
+#include "textlayout.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace
+{
+void makecyclefolder(int64 selectioncycle)
+{
+    const std::string folder = cyclefolder(selectioncycle);
+    const char *const routine = "DetermineTrainAndTestDatasetsForSelection";
+    if (folderexists(folder)) runshell("rm -r " + folder, routine);
+    runshell("mkdir " + folder, routine);
+}
+
+void readtruevalues(state &s)
+{
+    const int64 nmodels = s.qtn.nqtnmodels, ntraits = s.traits.ntraits;
+    const int64 n = nmodels * ntraits;
+    std::vector<double> values(static_cast<std::size_t>(3 * n));
+    infile in("./SimulatedData/PedigreeTbvTdvTpv.txt");
+    in.skiprecords(1);
+    for (int64 i = 1; i <= s.selection.endtestindiv; ++i) {
+        in.record();
+        in.skipwords(4);
+        in.reals(values.data(), 3 * n);
+        const double *value = values.data();
+        for (array3<double> *block : {&s.values.tbv, &s.values.tdv, &s.values.tpv})
+            for (int64 t = 1; t <= ntraits; ++t)
+                for (int64 p = 1; p <= nmodels; ++p) (*block)(i, p, t) = *value++;
+    }
+}
+
+// Crossovers of every individual's own gametes, and its rate in the gametes that it gives.
+void readrecombination(state &s)
+{
+    s.haplo.recombcount.fill(0);
+    s.values.recombperindperchr.fill(0);
+    if (s.selection.recombselonoff) {
+        infile in("./SimulatedData/PedigreeTbvRecombination.txt");
+        in.skiprecords(1);
+        for (int64 i = 1; i <= s.selection.endtestindiv; ++i) {
+            double values[2];
+            in.record();
+            in.skipwords(4);
+            in.reals(values, 2);
+            s.values.tbvrecombz(i) = values[0];
+            s.values.recombperindperchr(i) = values[1];
+            for (int64 side = 1; side <= 2; ++side) s.haplo.recombcount(i, side) = in.integer();
+        }
+        return;
+    }
+    s.values.recombperindperchr.fill(s.founders.morgans);
+    infile in("./SimulatedData/RecombinationCount.txt");
+    for (int64 i = 1; i <= s.selection.endtestindiv; ++i) {
+        in.record();
+        in.skipwords(1);
+        for (int64 side = 1; side <= 2; ++side) s.haplo.recombcount(i, side) = in.integer();
+    }
+}
+
+void writevalue(outfile &out, textline &line, int64 id, double value)
+{
+    puti(line, id, 20);
+    putf(line, value, 20, 10);
+    out.writeline(line);
+}
+
+// One record for each test individual.
+template <class T> void writetestfile(const state &s, const std::string &path, const T &valueof)
+{
+    outfile out(path);
+    textline line;
+    for (int64 i = s.selection.starttestindiv; i <= s.selection.endtestindiv; ++i)
+        writevalue(out, line, s.pedi.ped(i).newid, valueof(i));
+    out.close();
+}
+
+// One record for each individual of the training range that has a phenotype.
+void writetrainfile(const state &s, const std::string &path, const array1<double> &phenotypes)
+{
+    outfile out(path);
+    textline line;
+    for (int64 k = 1; k <= phenotypes.size(); ++k)
+        if (phenotypes(k) != -99)
+            writevalue(out, line, s.pedi.ped(s.selection.starttrainindiv + k - 1).newid,
+                       phenotypes(k));
+    out.close();
+}
+
+// Phenotype of the recombination trait: log count of the crossovers seen, in single precision.
+double recombphenotype(const state &s, int64 i)
+{
+    const auto n = static_cast<float>(s.haplo.recombcount(i, 1) + s.haplo.recombcount(i, 2));
+    return static_cast<double>(std::log(n + 0.0001f));
+}
+
+// Strategy 5: a random subset of the range keeps its phenotypes, drawn anew for every trait.
+void drawtrainindicator(state &s)
+{
+    selectiondata &sel = s.selection;
+    array1<int64> tmpwrk(sel.ntrainindivmax);
+    randomorder(tmpwrk, sel.ntrainindivmax, s.random);
+    sel.trainindicator.fill(0);
+    for (int64 k = 1; k <= sel.ntrainindiv; ++k) sel.trainindicator(tmpwrk(k)) = 1;
+}
+
+// Whether the individual at place k of the range is phenotyped, under strategies 1 to 5.
+bool isphenotyped(const state &s, int64 k)
+{
+    const selectiondata &sel = s.selection;
+    if (sel.selphenstrat == 4) return s.pedi.globalgender(sel.starttrainindiv + k - 1) != 2;
+    if (sel.selphenstrat == 5) return sel.trainindicator(k) == 1;
+    return true;
+}
+
+template <class T> void fillphenotypes(state &s, array1<double> &phenotypes, const T &valueof)
+{
+    const selectiondata &sel = s.selection;
+    phenotypes.fill(-99);
+    if (sel.selphenstrat == 6) {
+        for (const int64 r : sel.trainindiv) phenotypes(r - sel.starttrainindiv + 1) = valueof(r);
+        return;
+    }
+    for (int64 k = 1; k <= phenotypes.size(); ++k)
+        if (isphenotyped(s, k)) phenotypes(k) = valueof(sel.starttrainindiv + k - 1);
+}
+
+void filltrainingphenotypes(state &s, int64 selectedtrait)
+{
+    selectiondata &sel = s.selection;
+    if (selectedtrait == 1) {
+        const int64 n = sel.endtrainindiv - sel.starttrainindiv + 1;
+        sel.phenvaltrain.allocate(n);
+        if (sel.recombselonoff) sel.phenvalrecombtrain.allocate(n);
+    }
+    if (sel.selphenstrat == 5) drawtrainindicator(s);
+    fillphenotypes(s, sel.phenvaltrain,
+                   [&](int64 i) { return s.values.tpv(i, s.qtn.qtnmodel, selectedtrait); });
+    if (sel.recombselonoff)
+        fillphenotypes(s, sel.phenvalrecombtrain, [&](int64 i) { return recombphenotype(s, i); });
+}
+
+// The training pedigree: its first generation counts as founders, and its rows are numbered from 1.
+void writetrainingpedigree(const state &s, outfile &out, int64 selectioncycle)
+{
+    const selectiondata &sel = s.selection;
+    const int64 tmpfirstgen = firstpedigreegen(s);
+    const int64 pedfirstindiv = firstindivofgen(s, tmpfirstgen);
+    const int64 pedfirstgenlastindiv = lastindivofgen(s, tmpfirstgen);
+    const int64 tmpendtrainindiv = lastindivofgen(s, s.pop.ngen + selectioncycle - 1);
+    textline line;
+    for (int64 i = pedfirstindiv; i <= tmpendtrainindiv; ++i) {
+        const pedigreeline &row = s.pedi.ped(i);
+        const bool known = i > pedfirstgenlastindiv;
+        for (const int64 id : {row.newid, known ? row.newsire : 0, known ? row.newdam : 0})
+            puti(line, std::max<int64>(id - pedfirstindiv + 1, 0), 10);
+        puti(line, 1, 10);
+        const bool inrange = i >= sel.starttrainindiv && i <= sel.endtrainindiv;
+        putf(line, inrange ? sel.phenvaltrain(i - sel.starttrainindiv + 1) : -99, 20, 10);
+        out.writeline(line);
+    }
+}
+
+void writetestdata(const state &s, const std::string &folder, int64 selectedtrait)
+{
+    const std::string ending = traitsuffix(s, selectedtrait) + ".txt";
+    writetestfile(s, folder + "SelectionTbvTest" + ending,
+                  [&](int64 i) { return s.values.tbv(i, s.qtn.qtnmodel, selectedtrait); });
+    if (s.selection.recombselonoff)
+        writetestfile(s, folder + "SelectionTbvRecombZTesting.txt",
+                      [&](int64 i) { return s.values.tbvrecombz(i); });
+    if (s.selection.selmethindicator == 3)
+        writetestfile(s, folder + "SelectionPhenTest" + ending,
+                      [&](int64 i) { return s.values.tpv(i, s.qtn.qtnmodel, selectedtrait); });
+}
+
+void writetrainingdata(const state &s, const std::string &folder, int64 selectioncycle,
+                       int64 selectedtrait)
+{
+    writetrainfile(s, folder + "SelectionPhenTrain" + traitsuffix(s, selectedtrait) + ".txt",
+                   s.selection.phenvaltrain);
+    if (s.selection.recombselonoff)
+        writetrainfile(s, folder + "SelectionPhenRecombTrain.txt", s.selection.phenvalrecombtrain);
+    outfile pedigree(folder + "PedigreeBlupTrain" + numbertext(selectedtrait) + ".txt");
+    if (s.selection.selmethindicator == 1) writetrainingpedigree(s, pedigree, selectioncycle);
+    pedigree.close();
+}
+} // namespace
+
+void determinetrainandtestdatasetsforselection(state &s, int64 selectioncycle, int64 selectedtrait)
+{
+    const std::string folder = cyclefolder(selectioncycle);
+    if (selectedtrait == 1) {
+        makecyclefolder(selectioncycle);
+        readtruevalues(s);
+        readrecombination(s);
+    }
+    writetestdata(s, folder, selectedtrait);
+    if (s.selection.selontbvyes1no0 != 0) return;
+    filltrainingphenotypes(s, selectedtrait);
+    writetrainingdata(s, folder, selectioncycle, selectedtrait);
+}

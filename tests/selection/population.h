@@ -1,0 +1,77 @@
+// population.h - a small population by hand, for the tests of the selection cycle.
+#pragma once
+
+#include "state.h"
+
+#include <numeric>
+#include <vector>
+
+// Generations of the given sizes, the first ngen of them burn-in; males and females take turns.
+// No parents, values 0, one trait, one QTN model.
+inline void makepopulation(state &s, int64 ngen, const std::vector<int64> &sizes)
+{
+    const int64 n = static_cast<int64>(sizes.size());
+    s.pop.ngen = ngen;
+    s.pop.ngensel = n - ngen;
+    s.pop.nindivp = std::accumulate(sizes.begin(), sizes.end(), int64(0));
+    s.pop.nindivinthisgen.allocate({0, n});
+    s.pop.cumindivnbtogen.allocate({0, n});
+    for (array1<int64> *numbers : {&s.pop.nsireinthisgen, &s.pop.ndaminthisgen,
+                                   &s.pop.nrandparinthisgen, &s.pop.nselfedparinthisgen})
+        numbers->allocate(n);
+    s.pop.nmalinthisgen.allocate(n);
+    s.pop.nfeminthisgen.allocate(n);
+    s.pedi.ped.allocate(s.pop.nindivp);
+    s.pedi.globalgender.allocate(s.pop.nindivp);
+    int64 row = 0;
+    for (int64 g = 1; g <= n; ++g) {
+        s.pop.nindivinthisgen(g) = sizes[static_cast<std::size_t>(g - 1)];
+        s.pop.cumindivnbtogen(g) = s.pop.cumindivnbtogen(g - 1) + s.pop.nindivinthisgen(g);
+        for (int64 k = 1; k <= s.pop.nindivinthisgen(g); ++k) {
+            ++row;
+            s.pedi.ped(row).newid = row;
+            s.pedi.ped(row).generation = g;
+            s.pedi.globalgender(row) = k % 2 == 1 ? 1 : 2;
+            ++(k % 2 == 1 ? s.pop.nmalinthisgen : s.pop.nfeminthisgen)(g);
+        }
+    }
+    s.pop.animbreedonoff = true;
+    s.founders.nchrom = 1;
+    s.founders.morgans = 1;
+    s.traits.ntraits = 1;
+    s.qtn.nqtnmodels = 1;
+    s.qtn.qtnmodel = 1;
+    s.selection.useexternsnpsol = "no";
+    s.selection.addqtntosnpchip = 2;
+    s.random.idum = -4711;
+}
+
+// Makes generation gen the test set, with these values to be ranked on.
+inline void settest(state &s, int64 gen, const std::vector<double> &values)
+{
+    selectiondata &sel = s.selection;
+    sel.starttestindiv = firstindivofgen(s, gen);
+    sel.endtestindiv = lastindivofgen(s, gen);
+    sel.ntestindiv = s.pop.nindivinthisgen(gen);
+    sel.gender.allocate(sel.ntestindiv);
+    sel.estimatedbv.allocate(sel.ntestindiv);
+    for (int64 i = 1; i <= sel.ntestindiv; ++i) {
+        sel.gender(i) = s.pedi.globalgender(sel.starttestindiv + i - 1);
+        sel.estimatedbv(i) = values[static_cast<std::size_t>(i - 1)];
+    }
+}
+
+inline std::vector<int64> siresof(const state &s, int64 gen)
+{
+    std::vector<int64> sires;
+    for (int64 i = firstindivofgen(s, gen); i <= lastindivofgen(s, gen); ++i)
+        sires.push_back(s.pedi.ped(i).newsire);
+    return sires;
+}
+inline std::vector<int64> damsof(const state &s, int64 gen)
+{
+    std::vector<int64> dams;
+    for (int64 i = firstindivofgen(s, gen); i <= lastindivofgen(s, gen); ++i)
+        dams.push_back(s.pedi.ped(i).newdam);
+    return dams;
+}
