@@ -1,0 +1,281 @@
+#include "evaluation/predictionruns.h"
+
+#include "selection/cyclefolder.h"
+#include "shell.h"
+#include "stops.h"
+#include "textlayout.h"
+
+#include <cstdio>
+#include <vector>
+
+namespace
+{
+constexpr const char *script = "./TmpQuillomere.sh";
+constexpr const char *logname = "outQuillomere";
+
+// The specification that both programs get under pedigree prediction; the two files differ in a
+// few lines. parameters: DataFormatParameters.txt, otherwise QuillomereSpec.txt.
+void writepedigreespec(const state &s, int64 selectioncycle, int64 selectedtrait, int64 runid,
+                       bool parameters)
+{
+    outfile out(cyclefolder(selectioncycle) +
+                (parameters ? "DataFormatParameters.txt" : "QuillomereSpec.txt"));
+    const auto free = [&](const auto &...values) { out.writeline(freeline(values...)); };
+    free(parameters ? "Run for Solvanto" : "Test");
+    free("Blup");
+    if (runid == 2)
+        free("SelectionPhenRecomb.txt,TmpChip1GenotypeTrain.txt,XmatFormat");
+    else if (parameters)
+        out.writeline("PedigreeBlupTrain" + numbertext(selectedtrait) + ".txt");
+    else
+        free("SelectionPhen.txt");
+    free("Animal                            ,!P,0,F");
+    free("Sire                              ,!P");
+    free("Dam                               ,!P");
+    free(parameters ? "Id                                ,!I"
+                    : "Id                            ,!I");
+    free(parameters ? "Phen                              ,!R" : "Phen                      ,!R");
+    free("MissingValue                      ,-99");
+    free("nIterations                       ,10000");
+    free("nBurnIn                           ,1000");
+    free(parameters ? "OutputIterationNumber             ,10"
+                    : "OutputIterationNumber           ,10");
+    free("nBlupIterations                   ,0");
+    free("FixedEffects                      ,Mean");
+    free("FixedRegression                   ,None");
+    free("Yvariable                         ,Phen");
+    free("SnpSolver                         ,BayesA");
+    free("NumberSnp                         ,0");
+    free("TotalGeneticVariance              ,0.30");
+    free("StartValueSnpVariance             ,1.00");
+    free("StartValuePolygenicVariance       ,", s.selection.selectionvaratr(selectedtrait));
+    free("StartValueResidualVariance        ,", s.values.vare(s.qtn.qtnmodel, selectedtrait));
+    free(parameters ? "StartValueGeneticGroupVariance    ,0.0"
+                    : "StartValueGeneticGroupVariance      ,0.0");
+    free(runid == 2 ? "PolygenicFixed                    ,Yes"
+                    : "PolygenicFixed                    ,No");
+    free("ResidualFixed                     ,No");
+    free("GeneticGroupVarianceFixed         ,No");
+    free("PosteriorMeanOnly         ,No");
+    out.close();
+}
+
+void writegenomicspec(const state &s, int64 selectioncycle, int64 selectedtrait, int64 runid)
+{
+    const selectiondata &sel = s.selection;
+    const std::string chip = "TmpChip" + numbertext(s.chips.tmpchip);
+    const std::string ending = traitsuffix(s, selectedtrait) + ".txt";
+    const bool recomb = s.traits.ntraits == 1 && runid == 2;
+    outfile out(cyclefolder(selectioncycle) + "QuillomereSpec.txt");
+    const auto free = [&](const auto &...values) { out.writeline(freeline(values...)); };
+    free("GenotypeTraining      ," + chip + "GenotypeTrain.txt");
+    free("GenotypeTesting       ," + chip + "GenotypeTest.txt");
+    free(recomb ? "PhenotypeTraining   ,SelectionPhenRecombTrain.txt"
+                : "PhenotypeTraining     ,SelectionPhenTrain" + ending);
+    free(recomb ? "TbvTesting        ,SelectionTbvRecombZTesting.txt"
+                : "TbvTesting            ,SelectionTbvTest" + ending);
+    free("FixedSnpFile          ,FixedSnp.txt");
+    free("nSnp                  ,", s.chips.nsnpforsel);
+    free("nAnisTraining         ,",
+         sel.selphenstrat == 6 ? sel.trainindiv.size() : sel.ntrainindiv);
+    free("nAnisTest             ,", sel.ntestindiv);
+    free("nRound                ,1000");
+    free("nBurn                 ,0");
+    free("VarA                  ,",
+         runid == 2 ? sel.selectionvararecombtr : sel.selectionvaratr(selectedtrait));
+    free("VarE                  ,",
+         runid == 2 ? s.values.varerecomb : s.values.vare(s.qtn.qtnmodel, selectedtrait));
+    free("NumberOfProcessors    ,1");
+    free("ScalingOption         ,", 2);
+    free("MissingGenoCode       ,9");
+    free("MarkerSolver          ,Ridge");
+    out.close();
+}
+
+// Runs the program in the folder of the cycle; then come the lines of the script.
+void runprogram(const state &s, int64 selectioncycle, const std::string &program,
+                const std::vector<std::string> &afterwards)
+{
+    const std::string folder = cyclefolder(selectioncycle);
+    const std::string routine = "Run" + program;
+    outfile seed(folder + "Seed.txt");
+    seed.writeline(freeline(s.random.idum));
+    seed.close();
+    runshell("cp " + program + " " + folder, routine + " A");
+
+    outfile out(script);
+    out.writeline(freeline("cd " + folder));
+    out.writeline(freeline("./" + program + " > " + logname));
+    for (const std::string &line : afterwards) out.writeline(freeline(line));
+    out.writeline(freeline("cd .."));
+    out.close();
+    runshell(std::string("chmod +x ") + script, routine + " B");
+    runshell(script, routine + " C");
+    runshell("rm -f TmpQuillomere.sh", routine + " D");
+}
+
+void checkrunid(int64 runid)
+{
+    if (runid <= 0) printline("Run ID set incorrectly");
+}
+
+// Where to look when a prediction program left nothing, or too little.
+std::string lookinlog(int64 selectioncycle)
+{
+    return "look in " + cyclefolder(selectioncycle) + logname + " for what the program printed";
+}
+
+// An integer and a real at the beginning of a record; false where they can't be read.
+bool readpair(std::string_view record, int64 &number, double &value)
+{
+    constexpr const char *separators = " \t,";
+    std::string_view words[2];
+    std::size_t at = 0;
+    for (std::string_view &word : words) {
+        at = record.find_first_not_of(separators, at);
+        if (at == std::string_view::npos) return false;
+        const std::size_t end = std::min(record.find_first_of(separators, at), record.size());
+        word = record.substr(at, end - at);
+        at = end;
+    }
+    return readinteger(words[0], number) && readreal(words[1], value);
+}
+
+// One estimate for each test individual, as a prediction program left them.
+void readestimates(const state &s, int64 selectioncycle, const std::string &name, double *estimates)
+{
+    const std::string path = cyclefolder(selectioncycle) + name;
+    if (!pathexists(path))
+        ioerror(path, "was not made by the prediction program; " + lookinlog(selectioncycle));
+    infile in(path);
+    for (int64 i = 0; i < s.selection.ntestindiv; ++i) {
+        if (!in.nextrecord())
+            ioerror(path, "holds " + numbertext(i) + " estimates for " +
+                              numbertext(s.selection.ntestindiv) + " candidates; " +
+                              lookinlog(selectioncycle));
+        in.skipwords(1);
+        estimates[i] = in.real();
+    }
+}
+
+// Estimates from scaled genotypes and solutions; written to a file of the cycle.
+void multiplysolutions(const state &s, int64 selectioncycle, const std::string &solutions,
+                       const std::string &genotypes, const std::string &target, double *estimates)
+{
+    const std::string folder = cyclefolder(selectioncycle);
+    const int64 nloci = s.chips.nsnpforsel;
+    array1<double> snpsol(nloci), tmpgenosvec(nloci);
+    infile solutionfile(folder + solutions);
+    for (int64 m = 1; m <= nloci; ++m) {
+        solutionfile.record();
+        solutionfile.skipwords(1);
+        snpsol(m) = solutionfile.real();
+    }
+    infile genotypefile(folder + genotypes);
+    outfile out(folder + target);
+    textline line;
+    for (int64 i = 0; i < s.selection.ntestindiv; ++i) {
+        genotypefile.record();
+        const int64 id = genotypefile.integer();
+        genotypefile.reals(tmpgenosvec.data(), nloci);
+        double sum = 0;
+        for (int64 m = 1; m <= nloci; ++m) sum += tmpgenosvec(m) * snpsol(m);
+        estimates[i] = sum;
+        puti(line, id, 20);
+        putf(line, sum, 20, 10);
+        out.writeline(line);
+    }
+    out.close();
+}
+} // namespace
+
+void writequillomerepspec(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid)
+{
+    writepedigreespec(s, selectioncycle, selectedtrait, runid, true);
+}
+
+void writequillomerespec(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid)
+{
+    if (s.selection.selmethindicator == 1)
+        writepedigreespec(s, selectioncycle, selectedtrait, runid, false);
+    else
+        writegenomicspec(s, selectioncycle, selectedtrait, runid);
+}
+
+void runquillomerep(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid)
+{
+    checkrunid(runid);
+    runprogram(s, selectioncycle, "QuillomereP",
+               {"mv ResultAverageEstimatedPolygenicBreedingValues.txt EbvTrait" +
+                numbertext(selectedtrait) + ".txt"});
+}
+
+void runquillomere(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid)
+{
+    checkrunid(runid);
+    std::vector<std::string> lines = {"cp AlleleFreq.txt AlleleFreqTrain.txt", "rm AlleleFreq.txt"};
+    if (runid == 2)
+        for (const char *line :
+             {"cp SnpSolutions.txt SnpSolutionsRecomb.txt", "cp Ebv.txt ./EbvRecomb.txt",
+              "cp TbvEbvCorrelation.txt TbvEbvCorrelRecomb.txt"})
+            lines.push_back(line);
+    if (s.traits.ntraits > 1) {
+        const std::string trait = traitsuffix(s, selectedtrait) + ".txt";
+        lines.push_back("cp Ebv.txt Ebv" + trait);
+        lines.push_back("cp SnpSolutions.txt SnpSolutions" + trait);
+        lines.push_back("cp TbvEbvCorrelation.txt TbvEbvCorrelation" + trait);
+        lines.push_back("rm -f Ebv.txt SnpSolutions.txt TbvEbvCorrelation.txt");
+    }
+    runprogram(s, selectioncycle, "Quillomere", lines);
+}
+
+void readquillomerepebvs(state &s, int64 selectioncycle, int64 selectedtrait)
+{
+    selectiondata &sel = s.selection;
+    const std::string folder = cyclefolder(selectioncycle), trait = numbertext(selectedtrait);
+    const std::string path = folder + "EbvTrait" + trait + ".txt";
+    if (!pathexists(path)) outfile(path).close();
+    infile in(path);
+    outfile out(folder + "EBVsReadIn" + trait + ".txt");
+    const int64 pedfirstindiv = firstindivofgen(s, firstpedigreegen(s));
+    const int64 firsttestindiv = firstindivofgen(s, s.pop.ngen + selectioncycle - 1);
+    int64 i = 0, tmpindiv = 0;
+    double tmppebv = 0;
+    textline line;
+    while (i < sel.ntestindiv && in.nextrecord() && readpair(in.line(), tmpindiv, tmppebv)) {
+        const int64 row = pedfirstindiv + tmpindiv - 1;
+        if (row < firsttestindiv) continue;
+        ++i;
+        sel.estimatedbvtrait(i, selectedtrait) = tmppebv;
+        puti(line, i, 10);
+        puti(line, row, 10);
+        putf(line, tmppebv, 20, 8);
+        out.writeline(line);
+    }
+    out.close();
+    if (i < sel.ntestindiv)
+        std::fprintf(stderr,
+                     "warning: %s holds estimates of %lld of %lld candidates, the others count as "
+                     "0; %s\n",
+                     path.c_str(), static_cast<long long>(i),
+                     static_cast<long long>(sel.ntestindiv), lookinlog(selectioncycle).c_str());
+}
+
+void computereadebv(state &s, int64 selectioncycle, int64 selectedtrait)
+{
+    selectiondata &sel = s.selection;
+    const std::string ending = traitsuffix(s, selectedtrait) + ".txt";
+    double *const estimates = sel.estimatedbvtrait.column(selectedtrait);
+    if (aresolutionsinforce(s, selectioncycle)) {
+        const std::string scaled = "TmpChip" + numbertext(s.chips.tmpchip) + "GenotypeTestScaled";
+        multiplysolutions(s, selectioncycle, "SnpSolutions" + ending, scaled + ".txt", "Ebv.txt",
+                          estimates);
+        if (sel.recombselonoff)
+            multiplysolutions(s, selectioncycle, "SnpSolutionsRecomb.txt", scaled + "Recomb.txt",
+                              "EbvRecomb.txt", sel.estimatedbvrecomb.data());
+        return;
+    }
+    readestimates(s, selectioncycle, "Ebv" + ending, estimates);
+    if (sel.recombselonoff)
+        readestimates(s, selectioncycle, "EbvRecomb.txt", sel.estimatedbvrecomb.data());
+}

@@ -1,0 +1,177 @@
+#include "evaluation/selectionchip.h"
+
+#include "selection/cyclefolder.h"
+#include "textlayout.h"
+
+#include <algorithm>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace
+{
+bool isaction(std::string_view action, std::string_view word)
+{
+    return tlc(action) == word;
+}
+
+// The next n alleles of both phases of an individual, from place at (from 0) on.
+void readphases(infile &in, array2<int8> &phases, int64 at, int64 n)
+{
+    for (int64 m = 1; m <= 2; ++m) {
+        in.record();
+        in.skipwords(1);
+        in.alleles(phases.column(m) + at, n);
+    }
+}
+
+void readindividual(state &s, selectionchipfiles &files)
+{
+    int64 at = 0;
+    for (std::size_t h = 0; h < files.chip.size(); ++h) {
+        const int64 n = s.chips.nsnponthischipchrom(s.chips.tmpchip, static_cast<int64>(h) + 1);
+        readphases(files.chip[h], s.selection.allphase, at, n);
+        at += n;
+    }
+    at = 0;
+    for (std::size_t h = 0; h < files.qtn.size(); ++h) {
+        const int64 n = s.qtn.nqtnonthischrom(static_cast<int64>(h) + 1);
+        readphases(files.qtn[h], s.selection.allphaseqtn, at, n);
+        at += n;
+    }
+}
+
+// Room in a file for a record of the cycle: its identifier is written, the alleles follow.
+char *beginrecord(outfile &out, int64 individ, int64 nloci)
+{
+    textline id;
+    puti(id, individ, 20);
+    char *const p = out.reserve(static_cast<std::size_t>(2 * nloci) + 21);
+    return std::copy(id.begin(), id.end(), p);
+}
+
+void endrecord(outfile &out, char *behind, int64 nloci)
+{
+    *behind = '\n';
+    out.commit(static_cast<std::size_t>(2 * nloci) + 21);
+}
+
+int64 nloci(const state &s)
+{
+    return s.chips.nsnp + (areqtnadded(s) ? s.qtn.ntotqtn : 0);
+}
+
+void addalleles(const int8 *a, const int8 *b, int8 *sums, int64 n)
+{
+    int64 j = 0;
+#ifdef __SSE2__
+    for (; j + 16 <= n; j += 16)
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(sums + j),
+                         _mm_add_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i *>(a + j)),
+                                      _mm_loadu_si128(reinterpret_cast<const __m128i *>(b + j))));
+#endif
+    for (; j < n; ++j) sums[j] = static_cast<int8>(a[j] + b[j]);
+}
+
+// Genotypes of n loci, put together in pieces that stay in the cache.
+char *putgenotypes(char *to, const array2<int8> &phases, int64 n)
+{
+    int8 genotypes[1024];
+    const int8 *a = phases.column(1), *b = phases.column(2);
+    for (int64 at = 0; at < n; at += 1024) {
+        const int64 piece = std::min<int64>(1024, n - at);
+        addalleles(a + at, b + at, genotypes, piece);
+        to = putalleles(to, genotypes, piece);
+    }
+    return to;
+}
+
+void writegenotyperecord(const state &s, outfile &out, int64 individ)
+{
+    char *p = beginrecord(out, individ, nloci(s));
+    p = putgenotypes(p, s.selection.allphase, s.chips.nsnp);
+    if (areqtnadded(s)) p = putgenotypes(p, s.selection.allphaseqtn, s.qtn.ntotqtn);
+    endrecord(out, p, nloci(s));
+}
+
+void writephaserecord(const state &s, outfile &out, int64 individ, int64 m)
+{
+    char *p = beginrecord(out, individ, nloci(s));
+    p = putalleles(p, s.selection.allphase.column(m), s.chips.nsnp);
+    if (areqtnadded(s)) p = putalleles(p, s.selection.allphaseqtn.column(m), s.qtn.ntotqtn);
+    endrecord(out, p, nloci(s));
+}
+
+void countalleles(const array2<int8> &phases, int64 *counts, int64 n)
+{
+    const int8 *a = phases.column(1), *b = phases.column(2);
+    for (int64 j = 0; j < n; ++j) counts[j] += a[j] + b[j];
+}
+} // namespace
+
+void selectmpchipsfiles(state &s, selectionchipfiles &files, int64 selectioncycle,
+                        std::string_view action)
+{
+    const std::string chip = cyclefolder(selectioncycle) + "TmpChip" + numbertext(s.chips.tmpchip);
+    const auto handle = [&](outfile &file, const char *name) {
+        if (isaction(action, "open_")) file.open(chip + name);
+        if (isaction(action, "flush")) file.flush();
+        if (isaction(action, "close")) file.close();
+    };
+    if (s.selection.selontbvyes1no0 == 0) {
+        handle(files.genotypetrain, "GenotypeTrain.txt");
+        handle(files.phasetrain, "PhaseTrain.txt");
+    }
+    handle(files.genotypetest, "GenotypeTest.txt");
+}
+
+void chromsnpchipsandqtnfiles(state &s, selectionchipfiles &files, std::string_view action,
+                              int64 tmpgenid)
+{
+    files.chip.clear();
+    files.qtn.clear();
+    if (!isaction(action, "open_")) return;
+    const bool unrestricted = s.qtn.qtnmodel == 1 || s.qtn.qtnmodel == 3;
+    const std::string ending = "PhaseGeneration" + numbertext(tmpgenid) + ".txt";
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+        files.chip.emplace_back(chromfolder(h) + "Chip" + numbertext(s.chips.tmpchip) + ending);
+        if (areqtnadded(s))
+            files.qtn.emplace_back(chromfolder(h) +
+                                   (unrestricted ? "UnrestrictedQtn" : "RestrictedQtn") + ending);
+    }
+}
+
+void determineselectmpchips(state &s, selectionchipfiles &files, [[maybe_unused]] int64 tmpgenid,
+                            std::string_view dataset, int64 startindiv, int64 endindiv)
+{
+    const bool training = isaction(dataset, "train");
+    for (int64 i = startindiv; i <= endindiv; ++i) {
+        readindividual(s, files);
+        if (training)
+            writeselectmpchips(s, files, i, i - s.selection.starttrainindiv + 1);
+        else
+            writeselectmpvalidchip(s, files, i);
+    }
+    for (infile &in : files.chip) in.rewind();
+    for (infile &in : files.qtn) in.rewind();
+}
+
+void writeselectmpchips(state &s, selectionchipfiles &files, int64 individ, int64 indivpos)
+{
+    selectiondata &sel = s.selection;
+    const bool genomic = sel.selmethindicator == 2;
+    if (genomic && sel.phenvaltrain(indivpos) == -99) return;
+    writegenotyperecord(s, files.genotypetrain, individ);
+    writephaserecord(s, files.phasetrain, individ, 1);
+    writephaserecord(s, files.phasetrain, individ, 2);
+    if (!genomic) return;
+    countalleles(sel.allphase, sel.fixedsnp.data(), s.chips.nsnp);
+    if (areqtnadded(s))
+        countalleles(sel.allphaseqtn, sel.fixedsnp.data() + s.chips.nsnp, s.qtn.ntotqtn);
+}
+
+void writeselectmpvalidchip(state &s, selectionchipfiles &files, int64 individ)
+{
+    if (individ < s.selection.starttestindiv || individ > s.selection.endtestindiv) return;
+    writegenotyperecord(s, files.genotypetest, individ);
+}

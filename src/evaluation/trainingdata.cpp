@@ -1,0 +1,181 @@
+#include "evaluation/trainingdata.h"
+
+#include "selection/cyclefolder.h"
+#include "shell.h"
+#include "textlayout.h"
+
+#include <cmath>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace
+{
+constexpr int64 fieldwidth = 40, fielddecimals = 30;
+constexpr int64 ncodes = 4; // genotypes 0, 1, 2 and missing
+
+void copyfile(const std::string &file, const std::string &folder, const char *routine)
+{
+    runshell("cp " + file + " " + folder, routine);
+}
+
+// The scaled value of every genotype code at a locus of frequency p, laid out one after another.
+void appendscaledfields(textline &fields, float p)
+{
+    const float scale = std::sqrt(2.0f * p * (1.0f - p) + 0.00001f);
+    for (int64 code = 0; code < ncodes; ++code) {
+        float genotype = code == ncodes - 1 ? 2.0f * p : static_cast<float>(code);
+        genotype = genotype - 2.0f * p;
+        genotype = genotype / scale;
+        putf(fields, static_cast<double>(genotype), fieldwidth, fielddecimals);
+    }
+}
+
+void appendzerofields(textline &fields)
+{
+    for (int64 code = 0; code < ncodes; ++code) putf(fields, 0, fieldwidth, fielddecimals);
+}
+
+void readfixedsnp(state &s, const std::string &folder)
+{
+    infile in(folder + "FixedSnp.txt");
+    for (int64 j = 1; j <= s.chips.nsnpforsel; ++j) {
+        in.record();
+        s.selection.fixedsnp(j) = in.integer();
+    }
+}
+
+// The fields of all loci, ncodes for each.
+textline layoutscaledfields(const state &s, const std::string &folder)
+{
+    textline fields;
+    fields.reserve(static_cast<std::size_t>(s.chips.nsnpforsel * ncodes * fieldwidth));
+    infile frequencies(folder + "AlleleFreqTrain.txt");
+    for (int64 j = 1; j <= s.chips.nsnpforsel; ++j) {
+        if (s.selection.fixedsnp(j) != 1) {
+            appendzerofields(fields);
+            continue;
+        }
+        frequencies.record();
+        frequencies.skipwords(1);
+        appendscaledfields(fields, static_cast<float>(frequencies.real()));
+    }
+    return fields;
+}
+} // namespace
+
+void writefixedsnp(state &s, int64 selectioncycle)
+{
+    const selectiondata &sel = s.selection;
+    int64 nloci = areqtnadded(s) ? s.qtn.ntotqtn : 0;
+    for (int64 h = 1; h <= s.founders.nchrom; ++h)
+        nloci += s.chips.nsnponthischipchrom(s.chips.tmpchip, h);
+    const int64 ntraining = sel.selphenstrat == 6 ? sel.trainindiv.size() : sel.ntrainindiv;
+    outfile out(cyclefolder(selectioncycle) + "FixedSnp.txt");
+    for (int64 j = 1; j <= nloci; ++j) {
+        const bool fixed = sel.fixedsnp(j) == 0 || sel.fixedsnp(j) == 2 * ntraining;
+        out.writeline(freeline(fixed ? 0 : 1));
+    }
+    out.close();
+}
+
+void readvare(state &s)
+{
+    infile in("./SimulatedData/TraitVarianceComponents.txt");
+    for (int64 j = 1; j <= s.traits.ntraits; ++j) {
+        in.skiprecords(5);
+        in.skipwords(1);
+        for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) s.values.vare(p, j) = in.real();
+        in.skiprecords(2);
+    }
+    if (!s.selection.recombselonoff) return;
+    infile recomb("./SimulatedData/RecombinationVarianceComponents.txt");
+    recomb.skiprecords(2);
+    const std::string_view line = recomb.line();
+    if (line.size() <= 30 || !readreal(trim(line.substr(30, 20)), s.values.varerecomb))
+        recomb.complain("the residual variance is wanted in columns 31 to 50");
+}
+
+void copytrainingdata(state &s, int64 selectioncycle, int64 selectedtrait)
+{
+    const std::string ending = traitsuffix(s, selectedtrait) + ".txt";
+    const auto copy = [&](const std::string &name) {
+        copyfile(cyclefolder(s.selection.fixedtrainselcycle) + name, cyclefolder(selectioncycle),
+                 "CopyTrainingData");
+    };
+    copy("SnpSolutions" + ending);
+    copy("AlleleFreqTrain.txt");
+    copy("FixedSnp.txt");
+    copy("SelectionPhenTrain" + ending);
+    if (!s.selection.recombselonoff) return;
+    copy("SnpSolutionsRecomb.txt");
+    copy("SelectionPhenRecombTrain.txt");
+}
+
+void importtrainingdata(state &s, int64 selectioncycle)
+{
+    const auto copy = [&](const char *name) {
+        copyfile(std::string("./") + name, cyclefolder(selectioncycle), "ImportTrainingData");
+    };
+    copy("SnpSolutions.txt");
+    copy("AlleleFreqTrain.txt");
+    copy("FixedSnp.txt");
+    copy("SelectionPhenTrain.txt");
+    if (!s.selection.recombselonoff) return;
+    copy("SnpSolutionsRecomb.txt");
+    copy("SelectionPhenRecombTrain.txt");
+}
+
+void scalegenottestingdata(state &s, int64 selectioncycle, [[maybe_unused]] int64 selectedtrait,
+                           int64 runid)
+{
+    const std::string folder = cyclefolder(selectioncycle);
+    const std::string genotypefile = folder + "TmpChip" + numbertext(s.chips.tmpchip);
+    const int64 nloci = s.chips.nsnpforsel;
+    readfixedsnp(s, folder);
+    const textline fields = layoutscaledfields(s, folder);
+
+    infile in(genotypefile + "GenotypeTest.txt");
+    outfile out(genotypefile +
+                (runid == 2 ? "GenotypeTestScaledRecomb.txt" : "GenotypeTestScaled.txt"));
+    std::vector<int8> genotypes(static_cast<std::size_t>(nloci));
+    textline id;
+    for (int64 i = 1; i <= s.selection.ntestindiv; ++i) {
+        in.record();
+        puti(id, in.integer(), 20);
+        in.alleles(genotypes.data(), nloci);
+        out.write(id);
+        id.clear();
+        const char *from = fields.data();
+        for (const int8 genotype : genotypes) {
+            const int64 code = genotype < 0 || genotype > 2 ? ncodes - 1 : genotype;
+            std::memcpy(out.reserve(fieldwidth), from + code * fieldwidth, fieldwidth);
+            out.commit(fieldwidth);
+            from += ncodes * fieldwidth;
+        }
+        out.write("\n");
+    }
+    out.close();
+}
+
+void writetestingqtngenotypes(state &s, int64 selectioncycle, int64 testgen,
+                              int64 tmpstarttestindiv)
+{
+    const bool unrestricted = s.qtn.qtnmodel == 1 || s.qtn.qtnmodel == 3;
+    const bool lastgeneration = testgen == s.pop.ngen + selectioncycle;
+    infile in(unrestricted ? "./SimulatedData/UnrestrictedQtnIndivGenotypes.txt"
+                           : "./SimulatedData/RestrictedQtnIndivGenotypes.txt");
+    outfile out(cyclefolder(selectioncycle) +
+                (lastgeneration ? "TmpQtnGenotypeLastGeneration.txt" : "TmpQtnGenotypeTest.txt"));
+    std::vector<int8> genotypes(static_cast<std::size_t>(s.qtn.ntotqtn));
+    textline line;
+    in.skiprecords(tmpstarttestindiv - 1);
+    for (int64 i = 1; i <= s.pop.nindivinthisgen(testgen); ++i) {
+        in.record();
+        puti(line, in.integer(), 20);
+        in.alleles(genotypes.data(), s.qtn.ntotqtn);
+        putalleles(line, genotypes.data(), s.qtn.ntotqtn);
+        out.writeline(line);
+    }
+    out.close();
+}

@@ -1,0 +1,35 @@
+// trainingdata.h - what a prediction needs beyond genotypes and phenotypes.
+//
+// F is the folder of the cycle, k the selection chip, t the trait. Loci as in selectionchip.h.
+#pragma once
+
+#include "state.h"
+
+// FixedSnp.txt in F: a free-form line for each locus, 1 where it segregates among the training
+// individuals, 0 where its count in fixedsnp is 0 or twice their number.
+void writefixedsnp(state &s, int64 selectioncycle);
+
+// Residual variances vare from TraitVarianceComponents.txt, and varerecomb from
+// RecombinationVarianceComponents.txt with recombination selection on.
+void readvare(state &s);
+
+// Copies the solutions, allele frequencies, fixed loci and training phenotypes of an earlier
+// training to F: copytrainingdata from the folder of cycle fixedtrainselcycle, importtrainingdata
+// from the working directory. A copy that fails prints its failure line; the run goes on.
+void copytrainingdata(state &s, int64 selectioncycle, int64 selectedtrait);
+void importtrainingdata(state &s, int64 selectioncycle);
+
+// Brings the test genotypes to the scale on which the solutions were estimated: centred by 2p and
+// divided by sqrt(2p(1-p) + 0.00001), in single precision; p from AlleleFreqTrain.txt, which has
+// one record for each locus with 1 in FixedSnp.txt; the other loci are 0. A genotype outside 0 to 2
+// is missing and taken as 2p. Writes TmpChip<k>GenotypeTestScaled.txt (runid 1) or
+// TmpChip<k>GenotypeTestScaledRecomb.txt (2) in F: I20, then F40.30 for each locus. Leaves the
+// values of FixedSnp.txt in fixedsnp. Stops: an I/O error for a missing or short file. Cost: a
+// locus has four values at most, laid out once; a genotype is one copy of 40 bytes.
+void scalegenottestingdata(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid);
+
+// Genotypes at the QTN of the selection model for the individuals of generation testgen, whose
+// first row is tmpstarttestindiv: TmpQtnGenotypeTest.txt in F, or TmpQtnGenotypeLastGeneration.txt
+// if the generation is the one that the cycle makes (I20, then I2 for each QTN).
+void writetestingqtngenotypes(state &s, int64 selectioncycle, int64 testgen,
+                              int64 tmpstarttestindiv);
