@@ -1,0 +1,165 @@
+// Genotype files of a generation, from the packed genomes.
+#include "files.h"
+#include "haplotypes/blocks.h"
+#include "markers/extraction.h"
+#include "markers/sitepicker.h"
+#include "testsupport.h"
+
+#include <filesystem>
+
+namespace
+{
+class genotypefiles : public infolder
+{
+  protected:
+    void SetUp() override
+    {
+        infolder::SetUp();
+        std::filesystem::create_directories(chromosome);
+        s.random.idum = -77;
+    }
+    // nindiv individuals of random alleles; the last one is a doubled haploid.
+    void makegenomes(int64 nindiv, int64 nblock)
+    {
+        s.haplo.tmpgenome.allocate(nindiv, nblock);
+        for (int64 k = 1; k <= nindiv; ++k)
+            for (int64 b = 1; b <= nblock; ++b)
+                for (int64 m = 1; m <= 2; ++m) {
+                    int64 block = 0;
+                    for (int p = 0; p < 60; ++p) block = 2 * block + (ran1(s.random) < 0.5);
+                    s.haplo.tmpgenome(k, b, m) = block;
+                }
+        for (int64 b = 1; b <= nblock; ++b)
+            s.haplo.tmpgenome(nindiv, b, 2) = s.haplo.tmpgenome(nindiv, b, 1);
+    }
+    // An information file with the sites.
+    void writeinformation(const std::string &file, const sitelist &sites)
+    {
+        std::string text;
+        for (std::size_t i = 0; i < sites.size(); ++i)
+            text += std::to_string(i + 1) + " " + std::to_string(sites[i]) + " 0.25 0.5 1 3\n";
+        writefile(chromosome + file, text);
+    }
+    int allele(int64 k, int64 site, int64 gamete)
+    {
+        const int64 b = (site - 1) / 60 + 1, p = site - 60 * (b - 1);
+        return static_cast<int>((s.haplo.tmpgenome(k, b, gamete) >> (60 - p)) & 1);
+    }
+    // The files as plain loops give them, for individuals from 41 on.
+    void expectfiles(const std::string &name, int64 gen, const sitelist &sites)
+    {
+        std::string phases, genotypes;
+        for (int64 k = 1; k <= s.haplo.tmpgenome.nindiv(); ++k) {
+            std::string id = std::to_string(40 + k);
+            id.insert(0, 20 - id.size(), ' ');
+            for (int64 m = 1; m <= 2; ++m) {
+                phases += id;
+                for (const int64 site : sites) phases += " " + std::to_string(allele(k, site, m));
+                phases += '\n';
+            }
+            genotypes += id;
+            for (const int64 site : sites)
+                genotypes += " " + std::to_string(allele(k, site, 1) + allele(k, site, 2));
+            genotypes += '\n';
+        }
+        const std::string generation = "Generation" + std::to_string(gen) + ".txt";
+        EXPECT_TRUE(readfile(chromosome + name + "Phase" + generation) == phases) << name;
+        EXPECT_TRUE(readfile(chromosome + name + "Genotype" + generation) == genotypes) << name;
+    }
+    const std::string chromosome = "Chromosomes/Chromosome3/";
+    state s;
+};
+} // namespace
+
+TEST_F(genotypefiles, everySetAndEveryDensity)
+{
+    makegenomes(5, 7);
+    // Ends of blocks; every 2nd to 17th site; nearly all; all; none.
+    std::vector<sitelist> lists = {{1, 60, 61, 120, 121, 419, 420}, {}, {}, {}, {}, {}};
+    for (int64 site = 1; site <= 420; ++site) {
+        if (site % 2 == 0) lists[1].push_back(site);
+        if (site % 17 == 3) lists[2].push_back(site);
+        if (site % 11 != 0) lists[3].push_back(site);
+        lists[4].push_back(site);
+    }
+    for (const sitelist &sites : lists) {
+        const int64 n = static_cast<int64>(sites.size());
+        for (const char *file : {"Chip2SnpInformation.txt", "UnRestrictedQtnInformation.txt",
+                                 "RestrictedQtnInformation.txt", "RecombinationQtnInformation.txt"})
+            writeinformation(file, sites);
+        fillarray(s, 3, 2, 4, 41, 45, 7, 60, n);
+        fillqtnunrestricted(s, 3, 4, 41, 45, 7, 60, n);
+        fillqtnrestricted(s, 3, 11, 41, 45, 7, 60, n);
+        fillqtnrecombination(s, 3, 4, 41, 45, 7, 60, n);
+        expectfiles("Chip2", 4, sites);
+        expectfiles("UnrestrictedQtn", 4, sites);
+        expectfiles("RestrictedQtn", 11, sites);
+        expectfiles("RecombinationQtn", 4, sites);
+        const auto lines = readlines(chromosome + "RestrictedQtnAlleleFreqGeneration11.txt");
+        ASSERT_EQ(lines.size(), sites.size());
+        for (std::size_t q = 0; q < sites.size(); ++q) {
+            int ncopies = 0;
+            for (int64 k = 1; k <= 5; ++k)
+                ncopies += allele(k, sites[q], 1) + allele(k, sites[q], 2);
+            char line[80];
+            std::snprintf(line, sizeof line, "%20zu%20lld%20.10f", q + 1,
+                          static_cast<long long>(sites[q]), ncopies / 10.0);
+            EXPECT_EQ(lines[q], line);
+        }
+    }
+    for (const std::string &line : readlines(chromosome + "Chip2GenotypeGeneration4.txt"))
+        EXPECT_EQ(line.size(), 20u);
+}
+
+TEST_F(genotypefiles, thinAndLongChromosome)
+{
+    makegenomes(3, 100);
+    sitelist sites; // about one in four, at random
+    for (int64 site = 1; site <= 6000; ++site)
+        if (ran1(s.random) < 0.25) sites.push_back(site);
+    writeinformation("Chip1SnpInformation.txt", sites);
+    fillarray(s, 3, 1, 1, 41, 43, 100, 60, static_cast<int64>(sites.size()));
+    expectfiles("Chip1", 1, sites);
+}
+
+TEST_F(genotypefiles, sequenceRecords)
+{
+    makegenomes(3, 35); // more blocks than are expanded at once
+    writeoutindivphase(s, 3, 2, 41, 43, 35, 60);
+    framereader phases(chromosome + "SequencePhaseGeneration2.bin");
+    framereader genotypes(chromosome + "SequenceGenotypeGeneration2.bin");
+    std::vector<int64> one(2101), two(2101), both(2101);
+    for (int64 k = 1; k <= 3; ++k) {
+        phases.record(one.data(), 8 * 2101);
+        phases.record(two.data(), 8 * 2101);
+        genotypes.record(both.data(), 8 * 2101);
+        EXPECT_EQ(one[0], 40 + k);
+        EXPECT_EQ(two[0], 40 + k);
+        EXPECT_EQ(both[0], 40 + k);
+        for (int64 site = 1; site <= 2100; ++site) {
+            const auto i = static_cast<std::size_t>(site);
+            ASSERT_EQ(one[i], allele(k, site, 1));
+            ASSERT_EQ(two[i], allele(k, site, 2));
+            ASSERT_EQ(both[i], one[i] + two[i]);
+        }
+    }
+    EXPECT_EQ(std::filesystem::file_size(chromosome + "SequencePhaseGeneration2.bin"),
+              6u * (2101 * 8 + 8));
+}
+
+TEST_F(genotypefiles, brokenInformation)
+{
+    makegenomes(2, 1);
+    const std::string file = chromosome + "RestrictedQtnInformation.txt";
+    for (const auto &[text, reason] : std::vector<std::pair<std::string, std::string>>{
+             {"1 5 0.1 0.1\n", "ends after line 1"},
+             {"1 5 0.1 0.1\n2 5 0.1 0.1\n", "line 2: the sites must ascend"},
+             {"1 0 0.1 0.1\n2 5 0.1 0.1\n", "line 1: the sites must ascend"},
+             {"1 5 0.1 0.1\n2 61 0.1 0.1\n", "line 2: site 61 is beyond the 60 sites"},
+             {"1 five 0.1 0.1\n", "line 1: an integer is wanted"}}) {
+        writefile(file, text);
+        const outcome bad = runbody([&] { fillqtnrestricted(s, 3, 1, 41, 42, 1, 60, 2); });
+        EXPECT_EQ(bad.code(), -2);
+        EXPECT_NE(bad.stop.reason.find(file + ": " + reason), std::string::npos) << bad.stop.reason;
+    }
+}
