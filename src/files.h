@@ -175,6 +175,7 @@ class framereader
     void open(const std::string &filename);
     void close();
     bool isopen() const { return descriptor >= 0; }
+    const std::string &path() const { return name; }
     // Begins a record of n bytes, then gives them piece by piece, and ends it.
     void begin(int64 nbytes);
     void get(void *bytes, int64 n);

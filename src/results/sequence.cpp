@@ -1,0 +1,124 @@
+#include "results/sequence.h"
+
+#include "results/gathering.h"
+#include "shell.h"
+#include "stops.h"
+#include "words.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace
+{
+const std::string sequencefile = "./SimulatedData/FullSequence";
+constexpr int64 titlelength = 50 + 1;
+
+int64 countsites(const state &s)
+{
+    int64 totalsites = 0;
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) totalsites += s.sites.nsegreginclglobal(h);
+    return totalsites;
+}
+
+bool lastgenisreached(const state &s, int64 lasttmpgen)
+{
+    return lasttmpgen == s.pop.ngensel + s.pop.ngen;
+}
+
+std::string phasefile(int64 chrom, int64 gen)
+{
+    return chromfolder(chrom) + "SequencePhaseGeneration" + numbertext(gen) + ".bin";
+}
+
+// One record: an identifier, which is dropped, and n alleles.
+void readsequencerecord(framereader &in, char *to, int64 n)
+{
+    constexpr int64 chunk = 2048; // alleles at once, small enough for the cache
+    int64 alleles[chunk];
+    int64 id;
+    in.begin(8 * (n + 1));
+    in.get(&id, 8);
+    for (int64 i = 0; i < n; i += chunk) {
+        const int64 m = std::min(chunk, n - i);
+        in.get(alleles, 8 * m);
+        if (!putintegeralleles(to + 2 * i, alleles, m))
+            ioerror(in.path(), "holds an allele other than 0 or 1");
+    }
+    in.finish();
+}
+
+void gathergeneration(const state &s, int64 gen, individualrows &rows)
+{
+    std::vector<framereader> chromfiles;
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) chromfiles.emplace_back(phasefile(h, gen));
+    for (int64 i = firstindivofgen(s, gen); i <= lastindivofgen(s, gen); ++i) {
+        rows.begin(i);
+        for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+            framereader &in = chromfiles[static_cast<std::size_t>(h - 1)];
+            const int64 n = s.sites.nsegreginclglobal(h);
+            readsequencerecord(in, rows.text(1), n);
+            readsequencerecord(in, rows.text(2), n);
+            rows.advance(n);
+        }
+        rows.write();
+    }
+}
+
+// The map file is left empty before the last generation of the simulation.
+void writemap(const state &s, int64 lasttmpgen)
+{
+    outfile out(sequencefile + "PhysicalMapIncluded.txt");
+    if (lastgenisreached(s, lasttmpgen)) {
+        for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+            infile in(chromfolder(h) + "PhysicalMapIncluded.txt");
+            for (int64 site = 1; site <= s.sites.nsegreginclglobal(h); ++site) {
+                in.record();
+                const int64 sequenceid = in.integer();
+                in.integer();
+                out.writeline(freeline(h, sequenceid, in.real()));
+            }
+        }
+    }
+    out.close();
+}
+} // namespace
+
+void writeoutsequence(state &s, int64 firsttmpgen, int64 lasttmpgen)
+{
+    allocatearraysforwriteoutsnpseq(s);
+    const int64 totalsites = countsites(s);
+    outfile phases, genotypes;
+    openresultfile(phases, s, sequencefile + "Phase.txt", firsttmpgen, 2, totalsites, titlelength);
+    openresultfile(genotypes, s, sequencefile + "Genotype.txt", firsttmpgen, 1, totalsites,
+                   titlelength);
+    if (firsttmpgen == 1) {
+        textline title;
+        puti(title, totalsites, 50);
+        phases.writeline(textline(title));
+        genotypes.writeline(title);
+    }
+    individualrows rows(phases, genotypes, totalsites);
+    for (int64 j = firsttmpgen; j <= lasttmpgen; ++j) gathergeneration(s, j, rows);
+    writemap(s, lasttmpgen);
+    phases.close();
+    genotypes.close();
+    deallocatearraysforwriteoutsnpseq(s);
+}
+
+void zipsequenceoutputfiles(state &s, int64 firsttmpgen, int64 lasttmpgen)
+{
+    const auto zip = [](const std::string &path) {
+        runshell("gzip -f " + path, "ZipSequenceOutputFiles");
+    };
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+        for (int64 j = firsttmpgen; j <= lasttmpgen; ++j) {
+            zip(chromfolder(h) + "SequenceGenotypeGeneration" + numbertext(j) + ".bin");
+            zip(phasefile(h, j));
+        }
+    }
+    if (!lastgenisreached(s, lasttmpgen)) return;
+    zip(sequencefile + "Phase.txt");
+    zip(sequencefile + "Genotype.txt");
+    zip(sequencefile + "PhysicalMapIncluded.txt");
+    zip("./SimulatedData/AllIndividualsSnpChips/*");
+}

@@ -1,0 +1,106 @@
+#include "results/snpchips.h"
+
+#include "results/gathering.h"
+#include "shell.h"
+#include "words.h"
+
+#include <vector>
+
+namespace
+{
+const std::string folder = "./SimulatedData/AllIndividualsSnpChips";
+
+int64 countsnp(const state &s, int64 chip)
+{
+    int64 nsnp = 0;
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) nsnp += s.chips.nsnponthischipchrom(chip, h);
+    return nsnp;
+}
+
+// A row in other columns than usual: read free-form.
+void parsealleles(infile &in, char *to, int64 n)
+{
+    std::vector<int8> alleles(static_cast<std::size_t>(n));
+    in.integer();
+    in.alleles(alleles.data(), n);
+    for (const int8 allele : alleles)
+        if (allele != 0 && allele != 1) in.complain("an allele must be 0 or 1");
+    putalleles(to, alleles.data(), n);
+}
+
+// The next row of a phase file: an identifier, which is dropped, and n alleles.
+void copyphaserow(infile &in, char *to, int64 n)
+{
+    in.record();
+    constexpr std::size_t idwidth = 20;
+    const std::string_view row = in.line();
+    if (row.size() != idwidth + 2 * static_cast<std::size_t>(n) ||
+        !copyalleletext(to, row.data() + idwidth, n))
+        parsealleles(in, to, n);
+}
+
+void gathergeneration(const state &s, int64 chip, int64 gen, individualrows &rows)
+{
+    std::vector<infile> chromfiles;
+    for (int64 h = 1; h <= s.founders.nchrom; ++h)
+        chromfiles.emplace_back(chromfolder(h) + "Chip" + numbertext(chip) + "PhaseGeneration" +
+                                numbertext(gen) + ".txt");
+    for (int64 i = firstindivofgen(s, gen); i <= lastindivofgen(s, gen); ++i) {
+        rows.begin(i);
+        for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+            infile &in = chromfiles[static_cast<std::size_t>(h - 1)];
+            const int64 n = s.chips.nsnponthischipchrom(chip, h);
+            copyphaserow(in, rows.text(1), n);
+            copyphaserow(in, rows.text(2), n);
+            rows.advance(n);
+        }
+        rows.write();
+    }
+}
+
+void writesnpmap(const state &s, int64 chip)
+{
+    const std::string name = "Chip" + numbertext(chip) + "SnpInformation.txt";
+    outfile out("./SimulatedData/" + name);
+    textline line;
+    puta(line,
+         "               SnpId             ChromId     SnpSeqIdOnChrom             SnpFreq   "
+         "SnpPhysicalPosOnChrom",
+         104);
+    out.writeline(line);
+    int64 k = 0;
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+        infile in(chromfolder(h) + name);
+        for (int64 snp = 1; snp <= s.chips.nsnponthischipchrom(chip, h); ++snp) {
+            in.record();
+            in.integer(); // rank on the chromosome's part of the chip
+            puti(line, ++k, 20);
+            puti(line, h, 20);
+            puti(line, in.integer(), 20);
+            putf(line, in.real(), 20, 10);
+            putf(line, in.real(), 20, 10);
+            out.writeline(line);
+        }
+    }
+    out.close();
+}
+} // namespace
+
+void writeoutsnpchips(state &s, int64 firsttmpgen, int64 lasttmpgen)
+{
+    allocatearraysforwriteoutsnpseq(s);
+    if (s.run.specstartgen == 1) runshell("mkdir " + folder, "WriteOutSnpChips");
+    for (int64 e = 1; e <= s.chips.nchip; ++e) {
+        const std::string name = folder + "/Chip" + numbertext(e);
+        const int64 nsnp = countsnp(s, e);
+        outfile phases, genotypes;
+        openresultfile(phases, s, name + "Phase.txt", firsttmpgen, 2, nsnp, 0);
+        openresultfile(genotypes, s, name + "Genotype.txt", firsttmpgen, 1, nsnp, 0);
+        individualrows rows(phases, genotypes, nsnp);
+        for (int64 j = firsttmpgen; j <= lasttmpgen; ++j) gathergeneration(s, e, j, rows);
+        phases.close();
+        genotypes.close();
+        writesnpmap(s, e);
+    }
+    deallocatearraysforwriteoutsnpseq(s);
+}
