@@ -58,7 +58,8 @@ void checkparents(const state &s, int64 startindiv, int64 endindiv)
 
 // Loads what the generation's parents need: founder haplotypes if one is unknown, the generation
 // before, and older parents.
-parentsources loadparents(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv)
+parentsources loadparents(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
+                          bool parentsloaded)
 {
     parentsources from;
     from.startindiv = startindiv;
@@ -67,7 +68,7 @@ parentsources loadparents(state &s, int64 chrom, int64 currentgen, int64 startin
                        s.sites.nhaplos, s.haplo.nblock);
     if (currentgen == 1) return from;
     from.prev = s.pop.cumindivnbtogen(currentgen - 2);
-    if (!s.haplo.oldtmpgenome.allocated())
+    if (!parentsloaded)
         readgenome(genomefile(chrom, currentgen - 1), s.haplo.oldtmpgenome,
                    s.pop.nindivinthisgen(currentgen - 1), s.haplo.nblock);
     from.older.ids = parentsbetween(s, startindiv, endindiv, 1, from.prev);
@@ -110,12 +111,14 @@ void writebaseline(const state &s, outfile &basefile, int64 chrom, int64 individ
 }
 } // namespace
 
-void genedropburninindiv(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv)
+void genedropburninindiv(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
+                         bool parentsloaded)
 {
     setburninrecombrates(s, chrom);
     stopiftoofewblocks(s);
     checkparents(s, startindiv, endindiv);
-    const parentsources from = loadparents(s, chrom, currentgen, startindiv, endindiv);
+    const parentsources from =
+        loadparents(s, chrom, currentgen, startindiv, endindiv, parentsloaded);
     dropwork work;
     opendrop(s, work, chrom, startindiv);
     outfile basefile;
@@ -138,7 +141,6 @@ void genedropburninindiv(state &s, int64 chrom, int64 currentgen, int64 startind
         finishindividual(s, work, chrom, currentgen, i, k);
     }
     writegenome(genomefile(chrom, currentgen), s.haplo.tmpgenome);
-    s.haplo.oldtmpgenome.release();
     closedrop(work);
     basefile.close();
 }

@@ -41,11 +41,16 @@ class haplotypestore
 class genomestore
 {
   public:
+    // Every cell -99. Memory of the same size is used again: the system takes several times as
+    // long to hand out a large piece as a generation takes to be cleared.
     void allocate(int64 nindiv, int64 nblock)
     {
         n = nindiv;
         blocks = nblock;
-        cells.allocate(2 * nindiv * nblock, -99);
+        if (cells.allocated() && cells.size() == 2 * nindiv * nblock)
+            cells.fill(-99);
+        else
+            cells.allocate(2 * nindiv * nblock, -99);
     }
     void release()
     {

@@ -93,10 +93,11 @@ class burningeneration : public infolder
         s.sites.indivmutindicator(chrom, carrier) = 1;
     }
 
-    void drop(int64 chrom, int64 gen)
+    void drop(int64 chrom, int64 gen, bool parentsloaded = false)
     {
         s.haplo.tmpgenome.allocate(s.pop.nindivinthisgen(gen), nblock);
-        genedropburninindiv(s, chrom, gen, firstindivofgen(s, gen), lastindivofgen(s, gen));
+        genedropburninindiv(s, chrom, gen, firstindivofgen(s, gen), lastindivofgen(s, gen),
+                            parentsloaded);
     }
 
     // All generations of a chromosome; inmemory: each is handed to the next in oldtmpgenome.
@@ -104,8 +105,8 @@ class burningeneration : public infolder
     {
         s.haplo.haplotypes.release();
         for (int64 gen = 1; gen <= s.pop.ngen; ++gen) {
-            drop(chrom, gen);
-            if (inmemory && gen < s.pop.ngen) std::swap(s.haplo.tmpgenome, s.haplo.oldtmpgenome);
+            drop(chrom, gen, inmemory);
+            if (inmemory) std::swap(s.haplo.tmpgenome, s.haplo.oldtmpgenome);
         }
     }
 
