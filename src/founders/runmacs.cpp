@@ -54,9 +54,11 @@ void warnofequalruns(const macsrun &before, const macsrun &run, int64 chrom)
     std::fprintf(stderr,
                  "WARNING: chromosomes %lld and %lld began with the same seed and have the same "
                  "number of sites (%s):\n"
-                 "their founder haplotypes are likely the same. A macs that takes its seed from "
-                 "the clock\n"
-                 "does this when two runs begin in one second; see output.txt of both folders.\n",
+                 "their founder haplotypes are likely the same. Runs of macs need seeds of their "
+                 "own: no -s in a\n"
+                 "file of options, and a macs that takes its seed from the clock gives two runs "
+                 "that begin in\n"
+                 "one second the same. See output.txt of both folders.\n",
                  static_cast<long long>(chrom - 1), static_cast<long long>(chrom),
                  run.nsites.c_str());
 }

@@ -1,4 +1,5 @@
 #include "founders/runmacs.h"
+#include "founders/extractsegsites.h"
 #include "founders/presets.h"
 #include "testsupport.h"
 
@@ -253,4 +254,46 @@ TEST_F(macsstage, writehotspots)
         EXPECT_EQ(result.output, error);
     }
     EXPECT_EQ(attempt("0.0 0.4\n").code(), -2);
+}
+
+// The programs as they are built, from the specification's values to the packed founders: what
+// one writes, the next must be able to read.
+TEST_F(macsstage, runtherealprograms)
+{
+    runcommand("cp " + binfolder() + "/macs " + binfolder() + "/Vintrecaskelle . && mkdir -p " +
+               "SimulatedData Chromosomes/Chromosome1 Chromosomes/Chromosome2");
+    writefile("Seed.txt", "-123456\n");
+    for (const char *chrom : {"1", "2"})
+        writefile("RecombinationSpecifications/Chromosome" + std::string(chrom) + ".txt",
+                  "0 0.5 0.9\n0.5 1 0.1\n");
+    state s = internalstate("internalwheat");
+    s.founders.internalchrlenbasesmacs = false;
+    s.founders.chrlengthbasesmacs = 10000000;
+    s.founders.nchrom = 2;
+    s.founders.nhaps = 13;
+    s.founders.recombhotspotsonoff = true;
+    s.random.idum = -5;
+    testing::internal::CaptureStderr();
+    const outcome result = runbody([&] {
+        runmacs(s);
+        extractsegsites(s);
+    });
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    ASSERT_EQ(result.code(), 0) << result.output << result.stop.reason;
+    EXPECT_EQ(result.output.find("failure"), std::string::npos);
+    std::string included[2];
+    for (const int64 chrom : {1, 2}) {
+        const std::string folderofchrom = chromfolder(chrom);
+        const std::size_t nsites = std::stoul(readfile(folderofchrom + "SegSites.txt"));
+        EXPECT_GT(nsites, 60u);
+        EXPECT_EQ(readfile(folderofchrom + "FinishedMacs.txt"),
+                  readfile(folderofchrom + "SegSites.txt"));
+        EXPECT_EQ(readlines(folderofchrom + "PhysicalMapInput.txt").size(), nsites);
+        const std::vector<std::string> lines =
+            readlines(folderofchrom + "MacsHaplotypesIncluded.txt");
+        ASSERT_EQ(lines.size(), 13u);
+        EXPECT_EQ(lines[12].size(), 2 * (nsites / 60 * 60));
+        included[chrom - 1] = lines[0].substr(0, 100);
+    }
+    EXPECT_NE(included[0], included[1]);
 }
