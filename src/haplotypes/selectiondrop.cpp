@@ -1,0 +1,111 @@
+#include "haplotypes/selectiondrop.h"
+
+#include "haplotypes/blocks.h"
+#include "haplotypes/droplines.h"
+#include "haplotypes/genomefiles.h"
+#include "haplotypes/recombmap.h"
+#include "markers/extraction.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace
+{
+// Which row of oldtmpgenome holds a parent: its place in the generation before, or, with a pedigree
+// from outside, its rank among the parents.
+struct parentrows {
+    int64 before = 0;       // last individual before the generation before
+    std::vector<int64> ids; // ascending; empty if all parents are of the generation before
+    int64 row(int64 parent) const
+    {
+        if (ids.empty()) return parent - before;
+        return std::lower_bound(ids.begin(), ids.end(), parent) - ids.begin() + 1;
+    }
+};
+
+parentrows loadparents(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
+                       int64 endtestindiv)
+{
+    parentrows parents;
+    if (s.run.importextpedforthisgen == currentgen) {
+        parents.ids = parentsbetween(s, startindiv, endindiv, 1, endtestindiv);
+        readgenomesof(s, chrom, parents.ids, s.haplo.oldtmpgenome);
+    } else {
+        parents.before = endtestindiv - s.selection.ntestindiv;
+        readgenome(genomefile(chrom, currentgen - 1), s.haplo.oldtmpgenome, s.selection.ntestindiv,
+                   s.haplo.nblock);
+    }
+    return parents;
+}
+
+// Crossing probabilities in the gametes of a parent.
+void setparentrates(state &s, int64 parent)
+{
+    const double morgans = s.values.recombperindperchr(parent);
+    for (int64 j = 1; j <= s.haplo.nblock; ++j)
+        s.haplo.recombrateperblock(j) = morgans * s.haplo.recombfactperblock(j);
+}
+
+void extractgenotypes(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv)
+{
+    const int64 nblock = s.haplo.nblock;
+    for (int64 chip = 1; chip <= s.chips.nchip; ++chip)
+        fillarray(s, chrom, chip, currentgen, startindiv, endindiv, nblock, lociperblock,
+                  s.chips.nsnponthischipchrom(chip, chrom));
+    const int64 nqtn = s.qtn.nqtnonthischrom(chrom);
+    fillqtnunrestricted(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock, nqtn);
+    fillqtnrestricted(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock, nqtn);
+    if (s.selection.recombselonoff)
+        fillqtnrecombination(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock,
+                             s.qtn.nqtnrecombonthischrom(chrom));
+    if (s.run.fullseqoutonoff)
+        writeoutindivphase(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock);
+}
+} // namespace
+
+void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
+                       int64 endtestindiv)
+{
+    const parentrows parents =
+        loadparents(s, chrom, currentgen, startindiv, endindiv, endtestindiv);
+    setrecombfactors(s, chrom);
+    dropwork work;
+    opendrop(s, work, chrom, startindiv);
+    s.haplo.tmpgenome.fill(-99);
+    // With geneditonoff, genomeedition changes the edited parents' rows of oldtmpgenome here.
+
+    for (int64 i = startindiv; i <= endindiv; ++i) {
+        const int64 k = i - startindiv + 1;
+        for (int64 side = 1; side <= 2; ++side) {
+            const int64 parent = side == 1 ? s.pedi.ped(i).newsire : s.pedi.ped(i).newdam;
+            const int64 row = parents.row(parent);
+            setparentrates(s, parent);
+            dropgamete(s, work, chrom, i, k, side,
+                       {s.haplo.oldtmpgenome.gamete(row, 1), s.haplo.oldtmpgenome.gamete(row, 2)});
+            if (isdoubledhaploid(s, currentgen)) {
+                repeatsiregamete(s, work, i);
+                break;
+            }
+        }
+        finishindividual(s, work, chrom, currentgen, i, k);
+        // With genedriveonoff, genedriveedit makes the individual homozygous for its drives here.
+    }
+    writegenome(genomefile(chrom, currentgen), s.haplo.tmpgenome);
+    closedrop(work);
+    s.haplo.oldtmpgenome.release();
+}
+
+void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
+{
+    for (int64 chrom = 1; chrom <= s.founders.nchrom; ++chrom) {
+        s.haplo.nblock = s.sites.nsegreginclglobal(chrom) / lociperblock;
+        s.haplo.tmpgenome.allocate(s.pop.nindivinthisgen(currentgen), s.haplo.nblock);
+        s.haplo.recombrateperblock.allocate(s.haplo.nblock);
+        s.haplo.recombfactperblock.allocate(s.haplo.nblock);
+        genedropselection(s, chrom, currentgen, startindiv, endindiv, s.selection.endtestindiv);
+        extractgenotypes(s, chrom, currentgen, startindiv, endindiv);
+        s.haplo.tmpgenome.release();
+        s.haplo.recombrateperblock.release();
+        s.haplo.recombfactperblock.release();
+    }
+}

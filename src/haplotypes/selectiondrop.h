@@ -1,0 +1,28 @@
+// selectiondrop.h - genomes dropped into a selection generation.
+//
+// As in the burn-in, but one generation at a time, chromosome by chromosome; every parent is known,
+// and each has its own chromosome length in Morgans, recombperindperchr. Files, formats and the
+// making of a gamete are those of droplines.h and gametes.h.
+#pragma once
+
+#include "state.h"
+
+// Drops generation currentgen, individuals startindiv to endindiv, on all chromosomes: writes
+// GenomeGeneration<currentgen>.txt, extends RecombinationTracking.txt and RecombinationCount.txt,
+// and writes the generation's genotype files.
+// Reads    ped, recombperindperchr, the test set (the generation before); recombcount, which holds
+//          all earlier individuals' counts and 0 for the new ones; GenomeGeneration<g>.txt of the
+//          generation before, or of the parents' generations where currentgen has its pedigree from
+//          outside (importextpedforthisgen)
+// Updates  recombcount, globalrecomblocationmax, random
+// Draws, for each chromosome and individual: for the sire's side one for the strand to begin on and
+// those of recombinegametes; then the same for the dam's side, unless the generation is of doubled
+// haploids.
+// Stops: those of readrecombspec.
+void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int64 endindiv);
+
+// The same for one chromosome, without its genotype files: tmpgenome, recombfactperblock and
+// recombrateperblock are made by the caller, nblock is set. endtestindiv is the last individual of
+// the generation before.
+void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
+                       int64 endtestindiv);
