@@ -4,8 +4,6 @@
 #include "traits/effectarrays.h"
 #include "words.h"
 
-namespace
-{
 void allocatevariances(state &s)
 {
     valuedata &v = s.values;
@@ -44,6 +42,8 @@ void releasevalues(state &s)
         a->release();
 }
 
+namespace
+{
 void allocateallgen(state &s)
 {
     s.pedi.ped.allocate(s.pop.nindivp);

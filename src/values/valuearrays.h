@@ -14,6 +14,13 @@
 void allocatearraysforcomputevaravareandtpv(state &s, std::string_view data);
 void deallocatearraysforcomputevaravareandtpv(state &s, std::string_view data);
 
+// Variances and covariances of the traits, genic variances by QTN.
+void allocatevariances(state &s);
+void releasevariances(state &s);
+// Values (nindivp, nqtnmodels, ntraits) and those of the recombination trait (nindivp), all 0.
+void allocatevalues(state &s);
+void releasevalues(state &s);
+
 // Genotype tables (nindivinsimulrun, ntotqtn); the third one only with recombselonoff.
 void allocategenotypetables(state &s);
 void releasegenotypetables(state &s);

@@ -1,0 +1,271 @@
+#include "selection/selectioncycle.h"
+
+#include "evaluation/predictionruns.h"
+#include "evaluation/selectionchip.h"
+#include "evaluation/trainingdata.h"
+#include "founders/stores.h"
+#include "haplotypes/droplines.h"
+#include "haplotypes/selectiondrop.h"
+#include "pedigree/pedigree.h"
+#include "selection/cyclefolder.h"
+#include "selection/nextparents.h"
+#include "selection/pedigreeimport.h"
+#include "selection/selectionarrays.h"
+#include "selection/selectionindex.h"
+#include "selection/trainingrange.h"
+#include "selection/trainingsets.h"
+#include "values/accuracy.h"
+#include "values/breedingvalues.h"
+#include "values/dominance.h"
+#include "values/genicvariances.h"
+#include "values/phenotypes.h"
+#include "values/recombtrait.h"
+
+#include <algorithm>
+
+namespace
+{
+constexpr const char *highestcrossings = "./SimulatedData/GlobalRecombLocationMax.txt";
+
+void readglobalrecomblocationmax(state &s)
+{
+    infile in(highestcrossings);
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+        in.record();
+        in.skipwords(1);
+        s.haplo.globalrecomblocationmax(h) = in.integer();
+    }
+}
+
+void writeglobalrecomblocationmax(const state &s)
+{
+    outfile out(highestcrossings);
+    for (int64 h = 1; h <= s.founders.nchrom; ++h)
+        out.writeline(freeline(h, s.haplo.globalrecomblocationmax(h)));
+    out.close();
+}
+
+// ------------------------------------------------------------------------ one trait
+
+// Writes the genotypes of the training and test individuals. Generations of which nothing is asked
+// are left closed.
+void writechipdata(state &s, int64 selectioncycle, int64 currentgen)
+{
+    const selectiondata &sel = s.selection;
+    selectionchipfiles files;
+    selectmpchipsfiles(s, files, selectioncycle, "Open_");
+    for (int64 m = 1; m <= currentgen - 1; ++m) {
+        const bool train =
+            sel.selontbvyes1no0 == 0 && m >= sel.firsttmptraingen && m <= sel.lasttmptraingen;
+        const bool test = m == currentgen - 1;
+        if (!train && !test) continue;
+        const int64 startindiv = firstindivofgen(s, m), endindiv = lastindivofgen(s, m);
+        chromsnpchipsandqtnfiles(s, files, "Open_", m);
+        if (train) determineselectmpchips(s, files, m, "Train", startindiv, endindiv);
+        if (test) determineselectmpchips(s, files, m, "Test_", startindiv, endindiv);
+        chromsnpchipsandqtnfiles(s, files, "Close", m);
+        selectmpchipsfiles(s, files, selectioncycle, "Flush");
+    }
+    selectmpchipsfiles(s, files, selectioncycle, "Close");
+}
+
+// Starting value of the prediction: the variance of true values, under prediction by pedigree of
+// the pedigree's first generation.
+void computetrainingvariance(state &s, int64 selectedtrait)
+{
+    const selectiondata &sel = s.selection;
+    if (sel.selmethindicator == 2) {
+        computeselectionvara(s, selectedtrait, "Training", sel.starttrainindiv, sel.endtrainindiv);
+        return;
+    }
+    const int64 pedtmpfirstgen = firstpedigreegen(s);
+    computeselectionvara(s, selectedtrait, "Training", firstindivofgen(s, pedtmpfirstgen),
+                         lastindivofgen(s, pedtmpfirstgen));
+}
+
+// The run for the recombination trait comes first: the trait's results stay under the common names.
+void runprediction(state &s, int64 selectioncycle, int64 selectedtrait, int64 nquillomererun)
+{
+    computetrainingvariance(s, selectedtrait);
+    writefixedsnp(s, selectioncycle);
+    readvare(s);
+    const bool bypedigree = s.selection.selmethindicator == 1;
+    for (int64 runid = nquillomererun; runid >= 1; --runid) {
+        if (bypedigree) writequillomerepspec(s, selectioncycle, selectedtrait, runid);
+        writequillomerespec(s, selectioncycle, selectedtrait, runid);
+        if (bypedigree)
+            runquillomerep(s, selectioncycle, selectedtrait, runid);
+        else
+            runquillomere(s, selectioncycle, selectedtrait, runid);
+    }
+}
+
+void estimatevalues(state &s, int64 selectioncycle, int64 selectedtrait)
+{
+    const int64 nquillomererun = s.selection.recombselonoff && selectedtrait == 1 ? 2 : 1;
+    if (aresolutionsinforce(s, selectioncycle)) {
+        if (istrainingfixed(s, selectioncycle))
+            copytrainingdata(s, selectioncycle, selectedtrait);
+        else
+            importtrainingdata(s, selectioncycle);
+        for (int64 runid = 1; runid <= nquillomererun; ++runid)
+            scalegenottestingdata(s, selectioncycle, selectedtrait, runid);
+    } else {
+        runprediction(s, selectioncycle, selectedtrait, nquillomererun);
+    }
+    if (s.selection.selmethindicator == 1)
+        readquillomerepebvs(s, selectioncycle, selectedtrait);
+    else
+        computereadebv(s, selectioncycle, selectedtrait);
+}
+
+void evaluatetrait(state &s, int64 selectioncycle, int64 currentgen, int64 selectedtrait)
+{
+    const bool predicted = s.selection.selontbvyes1no0 == 0;
+    determinetrainandtestdatasetsforselection(s, selectioncycle, selectedtrait);
+    s.selection.fixedsnp.fill(0);
+    // Without training data the file of the candidates is the same for all traits.
+    if (predicted || selectedtrait == 1) writechipdata(s, selectioncycle, currentgen);
+    if (predicted) estimatevalues(s, selectioncycle, selectedtrait);
+    computebvaccuracyandmoments(s, selectioncycle, selectedtrait);
+}
+
+// ------------------------------------------------------------------------ one cycle
+
+void copysirestodams(state &s, int64 startindiv, int64 endindiv)
+{
+    for (int64 i = startindiv; i <= endindiv; ++i) s.pedi.ped(i).newdam = s.pedi.ped(i).newsire;
+}
+
+void chooseparents(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
+{
+    const int64 parentgen = currentgen - 1;
+    const int64 nselfed = s.pop.plantbreedonoff ? s.pop.nselfedparinthisgen(parentgen) : 0;
+    const int64 nrandom = s.pop.plantbreedonoff ? s.pop.nrandparinthisgen(parentgen) : 0;
+    const int64 ndams = s.pop.ndaminthisgen(parentgen);
+    // With optcontribselonoff, selectnextparentsoptimcontrib takes the place of all that follows.
+    if (nselfed > 0) {
+        selectnextparentstruncat(s, currentgen, 1, nselfed);
+        copysirestodams(s, startindiv, endindiv);
+    } else if (nrandom > 0) {
+        selectnextparentstruncat(s, currentgen, 1, nrandom);
+        selectnextparentstruncat(s, currentgen, 2, nrandom);
+    } else {
+        selectnextparentstruncat(s, currentgen, 1, s.pop.nsireinthisgen(parentgen));
+        if (isdoubledhaploid(s, currentgen) && ndams == 0) // made from the sires alone
+            copysirestodams(s, startindiv, endindiv);
+        else
+            selectnextparentstruncat(s, currentgen, 2, ndams);
+    }
+    // With geneditonoff, runge and editgenome follow here.
+}
+
+void makegeneration(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
+{
+    writeoutpedigree(s);
+    performgenedropselection(s, currentgen, startindiv, endindiv);
+    compileqtngenotypes(s, currentgen, startindiv, endindiv);
+    computetbv(s, startindiv, endindiv);
+    if (s.qtn.dominonoff) computetdv(s, startindiv, endindiv);
+    computetotalgenicvariances(s, currentgen);
+    if (s.selection.recombselonoff) computetbvrecomb(s, currentgen, startindiv, endindiv);
+    computetpv(s, currentgen, startindiv, endindiv);
+    // With computeavercoancestryyes1no0, computecoancestry follows here.
+}
+
+// Accuracy and moments of the generation that no cycle will judge any more.
+void reportlastgeneration(state &s, int64 selectioncycle, int64 currentgen)
+{
+    selectiondata &sel = s.selection;
+    sel.starttestindiv = firstindivofgen(s, currentgen);
+    sel.endtestindiv = lastindivofgen(s, currentgen);
+    sel.ntestindiv = s.pop.nindivinthisgen(currentgen);
+    textline line;
+    puta(line, "  Last Generation", 17);
+    puti(line, currentgen, 4);
+    printline(line);
+    for (int64 t = 1; t <= s.traits.ntraits; ++t)
+        computebvaccuracyandmoments(s, selectioncycle + 1, t);
+    sel.accuracyfile.close();
+}
+
+// False where the stage ends here, so that the user can write the pedigree of currentgen.
+bool runcycle(state &s, int64 currentgen, int64 endgen)
+{
+    const int64 selectioncycle = currentgen - s.pop.ngen;
+    const bool imported = s.run.selflexibilityonoff && s.run.importextpedforthisgen == currentgen;
+    computedescriptvariablesforselection(s, selectioncycle, currentgen);
+    allocatearraysfordrophaploselection(s, currentgen, "Selection");
+    if (imported && s.run.importstage == 2)
+        importexternalpedforcurrentselgen(s, selectioncycle, currentgen);
+    for (int64 t = 1; t <= s.traits.ntraits; ++t) evaluatetrait(s, selectioncycle, currentgen, t);
+    computeselectionindex(s, selectioncycle, currentgen);
+    if (imported && s.run.importstage == 1) {
+        importexternalpedforcurrentselgen(s, selectioncycle, currentgen);
+        deallocatearraysfordrophaploselection(s, currentgen, "Selection");
+        return false;
+    }
+    const int64 startindiv = s.selection.endtestindiv + 1;
+    const int64 endindiv = startindiv + s.pop.nindivinthisgen(currentgen) - 1;
+    if (imported)
+        printline("");
+    else
+        chooseparents(s, currentgen, startindiv, endindiv);
+    makegeneration(s, currentgen, startindiv, endindiv);
+    if (currentgen == endgen) reportlastgeneration(s, selectioncycle, currentgen);
+    // With genedriveonoff, writegenedriveinformation follows here in the last cycle.
+    deallocatearraysfordrophaploselection(s, currentgen, "Selection");
+    printline("");
+    return true;
+}
+} // namespace
+
+void printoutselectiondetails(const state &s)
+{
+    const selectiondata &sel = s.selection;
+    textline line;
+    if (sel.selmethindicator == 3) printline(" Selection is performed using phenotypic values");
+    if (sel.selmethindicator != 2) return;
+    if (sel.selontbvyes1no0 == 0) {
+        puta(line, "Selection is performed using chip", 35);
+        puti(line, s.chips.tmpchip, 2);
+        printline(line);
+        line.clear();
+        puta(line, "with a total of", 17);
+        puti(line, s.chips.nsnp, 10);
+        puta(line, areqtnadded(s) ? " SNP and" : " SNP", areqtnadded(s) ? 8 : 4);
+        if (areqtnadded(s)) {
+            puti(line, s.qtn.ntotqtn, 10);
+            puta(line, " QTN", 4);
+        }
+    } else if (sel.recombselonoff) {
+        puta(line, " Selection is performed using an index integrating TBV and TBVRecombZ", 69);
+    } else {
+        puta(line, " Selection is performed using TBV", 34);
+    }
+    printline(line);
+    printline("");
+}
+
+void drophaploselection(state &s)
+{
+    if (s.run.specendgen <= s.pop.ngen) return; // nothing of selection belongs to this run
+    allocatearraysfordrophaploselection(s, 0, "ChromPedi");
+    readpedigreegender(s);
+    readsegsitesdatafromallchrom(s);
+    allocatearraysfordrophaploselection(s, 0, "QtnTbvGEd");
+
+    int64 startgen = s.pop.ngen + 1, endgen = s.pop.ngen + s.pop.ngensel;
+    if (s.run.genflexibilityonoff) {
+        startgen = std::max(s.run.specstartgen, startgen);
+        endgen = s.run.specendgen;
+    }
+    printoutselectiondetails(s);
+    readglobalrecomblocationmax(s);
+    for (int64 currentgen = startgen; currentgen <= endgen; ++currentgen)
+        if (!runcycle(s, currentgen, endgen)) break;
+    writeglobalrecomblocationmax(s);
+
+    deallocatearraysfordrophaploselection(s, 0, "QtnTbvGEd");
+    deallocatearraysfordrophaploselection(s, 0, "ChromPedi");
+}
