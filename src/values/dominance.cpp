@@ -6,13 +6,6 @@
 
 namespace
 {
-// The terms of one QTN for a tile.
-void adddominance(double *__restrict sum, const double *__restrict x, double d, double f)
-{
-    const double twof = 2 * f, constant = 2 * (f * f) * d;
-    for (int64 k = 0; k < sumtile; ++k) sum[k] += -(d * x[k]) * ((x[k] - 1) - twof) - constant;
-}
-
 void adddeviationsofset(state &s, int64 firstmodel, int64 startindiv, int64 endindiv)
 {
     std::vector<double *> columns;

@@ -13,7 +13,7 @@
 namespace
 {
 // Individuals whose rows are held at a time, between a file and the table.
-constexpr int64 rowtile = 64;
+constexpr int64 rowtile = 256;
 
 struct genotypeset {
     const char *name; // first word of its files
