@@ -64,6 +64,7 @@ class outfile
     std::string name;
     std::vector<char> buffer;
     std::size_t used = 0;
+    std::size_t misalignment = 0; // of the file's end, behind what was written
 };
 
 // A file being read, record by record. Records end at a line end; a carriage return before it
@@ -146,6 +147,21 @@ class framewriter
     // limit is the longest frame; only tests give another one than framelimit.
     framewriter(outfile &file, int64 nbytes, int64 limit = framelimit);
     void put(const void *bytes, int64 n);
+    // The next n bytes of the record, made by make(char *to) in the file's buffer, without a copy
+    // where they lie in one frame.
+    template <class maker> void putmade(int64 n, maker make)
+    {
+        if (n <= inframe) {
+            make(out.reserve(static_cast<std::size_t>(n)));
+            out.commit(static_cast<std::size_t>(n));
+            inframe -= n;
+            remaining -= n;
+        } else {
+            std::vector<char> bytes(static_cast<std::size_t>(n));
+            make(bytes.data());
+            put(bytes.data(), n);
+        }
+    }
     // All bytes must have been put by now.
     void finish();
 
@@ -179,6 +195,21 @@ class framereader
     // Begins a record of n bytes, then gives them piece by piece, and ends it.
     void begin(int64 nbytes);
     void get(void *bytes, int64 n);
+    // The next n bytes, shown to use(const char *from) where they lie: in the buffer, without a
+    // copy, if they lie there together.
+    template <class user> void show(int64 n, user use)
+    {
+        if (n <= inframe && n <= static_cast<int64>(filled - at)) {
+            use(static_cast<const char *>(buffer.data() + at));
+            at += static_cast<std::size_t>(n);
+            inframe -= n;
+            remaining -= n;
+        } else {
+            std::vector<char> bytes(static_cast<std::size_t>(n));
+            get(bytes.data(), n);
+            use(static_cast<const char *>(bytes.data()));
+        }
+    }
     void finish();
     // A whole record at once.
     void record(void *bytes, int64 nbytes)

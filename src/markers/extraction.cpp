@@ -1,31 +1,14 @@
 #include "markers/extraction.h"
 
+#include "haplotypes/blocks.h"
 #include "markers/sitepicker.h"
 #include "words.h"
 
-#include <algorithm>
+#include <cstring>
 
 namespace
 {
 constexpr std::size_t idwidth = 20;
-
-char *putid(char *text, const textline &id)
-{
-    std::copy(id.begin(), id.end(), text);
-    return text + id.size();
-}
-
-// Adds the genotypes of an individual to the sums per site.
-void addgenotypes(const std::vector<int64> &picked1, const std::vector<int64> &picked2,
-                  std::vector<int64> &sums)
-{
-    int8 genotypes[lociperblock];
-    for (std::size_t k = 0; k < sums.size(); ++k) {
-        const std::size_t p = k % lociperblock, b = k / lociperblock;
-        if (p == 0) expandgenotypes(picked1[b], picked2[b], genotypes);
-        sums[k] += genotypes[p];
-    }
-}
 
 // The phase and the genotype file. sums: copies of allele 1 per site in the whole generation; none
 // are counted for an empty vector.
@@ -33,31 +16,26 @@ void writesnpchipsandqtnfiles(const state &s, const std::string &phasefile,
                               const std::string &genotypefile, const sitelist &sites,
                               int64 startindiv, int64 endindiv, std::vector<int64> &sums)
 {
-    const sitepicker picker(sites);
-    const int64 n = picker.nsites();
+    sitepicker picker(sites);
     const std::size_t rowlength = idwidth + 2 * sites.size() + 1;
-    constexpr std::size_t slack = 2 * lociperblock; // the text of the last block is cut
-    std::vector<int64> picked1(static_cast<std::size_t>(picker.npickedblocks()));
-    std::vector<int64> picked2(picked1.size());
     outfile phases(phasefile), genotypes(genotypefile);
     textline id;
     for (int64 i = startindiv; i <= endindiv; ++i) {
         const int64 k = i - startindiv + 1;
-        picker.pick(s.haplo.tmpgenome.gamete(k, 1), s.haplo.tmpgenome.gamete(k, 2), picked1.data(),
-                    picked2.data());
-        id.clear();
+        picker.pick(s.haplo.tmpgenome.gamete(k, 1), s.haplo.tmpgenome.gamete(k, 2));
+        char *const row1 = phases.reserve(2 * rowlength);
+        char *const row2 = row1 + rowlength;
+        char *const both = genotypes.reserve(rowlength);
         puti(id, i, idwidth);
-        char *text = phases.reserve(2 * rowlength + slack);
-        text = putpickedalleles(putid(text, id), picked1.data(), n);
-        *text++ = '\n';
-        text = putpickedalleles(putid(text, id), picked2.data(), n);
-        *text = '\n';
+        for (char *const row : {row1, row2, both}) {
+            id.copy(row, idwidth);
+            row[rowlength - 1] = '\n';
+        }
+        id.clear();
+        picker.puttext(row1 + idwidth, row2 + idwidth, both + idwidth);
+        for (std::size_t q = 0; q < sums.size(); ++q) sums[q] += both[idwidth + 2 * q + 1] - '0';
         phases.commit(2 * rowlength);
-        text = genotypes.reserve(rowlength + slack);
-        text = putpickedgenotypes(putid(text, id), picked1.data(), picked2.data(), n);
-        *text = '\n';
         genotypes.commit(rowlength);
-        if (!sums.empty()) addgenotypes(picked1, picked2, sums);
     }
     phases.close();
     genotypes.close();
@@ -133,19 +111,27 @@ void fillqtnrecombination(const state &s, int64 chrom, int64 currentgen, int64 s
 
 namespace
 {
-// One record: the id, and the integers that expand(block, to) gives for each block from 0.
-template <class expansion>
-void writesequencerecord(outfile &out, int64 id, int64 nblock, expansion expand)
+constexpr int64 blockbytes = lociperblock * 8; // the integers of a block
+
+// The alleles of a block, and the genotypes of two, as integers at any address.
+void putintegers(char *to, int64 blockid)
 {
-    constexpr int64 chunk = 32; // blocks expanded at once, small enough for the cache
-    int64 values[chunk * lociperblock];
+    for (int i = 0; i < 15; ++i)
+        std::memcpy(to + 32 * i, &blocktables::integers[(blockid >> (56 - 4 * i)) & 15], 32);
+}
+void putintegers(char *to, int64 blockid1, int64 blockid2)
+{
+    int64 genotypes[lociperblock];
+    expandgenotypes(blockid1, blockid2, genotypes);
+    std::memcpy(to, genotypes, blockbytes);
+}
+
+// One record: the id, and what put(block, to) gives for each block from 0.
+template <class maker> void writesequencerecord(outfile &out, int64 id, int64 nblock, maker put)
+{
     framewriter record(out, (nblock * lociperblock + 1) * 8);
     record.put(&id, 8);
-    for (int64 b = 0; b < nblock; b += chunk) {
-        const int64 n = std::min(chunk, nblock - b);
-        for (int64 c = 0; c < n; ++c) expand(b + c, values + c * lociperblock);
-        record.put(values, n * lociperblock * 8);
-    }
+    for (int64 b = 0; b < nblock; ++b) record.putmade(blockbytes, [&](char *to) { put(b, to); });
     record.finish();
 }
 } // namespace
@@ -158,13 +144,12 @@ void writeoutindivphase(const state &s, int64 chrom, int64 currentgen, int64 sta
     for (int64 i = startindiv; i <= endindiv; ++i) {
         const int64 *const gamete1 = s.haplo.tmpgenome.gamete(i - startindiv + 1, 1);
         const int64 *const gamete2 = s.haplo.tmpgenome.gamete(i - startindiv + 1, 2);
-        writesequencerecord(genotypes, i, nblock, [&](int64 b, int64 *values) {
-            expandgenotypes(gamete1[b], gamete2[b], values);
-        });
+        writesequencerecord(genotypes, i, nblock,
+                            [&](int64 b, char *to) { putintegers(to, gamete1[b], gamete2[b]); });
         writesequencerecord(phases, i, nblock,
-                            [&](int64 b, int64 *values) { expandblock(gamete1[b], values); });
+                            [&](int64 b, char *to) { putintegers(to, gamete1[b]); });
         writesequencerecord(phases, i, nblock,
-                            [&](int64 b, int64 *values) { expandblock(gamete2[b], values); });
+                            [&](int64 b, char *to) { putintegers(to, gamete2[b]); });
     }
     phases.close();
     genotypes.close();

@@ -1,11 +1,10 @@
-// sitepicker.h - the alleles of some sites of a gamete, packed into blocks of their own.
+// sitepicker.h - the alleles of some sites of both gametes of an individual, as text.
 //
 // Picking a site at a time and writing it as text costs more than writing the file. So the wanted
-// sites are first moved together, many at once, into full blocks of 60, and these are expanded by
-// the tables of blocks.h.
+// sites are first moved together, many at once, into full words of 64, and these are expanded by a
+// table of eight alleles.
 #pragma once
 
-#include "haplotypes/blocks.h"
 #include "markers/sitesets.h"
 
 class sitepicker
@@ -14,28 +13,23 @@ class sitepicker
     // sites: ascending, from 1.
     explicit sitepicker(const sitelist &sites);
     int64 nsites() const { return count; }
-    // Blocks that pick() fills; the last one is padded with alleles 0.
-    int64 npickedblocks() const { return (count + lociperblock - 1) / lociperblock; }
-    // gamete1, gamete2: the blocks of both gametes, block 1 at offset 0.
-    // picked1, picked2: out, npickedblocks() blocks each.
-    void pick(const int64 *gamete1, const int64 *gamete2, int64 *picked1, int64 *picked2) const;
+    // Takes the alleles of an individual from the blocks of its gametes, block 1 at offset 0.
+    void pick(const int64 *gamete1, const int64 *gamete2);
+    // Writes what was picked, two columns each: the alleles of both gametes, and the genotypes.
+    // Each text has 2 x nsites() characters.
+    void puttext(char *alleles1, char *alleles2, char *genotypes) const;
 
   private:
     // The wanted sites of one block.
     struct blockmask {
         int64 block = 0; // from 0
         int nwanted = 0;
-        std::size_t firststep = 0; // of the moves that gather them
         std::uint64_t mask = 0;
+        int nmoves = 0;
+        std::uint64_t moves[6] = {}; // that gather them
     };
-    std::uint64_t gather(const blockmask &from, std::uint64_t blockid) const;
+    static std::uint64_t gather(const blockmask &from, std::uint64_t blockid);
     std::vector<blockmask> masks;
-    std::vector<std::uint64_t> moves; // six for each block
+    std::vector<std::uint64_t> picked1, picked2; // first site highest, the last word padded
     int64 count = 0;
 };
-
-// Writes the alleles of n sites, two columns each, from their packed blocks; gives the end of the
-// text. Up to 120 characters behind the end are overwritten.
-char *putpickedalleles(char *text, const int64 *picked, int64 n);
-// The same for the genotypes of two gametes.
-char *putpickedgenotypes(char *text, const int64 *picked1, const int64 *picked2, int64 n);

@@ -97,7 +97,7 @@ bool copyalleletext(char *to, const char *from, int64 n)
     return wrong == 0;
 }
 
-bool putintegeralleles(char *to, const int64 *alleles, int64 n)
+bool putintegeralleles(char *to, const char *alleles, int64 n)
 {
     int64 seen = 0;
     int64 i = 0;
@@ -106,7 +106,7 @@ bool putintegeralleles(char *to, const int64 *alleles, int64 n)
     const __m128i zeros = _mm_set1_epi16(0x3020);
     __m128i any = _mm_setzero_si128();
     for (; i + 8 <= n; i += 8) {
-        const auto *from = reinterpret_cast<const __m128i *>(alleles + i);
+        const auto *from = reinterpret_cast<const __m128i *>(alleles + 8 * i);
         const __m128i a = _mm_loadu_si128(from), b = _mm_loadu_si128(from + 1);
         const __m128i c = _mm_loadu_si128(from + 2), d = _mm_loadu_si128(from + 3);
         any = _mm_or_si128(any, _mm_or_si128(_mm_or_si128(a, b), _mm_or_si128(c, d)));
@@ -122,9 +122,11 @@ bool putintegeralleles(char *to, const int64 *alleles, int64 n)
     seen = halves[0] | halves[1];
 #endif
     for (; i < n; ++i) {
-        seen |= alleles[i];
+        int64 allele;
+        std::memcpy(&allele, alleles + 8 * i, 8);
+        seen |= allele;
         to[2 * i] = ' ';
-        to[2 * i + 1] = static_cast<char>('0' + (alleles[i] & 1));
+        to[2 * i + 1] = static_cast<char>('0' + (allele & 1));
     }
     return (seen & ~int64{1}) == 0;
 }

@@ -42,5 +42,6 @@ class individualrows
 // Copies the text of n alleles. False, with the copy undone or half done, if it isn't of " 0" and "
 // 1".
 bool copyalleletext(char *to, const char *from, int64 n);
-// Writes n alleles, held as 64-bit integers, as text. False if there is another value than 0 or 1.
-bool putintegeralleles(char *to, const int64 *alleles, int64 n);
+// Writes n alleles, held as 64-bit integers at any address, as text. False if there is another
+// value than 0 or 1.
+bool putintegeralleles(char *to, const char *alleles, int64 n);

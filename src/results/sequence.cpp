@@ -34,16 +34,17 @@ std::string phasefile(int64 chrom, int64 gen)
 void readsequencerecord(framereader &in, char *to, int64 n)
 {
     constexpr int64 chunk = 2048; // alleles at once, small enough for the cache
-    int64 alleles[chunk];
     int64 id;
+    bool right = true;
     in.begin(8 * (n + 1));
     in.get(&id, 8);
     for (int64 i = 0; i < n; i += chunk) {
         const int64 m = std::min(chunk, n - i);
-        in.get(alleles, 8 * m);
-        if (!putintegeralleles(to + 2 * i, alleles, m))
-            ioerror(in.path(), "holds an allele other than 0 or 1");
+        in.show(8 * m, [&](const char *alleles) {
+            right = putintegeralleles(to + 2 * i, alleles, m) && right;
+        });
     }
+    if (!right) ioerror(in.path(), "holds an allele other than 0 or 1");
     in.finish();
 }
 
