@@ -50,12 +50,14 @@ textline layoutscaledfields(const state &s, const std::string &folder)
 {
     textline fields;
     fields.reserve(static_cast<std::size_t>(s.chips.nsnpforsel * ncodes * fieldwidth));
-    infile frequencies(folder + "AlleleFreqTrain.txt");
+    infile
+        frequencies; // opened with the first locus that segregates: a training by pedigree has none
     for (int64 j = 1; j <= s.chips.nsnpforsel; ++j) {
         if (s.selection.fixedsnp(j) != 1) {
             appendzerofields(fields);
             continue;
         }
+        if (!frequencies.isopen()) frequencies.open(folder + "AlleleFreqTrain.txt");
         frequencies.record();
         frequencies.skipwords(1);
         appendscaledfields(fields, static_cast<float>(frequencies.real()));

@@ -21,11 +21,12 @@ void importtrainingdata(state &s, int64 selectioncycle);
 
 // Brings the test genotypes to the scale on which the solutions were estimated: centred by 2p and
 // divided by sqrt(2p(1-p) + 0.00001), in single precision; p from AlleleFreqTrain.txt, which has
-// one record for each locus with 1 in FixedSnp.txt; the other loci are 0. A genotype outside 0 to 2
-// is missing and taken as 2p. Writes TmpChip<k>GenotypeTestScaled.txt (runid 1) or
-// TmpChip<k>GenotypeTestScaledRecomb.txt (2) in F: I20, then F40.30 for each locus. Leaves the
-// values of FixedSnp.txt in fixedsnp. Stops: an I/O error for a missing or short file. Cost: a
-// locus has four values at most, laid out once; a genotype is one copy of 40 bytes.
+// one record for each locus with 1 in FixedSnp.txt and is not needed without such a locus; the
+// other loci are 0. A genotype outside 0 to 2 is missing and taken as 2p. Writes
+// TmpChip<k>GenotypeTestScaled.txt (runid 1) or TmpChip<k>GenotypeTestScaledRecomb.txt (2) in F:
+// I20, then F40.30 for each locus. Leaves the values of FixedSnp.txt in fixedsnp. Stops: an I/O
+// error for a missing or short file. Cost: a locus has four values at most, laid out once; a
+// genotype is one copy of 40 bytes.
 void scalegenottestingdata(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid);
 
 // Genotypes at the QTN of the selection model for the individuals of generation testgen, whose

@@ -1,10 +1,10 @@
 #include "haplotypes/selectiondrop.h"
 
 #include "haplotypes/blocks.h"
+#include "haplotypes/burnindrop.h"
 #include "haplotypes/droplines.h"
 #include "haplotypes/genomefiles.h"
 #include "haplotypes/recombmap.h"
-#include "markers/extraction.h"
 
 #include <algorithm>
 #include <vector>
@@ -44,22 +44,6 @@ void setparentrates(state &s, int64 parent)
     const double morgans = s.values.recombperindperchr(parent);
     for (int64 j = 1; j <= s.haplo.nblock; ++j)
         s.haplo.recombrateperblock(j) = morgans * s.haplo.recombfactperblock(j);
-}
-
-void extractgenotypes(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv)
-{
-    const int64 nblock = s.haplo.nblock;
-    for (int64 chip = 1; chip <= s.chips.nchip; ++chip)
-        fillarray(s, chrom, chip, currentgen, startindiv, endindiv, nblock, lociperblock,
-                  s.chips.nsnponthischipchrom(chip, chrom));
-    const int64 nqtn = s.qtn.nqtnonthischrom(chrom);
-    fillqtnunrestricted(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock, nqtn);
-    fillqtnrestricted(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock, nqtn);
-    if (s.selection.recombselonoff)
-        fillqtnrecombination(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock,
-                             s.qtn.nqtnrecombonthischrom(chrom));
-    if (s.run.fullseqoutonoff)
-        writeoutindivphase(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock);
 }
 } // namespace
 
@@ -103,7 +87,7 @@ void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int6
         s.haplo.recombrateperblock.allocate(s.haplo.nblock);
         s.haplo.recombfactperblock.allocate(s.haplo.nblock);
         genedropselection(s, chrom, currentgen, startindiv, endindiv, s.selection.endtestindiv);
-        extractgenotypes(s, chrom, currentgen, startindiv, endindiv);
+        extractgeneration(s, chrom, currentgen, startindiv, endindiv);
         s.haplo.tmpgenome.release();
         s.haplo.recombrateperblock.release();
         s.haplo.recombfactperblock.release();

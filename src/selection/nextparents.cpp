@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <vector>
 
 namespace
@@ -37,9 +38,10 @@ void stopifnoparents(const state &s, int64 parentgen, int64 parentgender, int64 
 }
 
 // Places of the chosen in the test set, best first.
-array1<int64> rank(const state &s, bool genderblind, int64 parentgender, int64 npargender)
+array1<int64> rank(const state &s, int64 parentgen, int64 parentgender, int64 npargender)
 {
     const selectiondata &sel = s.selection;
+    const bool genderblind = isgenderblind(s, parentgen);
     const double lowest = static_cast<double>(-1.0e16f);
     std::vector<int64> candidates;
     for (int64 i = 1; i <= sel.ntestindiv; ++i)
@@ -52,6 +54,13 @@ array1<int64> rank(const state &s, bool genderblind, int64 parentgender, int64 n
                           const double x = sel.estimatedbv(a), y = sel.estimatedbv(b);
                           return x > y || (x == y && a < b);
                       });
+    if (nfound < npargender)
+        std::fprintf(
+            stderr,
+            "warning: %lld parents of generation %lld are asked for, %lld candidates have a "
+            "finite value; the last is entered again\n",
+            static_cast<long long>(npargender), static_cast<long long>(parentgen),
+            static_cast<long long>(nfound));
     array1<int64> selectedindividuals(npargender, 1);
     for (int64 k = 1; k <= npargender; ++k) {
         if (k <= nfound)
@@ -70,8 +79,7 @@ void selectnextparentstruncat(state &s, int64 currentgen, int64 parentgender, in
     const int64 nmatings = s.pop.nindivinthisgen(currentgen);
     const int64 firstrow = sel.endtestindiv + 1;
     stopifnoparents(s, parentgen, parentgender, npargender);
-    const array1<int64> selectedindividuals =
-        rank(s, isgenderblind(s, parentgen), parentgender, npargender);
+    const array1<int64> selectedindividuals = rank(s, parentgen, parentgender, npargender);
     if (s.editing.geneditonoff && parentgender == 1)
         for (int64 k = 1; k <= s.editing.indivtobeedited.size(); ++k)
             s.editing.indivtobeedited(k) = selectedindividuals(k);

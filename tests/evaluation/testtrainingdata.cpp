@@ -101,6 +101,12 @@ TEST_F(TrainingData, TestGenotypesAreScaledInSinglePrecision)
               readfile(f + "TmpChip1GenotypeTestScaled.txt"));
     writefile(f + "AlleleFreqTrain.txt", " 1 0.5\n");
     EXPECT_EQ(runbody([&] { scalegenottestingdata(s, 2, 1, 1); }).code(), -2);
+    std::filesystem::remove(f + "AlleleFreqTrain.txt");
+    EXPECT_EQ(runbody([&] { scalegenottestingdata(s, 2, 1, 1); }).code(), -2);
+    writefile(f + "FixedSnp.txt", " 0\n 0\n 0\n 0\n 0\n"); // a training by pedigree
+    scalegenottestingdata(s, 2, 1, 1);
+    EXPECT_EQ(numbersof(readlines(f + "TmpChip1GenotypeTestScaled.txt")[2]),
+              (std::vector<double>{7, 0, 0, 0, 0, 0}));
 }
 
 TEST_F(TrainingData, EarlierTrainingIsCopiedAndEveryMissingFileReported)
