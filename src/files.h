@@ -103,6 +103,8 @@ class infile
     {
         return {cursorstart, static_cast<std::size_t>(lineend - cursorstart)};
     }
+    // What is left of the current record behind the values read so far.
+    std::string_view rest() const { return {cursor, static_cast<std::size_t>(lineend - cursor)}; }
     // Number of the current record, from 1.
     int64 linenumber() const { return nlines; }
     // Whether the current record has its line end; only the last of a file can lack it.
