@@ -1,0 +1,8 @@
+#include "Quillomere/quillomere.h"
+
+#include "stops.h"
+
+int main()
+{
+    return runtostop(quillomere);
+}
