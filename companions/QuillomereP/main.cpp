@@ -1,0 +1,8 @@
+#include "QuillomereP/quillomerep.h"
+
+#include "stops.h"
+
+int main()
+{
+    return runtostop(quillomerep);
+}
