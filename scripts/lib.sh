@@ -1,0 +1,57 @@
+# What the scripts share: where the sources are, and installing what is missing.
+# shellcheck shell=bash
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+say() { printf '%s\n' "$*"; }
+fail() {
+    printf 'ERROR: %s\n' "$*" >&2
+    exit 1
+}
+
+# needpackages NAME...: installs those of the Debian packages that are missing; says which ones
+# they are where they can't be installed.
+needpackages() {
+    local missing=() name
+    for name in "$@"; do
+        dpkg-query -W -f='${Status}\n' "$name" 2>/dev/null | grep -q '^install ok installed$' ||
+            missing+=("$name")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    command -v apt-get >/dev/null ||
+        fail "these packages are missing and this machine has no apt-get: ${missing[*]}"
+    local asroot=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null ||
+            fail "these packages are missing, and only root can install them: ${missing[*]}"
+        asroot=(sudo)
+    fi
+    say "Installing: ${missing[*]}"
+    # An old package list may name versions that are gone: renew it when the first try fails.
+    local install=(env DEBIAN_FRONTEND=noninteractive apt-get install -y -q "${missing[@]}")
+    "${asroot[@]}" "${install[@]}" >/dev/null 2>&1 && return 0
+    "${asroot[@]}" apt-get update -q >/dev/null 2>&1 || true
+    "${asroot[@]}" "${install[@]}" >/dev/null ||
+        fail "these packages could not be installed (is there a network?): ${missing[*]}"
+}
+
+# shellcheck disable=SC2034
+buildpackages=(g++ cmake make libeigen3-dev libopenblas-dev)
+# shellcheck disable=SC2034
+testpackages=(libgtest-dev)
+# shellcheck disable=SC2034
+benchpackages=(libbenchmark-dev scrm time)
+
+# build FOLDER [CMAKE OPTION...]: configures and builds; the log is shown when it fails.
+build() {
+    local folder=$1 log
+    shift
+    mkdir -p "$folder"
+    log=$folder/build.log
+    say "Building in $folder ..."
+    if ! { cmake -S "$root" -B "$folder" "$@" && cmake --build "$folder" -j"$(nproc)"; } \
+        >"$log" 2>&1; then
+        tail -n 40 "$log" >&2
+        fail "the build failed, see $log"
+    fi
+}
