@@ -1,7 +1,19 @@
 #include "solvanto.h"
 
+#include "founders/extractsegsites.h"
+#include "founders/runmacs.h"
+#include "haplotypes/burnindrop.h"
+#include "merge/startmerge.h"
+#include "pedigree/pedigreereadermaker.h"
+#include "results/sequence.h"
+#include "results/snpchips.h"
+#include "selection/selectioncycle.h"
 #include "shell.h"
+#include "spec/readinparameters.h"
+#include "stops.h"
 #include "textlayout.h"
+#include "traits/simulateqtneffects.h"
+#include "values/burninvalues.h"
 #include "words.h"
 
 #include <ctime>
@@ -41,23 +53,6 @@ void makedirectories(const state &s)
     runshell("mkdir Selection", "MakeDirectories");
 }
 
-namespace
-{
-float cpuseconds()
-{
-    return static_cast<float>(static_cast<double>(std::clock()) / CLOCKS_PER_SEC);
-}
-
-void printtiming(float seconds)
-{
-    printline("");
-    textline line = "  Time duration of Solvanto = ";
-    putf(line, seconds, 20, 4);
-    printline(line + " seconds.");
-    printline("");
-}
-} // namespace
-
 void deallocatearraysfromspecfileread(state &s)
 {
     s.pop.cumindivnbtogen.release();
@@ -83,11 +78,80 @@ void deallocatearraysfromspecfileread(state &s)
     s.traits.cholcove.release();
 }
 
+namespace
+{
+float cpuseconds()
+{
+    return static_cast<float>(static_cast<double>(std::clock()) / CLOCKS_PER_SEC);
+}
+
+void printtiming(float seconds)
+{
+    printline("");
+    textline line = "  Time duration of Solvanto = ";
+    putf(line, seconds, 20, 4);
+    printline(line + " seconds.");
+    printline("");
+}
+
+// Settings that a run would only meet after hours of work are refused here, right after the
+// specification has been read and judged.
+void refusewhatisabsent(const state &s)
+{
+    const auto refuse = [](const char *what, const char *setting) {
+        printline("ERROR: " + std::string(what) +
+                  " is not available in this version of Solvanto; " + setting + " must be Off");
+        plainstop();
+    };
+    if (s.editing.geneditonoff) refuse("Gene editing", "GeneEditingOnOff");
+    if (s.editing.genedriveonoff) refuse("Gene drive", "GeneDriveOnOff");
+    if (s.selection.optcontribselonoff)
+        refuse("Optimal contribution selection", "OptimalContributionSelectionOnOff");
+    if (s.selection.computeavercoancestryyes1no0 == 1) {
+        printline("ERROR: Average coancestry is not available in this version of Solvanto; "
+                  "ComputeAverageCoancestryYesNo must be No");
+        plainstop();
+    }
+}
+
+void writeresults(state &s)
+{
+    const int64 first = s.run.specstartgen;
+    const bool withoutlast = s.run.selflexibilityonoff && s.run.importstage == 1;
+    const int64 last = withoutlast ? s.run.specendgen - 1 : s.run.specendgen;
+    writeoutsnpchips(s, first, last);
+    if (!s.run.fullseqoutonoff) return;
+    writeoutsequence(s, first, last);
+    // Compression takes the specification's last generation, also when output ends before it.
+    if (isword(s.run.zipseqoutputfiles, "yes")) zipsequenceoutputfiles(s, first, s.run.specendgen);
+}
+} // namespace
+
 void solvanto(state &s)
 {
     const float start = cpuseconds();
     titles();
     initiateseed(s.random);
+    readinparameters(s);
+    startmerge(s);
+    refusewhatisabsent(s);
+
+    const bool newsimulation = s.run.specstartgen == 1;
+    const bool burnin = s.run.specstartgen <= s.pop.ngen;
+    if (newsimulation) makedirectories(s);
+    pedigreereadermaker(s);
+    if (newsimulation) {
+        runmacs(s);
+        extractsegsites(s);
+    }
+    if (burnin) drophaploburninandmakearrays(s);
+    if (newsimulation) simulateqtneffects(s);
+    if (burnin) computetbvvaravareandburnintpv(s);
+    if (s.pop.ngensel > 0) drophaploselection(s);
+    writeresults(s);
+    if (s.run.specendgen == s.pop.ngensel + s.pop.ngen && isword(s.run.keepchromdata, "no"))
+        runshell("rm -r Chromosomes", "Solvanto: ");
+
     deallocatearraysfromspecfileread(s);
     printtiming(cpuseconds() - start);
 }
