@@ -1,0 +1,32 @@
+// runsupport.h - whole runs of the program in a test's folder, and the trees that they leave.
+#pragma once
+
+#include "specsupport.h"
+#include "testsupport.h"
+
+#include <map>
+
+// A test that runs the program in its empty folder.
+class wholerun : public infolder
+{
+  protected:
+    void SetUp() override;
+    // Writes the specification, and the seed where one is given, and runs the program.
+    commandresult run(const spectext &spec);
+    commandresult run(const spectext &spec, int64 seed);
+    // The same for a run that must come to its end.
+    void mustrun(const spectext &spec);
+    void mustrun(const spectext &spec, int64 seed);
+};
+
+// A specification of a small run: the good one, with founders of about 400 sites a chromosome.
+spectext smallrun();
+
+// The files of the working folder by their paths, the programs and their copies left out.
+using filetree = std::map<std::string, std::string>;
+filetree readtree();
+// Fails with the first difference by file, line and column.
+void expectsametree(const filetree &was, const filetree &is);
+
+// A table of numbers: the words of a file's lines behind its title lines.
+std::vector<std::vector<double>> numbertable(const std::string &path, int titlelines = 0);
