@@ -420,7 +420,7 @@ void restrictsegsites(state &s, int64 chrom)
     writecount(chromfolder(chrom) + "SegSitesIncluded.txt", s.sites.nsegregincl);
     chooseincludedsites(s);
     s.sites.nmutinclglobal(chrom) = sumof(s.sites.inclmutindicator);
-    printline("      Included number of mutations" + numbertext(s.sites.nmutinclglobal(chrom)));
+    printline("      Included number of mutations" + freeline(s.sites.nmutinclglobal(chrom)));
     drawcarriers(s, chrom);
     writemutindivindicator(s, chrom);
     writeincludedmap(s, chrom);

@@ -21,7 +21,7 @@ bool isfull(const sitelist &thisarray, int64 nsnponarray)
 
 [[noreturn]] void notenoughqtn(const char *message, int64 chrom, int64 code)
 {
-    printline(message + numbertext(chrom));
+    printline(message + freeline(chrom));
     stopwithcode(code);
 }
 

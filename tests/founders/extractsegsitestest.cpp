@@ -269,7 +269,7 @@ TEST_F(extraction, agreewithplainstrings)
             counts += format(" %d %d %zu\n", static_cast<int>(chrom),
                              static_cast<int>(slow.nsegreg), slow.included[0].size());
             output += format("  Extraction of segregating sites for chromosome  %d\n"
-                             "      Included number of mutations%d\n",
+                             "      Included number of mutations %d\n",
                              static_cast<int>(chrom), static_cast<int>(slow.nmutincl));
             nmutations += slow.nmutincl;
         }

@@ -197,17 +197,17 @@ TEST_F(markerchoice, listsThatEndTooSoon)
          "ERROR: Not Enough SNP Segregating on SNP array 2\n 60 36 37\n");
     chooseqtnunrestricted(s, 2, 50, 11);
     stop([&] { chooseqtnunrestricted(s, 2, 51, 11); }, 110028,
-         "ERROR: Not Enough QTN Segregating on chromosome2\n");
+         "ERROR: Not Enough QTN Segregating on chromosome 2\n");
     chooseqtnrestricted(s, 2, 30, 11); // sites 13 to 60
     stop([&] { chooseqtnrestricted(s, 2, 31, 11); }, 110026,
          "ERROR: Not enough segregating sites for QTN model 3\n 60 31 30\n");
     // Enough sites in the band, but too few of them behind the place on the list.
     std::reverse(s.chips.snponarrays.begin(), s.chips.snponarrays.end());
     stop([&] { chooseqtnrestricted(s, 2, 30, 11); }, 110027,
-         "ERROR: Not enough QTN segregating on chromosome2\n");
+         "ERROR: Not enough QTN segregating on chromosome 2\n");
     chooseqtnrecombination(s, 2, 60);
     stop([&] { chooseqtnrecombination(s, 2, 61); }, 110025,
-         "ERROR: Not Enough QTN Segregating on chromosome2\n");
+         "ERROR: Not Enough QTN Segregating on chromosome 2\n");
 }
 
 TEST_F(markerchoice, regionsGiveTheSites)
@@ -314,7 +314,7 @@ TEST_F(markerchoice, fillUpRespectsTheChips)
     s.chips.snpchipinclqtn = 2;
     const outcome none = runbody([&] { chooseqtnrestrictedclusters(s, 2, 12, 61); });
     EXPECT_EQ(none.code(), 110027);
-    EXPECT_EQ(none.output, warning + "ERROR: Not enough QTN segregating on chromosome2\n");
+    EXPECT_EQ(none.output, warning + "ERROR: Not enough QTN segregating on chromosome 2\n");
     s.chips.snpchipinclqtn = 1;
     const outcome full = runbody([&] { chooseqtnrestrictedclusters(s, 2, 12, 61); });
     EXPECT_EQ(full.output, warning);
