@@ -58,18 +58,6 @@ void readrows(state &s)
         readpedigreeline(in, s.pedi.ped(i));
 }
 
-void readgenders(state &s)
-{
-    infile in(gendertable);
-    in.skiprecords(1);
-    for (int64 i = 1; i <= lastindivofgen(s, s.run.specendgen); ++i) {
-        in.record();
-        in.integer();
-        in.integer();
-        s.pedi.globalgender(i) = in.integer();
-    }
-}
-
 void readgenerationcounts(state &s)
 {
     infile in(generationtable);
@@ -83,6 +71,18 @@ void readgenerationcounts(state &s)
     }
 }
 } // namespace
+
+void readgenders(state &s)
+{
+    infile in(gendertable);
+    in.skiprecords(1);
+    for (int64 i = 1; i <= lastindivofgen(s, s.run.specendgen); ++i) {
+        in.record();
+        in.integer();
+        in.integer();
+        s.pedi.globalgender(i) = in.integer();
+    }
+}
 
 void readpedigreegender(state &s)
 {

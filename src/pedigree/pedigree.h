@@ -58,6 +58,10 @@ void readpedigreeline(infile &in, pedigreeline &row);
 // The arrays exist already.
 void readpedigreegender(state &s);
 
+// Fills globalgender up to generation specendgen from Gender.txt: genders are drawn for an external
+// pedigree, too, and the selection of parents by gender needs them.
+void readgenders(state &s);
+
 // Writes the rows of generations specstartgen to specendgen behind those of the generations
 // before; what stood there is replaced. Sets the rows' generation.
 void writeoutpedigree(state &s);

@@ -20,6 +20,7 @@
 #include "values/genicvariances.h"
 #include "values/phenotypes.h"
 #include "values/recombtrait.h"
+#include "words.h"
 
 #include <algorithm>
 
@@ -252,6 +253,7 @@ void drophaploselection(state &s)
     if (s.run.specendgen <= s.pop.ngen) return; // nothing of selection belongs to this run
     allocatearraysfordrophaploselection(s, 0, "ChromPedi");
     readpedigreegender(s);
+    if (!isword(s.pedi.pedigreestatus, "internal")) readgenders(s);
     readsegsitesdatafromallchrom(s);
     allocatearraysfordrophaploselection(s, 0, "QtnTbvGEd");
 
