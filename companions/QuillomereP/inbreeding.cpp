@@ -57,33 +57,73 @@ struct batch {
     std::vector<std::pair<int64, int64>> waiting; // parent, the one of traced it follows
 };
 
-// Coefficients of all in the batch. rows: 8 lanes for each parent, all 0 before and after.
-void trace(parentpedigree &a, batch &b, std::vector<double> &rows)
+// Work of the tracing: eight lanes for each parent, all 0 before and after, and whether any of them
+// has been touched. Tracing goes from young to old, and no row is needed any more when it has come
+// further back than the greatest distance between an animal and a parent of it: few rows serve all
+// parents in turn. With generations that follow each other they stay in the inner caches. A row for
+// each of 200,000 parents mated at random took twice as long.
+struct tracingrows {
+    int64 distance = 0;        // the greatest between a parent and a parent of it
+    int64 mask = 0;            // number of rows - 1, a power of two less 1
+    std::vector<double> lanes; // nlanes for each row
+    std::vector<char> touched;
+    double *of(int64 parent) { return lanes.data() + (parent & mask) * nlanes; }
+    char &touch(int64 parent) { return touched[static_cast<std::size_t>(parent & mask)]; }
+};
+
+tracingrows makerows(const parentpedigree &a)
+{
+    tracingrows rows;
+    for (int64 j = 1; j <= a.n; ++j)
+        for (const int64 parent : {a.sire(j), a.dam(j)})
+            if (parent > 0) rows.distance = std::max(rows.distance, j - parent);
+    // The members of a batch lie apart by up to that distance, too.
+    int64 nrows = 1;
+    while (nrows <= 2 * rows.distance) nrows *= 2;
+    rows.mask = nrows - 1;
+    rows.lanes.assign(static_cast<std::size_t>(nrows * nlanes), 0.0);
+    rows.touched.assign(static_cast<std::size_t>(nrows), 0);
+    return rows;
+}
+
+// The row of parent j hands half of itself to each of its parents and adds its share to the
+// diagonals, in copies that share no memory with other rows: that lets the lanes go side by side.
+void passonrow(const parentpedigree &a, int64 j, tracingrows &rows, double *diagonal)
+{
+    double part[nlanes], sum[nlanes];
+    double *const row = rows.of(j);
+    for (int64 lane = 0; lane < nlanes; ++lane) part[lane] = row[lane];
+    for (int64 lane = 0; lane < nlanes; ++lane) row[lane] = 0;
+    for (const int64 parent : {a.sire(j), a.dam(j)}) {
+        if (parent == 0) continue;
+        rows.touch(parent) = 1;
+        double *const upper = rows.of(parent);
+        for (int64 lane = 0; lane < nlanes; ++lane) sum[lane] = upper[lane] + 0.5 * part[lane];
+        for (int64 lane = 0; lane < nlanes; ++lane) upper[lane] = sum[lane];
+    }
+    const double d = a.d(j);
+    for (int64 lane = 0; lane < nlanes; ++lane) diagonal[lane] += part[lane] * part[lane] * d;
+}
+
+// Coefficients of all in the batch.
+void trace(parentpedigree &a, batch &b, tracingrows &rows)
 {
     double diagonal[nlanes] = {};
     int64 youngest = 0;
     for (std::size_t lane = 0; lane < b.traced.size(); ++lane) {
         const int64 k = b.traced[lane];
         for (const int64 parent : {a.sire(k), a.dam(k)}) {
-            rows[static_cast<std::size_t>(parent * nlanes) + lane] += 0.5;
+            rows.of(parent)[lane] += 0.5;
+            rows.touch(parent) = 1;
             youngest = std::max(youngest, parent);
         }
         diagonal[lane] = a.d(k);
     }
     for (int64 j = youngest; j >= 1; --j) {
-        double *const row = rows.data() + j * nlanes;
-        double any = 0;
-        for (int64 lane = 0; lane < nlanes; ++lane) any += row[lane];
-        if (any == 0) continue; // an ancestor of none
-        for (const int64 parent : {a.sire(j), a.dam(j)}) {
-            if (parent == 0) continue;
-            double *const upper = rows.data() + parent * nlanes;
-            for (int64 lane = 0; lane < nlanes; ++lane) upper[lane] += 0.5 * row[lane];
-        }
-        for (int64 lane = 0; lane < nlanes; ++lane) {
-            diagonal[lane] += row[lane] * row[lane] * a.d(j);
-            row[lane] = 0;
-        }
+        char &touched = rows.touch(j);
+        if (!touched) continue; // an ancestor of none
+        touched = 0;
+        passonrow(a, j, rows, diagonal);
     }
     for (std::size_t lane = 0; lane < b.traced.size(); ++lane)
         a.f(b.traced[lane]) = diagonal[lane] - 1;
@@ -92,15 +132,17 @@ void trace(parentpedigree &a, batch &b, std::vector<double> &rows)
 }
 
 // Goes through the parents from old to young. A parent joins the batch unless it descends from
-// one that is in it: the coefficients of its own parents must be known.
+// one that is in it: the coefficients of its own parents must be known. It begins another batch,
+// too, if it lies too far from the first one for the rows that there are.
 void computecoefficients(parentpedigree &a)
 {
-    std::vector<double> rows(static_cast<std::size_t>((a.n + 1) * nlanes), 0.0);
+    tracingrows rows = makerows(a);
     std::unordered_map<std::uint64_t, int64> firstofpair;
     batch b;
     for (int64 k = 1; k <= a.n; ++k) {
         const int64 sire = a.sire(k), dam = a.dam(k);
-        if ((sire > 0 && a.f(sire) == unknown) || (dam > 0 && a.f(dam) == unknown))
+        if ((sire > 0 && a.f(sire) == unknown) || (dam > 0 && a.f(dam) == unknown) ||
+            (!b.traced.empty() && k - b.traced.front() > rows.distance))
             trace(a, b, rows);
         a.d(k) = mendelianvariance(a.doubledhaploid(k), sire, dam, a.f);
         if (a.doubledhaploid(k) || sire == 0 || dam == 0) {
