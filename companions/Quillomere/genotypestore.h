@@ -7,9 +7,7 @@
 // by byte, what the five genotypes contribute together (tables of 243 entries, small enough for the
 // innermost cache); sums over individuals collect weights per byte value first and take them apart
 // into genotypes afterwards. Both are the method of the four Russians (Arlazarov et al. 1970), and
-// cost one lookup in double precision for five genotypes. A plain product of 8-bit genotypes with
-// a vector converted on the fly is about four times slower, and one in single precision would need
-// refinement.
+// cost one lookup in double precision for five genotypes.
 //
 // Indices: individuals 1..nindiv, segregating SNPs 1..nsnp; slabs of 40 SNPs from 1.
 #pragma once
