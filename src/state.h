@@ -258,6 +258,16 @@ inline int64 lastindivofgen(const state &s, int64 gen)
     return s.pop.cumindivnbtogen(gen);
 }
 
+// First and last burn-in generation that this run works on; none where last lies below first.
+struct generationspan {
+    int64 first = 1, last = 0;
+};
+inline generationspan burningenerations(const state &s)
+{
+    if (!s.run.genflexibilityonoff) return {1, s.pop.ngen};
+    return {s.run.specstartgen, s.run.specendgen < s.pop.ngen ? s.run.specendgen : s.pop.ngen};
+}
+
 // Folder of a chromosome: "./Chromosomes/Chromosome<h>/".
 inline std::string chromfolder(int64 chrom)
 {

@@ -1,11 +1,13 @@
 #include "founders/runmacs.h"
 
 #include "founders/presets.h"
+#include "haplotypes/recombmap.h"
 #include "shell.h"
 #include "sortstat.h"
 #include "stops.h"
 #include "words.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace
@@ -107,54 +109,28 @@ std::string macscommand(const std::string &folder, int64 nhaps, const std::strin
 
 namespace
 {
-struct recombregion {
-    double start = 0, stop = 0, proportion = 0;
-};
-
-array1<recombregion> readregions(const std::string &filename)
+void stopifoutoforder(const std::vector<recombregion> &regions)
 {
-    array1<recombregion> regions(countlines(filename));
-    infile in(filename);
-    for (recombregion &region : regions) {
-        in.record();
-        region.start = in.real();
-        region.stop = in.real();
-        region.proportion = in.real();
-    }
-    return regions;
-}
-
-void stopifoutoforder(const array1<recombregion> &regions)
-{
-    for (int64 i = 1; i <= regions.size(); ++i) {
-        const recombregion &region = regions(i);
-        const bool behind =
-            i == 1 || (region.start > regions(i - 1).start && region.stop > regions(i - 1).stop);
-        if (behind && region.start != region.stop) continue;
-        printline("ERROR: Variable recombination file should be sorted from start to end of "
-                  "chromosome");
-        stopwithcode(110031);
-    }
-}
-
-void rescaleproportions(array1<recombregion> &regions)
-{
-    double sum = 0;
-    for (const recombregion &region : regions) sum += region.proportion;
-    if (sum == 1.0) return;
-    printline("WARNING: proportion of recombinations over the defined regions must sum to 1.0 - "
-              "rescale");
-    printline("");
-    for (recombregion &region : regions) region.proportion /= sum;
+    // A region that ends where it starts has no length to divide its share by.
+    const bool empty = std::any_of(regions.begin(), regions.end(), [](const recombregion &region) {
+        return region.start == region.stop;
+    });
+    if (!empty && regionsinorder(regions)) return;
+    printline("ERROR: Variable recombination file should be sorted from start to end of "
+              "chromosome");
+    stopwithcode(110031);
 }
 } // namespace
 
 void readrecombspecformacs(int64 chrom)
 {
-    array1<recombregion> regions =
-        readregions("./RecombinationSpecifications/Chromosome" + numbertext(chrom) + ".txt");
+    std::vector<recombregion> regions = readrecombregions(chrom);
     stopifoutoforder(regions);
-    rescaleproportions(regions);
+    if (rescaleproportions(regions)) {
+        printline("WARNING: proportion of recombinations over the defined regions must sum to 1.0 "
+                  "- rescale");
+        printline("");
+    }
 
     outfile out(chromfolder(chrom) + "Hotspots.txt");
     textline line;

@@ -34,11 +34,11 @@ void dropgeneration(state &s, int64 chrom, int64 gen, bool parentsloaded)
     extractgeneration(s, chrom, gen, startindiv, endindiv);
 }
 
-void dropchromosome(state &s, int64 chrom, int64 startgen, int64 endgen)
+void dropchromosome(state &s, int64 chrom, generationspan span)
 {
     prepareforchromosome(s, chrom);
-    for (int64 j = startgen; j <= endgen; ++j) {
-        dropgeneration(s, chrom, j, j > startgen);
+    for (int64 j = span.first; j <= span.last; ++j) {
+        dropgeneration(s, chrom, j, j > span.first);
         // The generation just made has the parents of the next: no need to read its file.
         std::swap(s.haplo.oldtmpgenome, s.haplo.tmpgenome);
     }
@@ -52,15 +52,13 @@ void dropchromosome(state &s, int64 chrom, int64 startgen, int64 endgen)
 
 void drophaploburninandmakearrays(state &s)
 {
-    const bool flexible = s.run.genflexibilityonoff;
-    const int64 startgen = flexible ? s.run.specstartgen : 1;
-    const int64 endgen = flexible ? std::min(s.run.specendgen, s.pop.ngen) : s.pop.ngen;
+    const generationspan span = burningenerations(s);
     allocatearraysfordrophaploburnin(s, "AllChrom");
     readpedigreegender(s);
     readsegsitesdatafromallchrom(s);
     outfile locations("./SimulatedData/GlobalRecombLocationMax.txt");
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        dropchromosome(s, h, startgen, endgen);
+        dropchromosome(s, h, span);
         locations.writeline(freeline(h, s.haplo.globalrecomblocationmax(h)));
     }
     locations.close();

@@ -54,3 +54,16 @@ void randommating(state &s, int64 firstrow, int64 nmatings, const array1<int64> 
         (parentgenderwritten == 1 ? row.newsire : row.newdam) = candidate;
     }
 }
+
+void assignparents(state &s, int64 firstrow, int64 nmatings, const array1<int64> &matingvec,
+                   int64 parentgender)
+{
+    if (parentgender == 1) {
+        for (int64 r = 1; r <= nmatings; ++r) s.pedi.ped(firstrow + r - 1).newsire = matingvec(r);
+        return;
+    }
+    array1<int64> shufflematingvec(nmatings);
+    randomorder(shufflematingvec, nmatings, s.random);
+    for (int64 r = 1; r <= nmatings; ++r)
+        s.pedi.ped(firstrow + r - 1).newdam = matingvec(shufflematingvec(r));
+}

@@ -22,3 +22,9 @@ void randommating(state &s, int64 firstrow, int64 nmatings, const array1<int64> 
 
 // Stop 110021: random mating can't work with the parents of this generation.
 [[noreturn]] void stopforrandommating(int64 gen);
+
+// Writes the parents of matingvec(1..nmatings), pedigree rows, into the rows from firstrow on: as
+// sires in their order, or (parentgender 2) as dams in random order.
+// Draws: none for gender 1, randomorder of nmatings for gender 2.
+void assignparents(state &s, int64 firstrow, int64 nmatings, const array1<int64> &matingvec,
+                   int64 parentgender);

@@ -396,14 +396,7 @@ void selectnextparentsrandom(state &s, int64 parentgender, int64 currentgen, int
     const int64 firstrow = firstindivofgen(s, currentgen);
     array1<int64> matingvec(nmatings);
     buildmatingvec(parents, npargender, nmatings, matingvec);
-    if (parentgender == 1) {
-        for (int64 r = 1; r <= nmatings; ++r) s.pedi.ped(firstrow + r - 1).newsire = matingvec(r);
-    } else {
-        array1<int64> shufflematingvec(nmatings);
-        randomorder(shufflematingvec, nmatings, s.random);
-        for (int64 r = 1; r <= nmatings; ++r)
-            s.pedi.ped(firstrow + r - 1).newdam = matingvec(shufflematingvec(r));
-    }
+    assignparents(s, firstrow, nmatings, matingvec, parentgender);
     if (s.pop.nrandparinthisgen(currentgen - 1) > 0)
         randommating(s, firstrow, nmatings, matingvec, 2);
 }

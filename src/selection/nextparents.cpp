@@ -1,8 +1,7 @@
 #include "selection/nextparents.h"
 
 #include "pedigree/matings.h"
-#include "stops.h"
-#include "textlayout.h"
+#include "pedigree/pedigreereadermaker.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,37 +10,11 @@
 
 namespace
 {
-bool isgenderblind(const state &s, int64 parentgen)
-{
-    return s.pop.plantbreedonoff &&
-           (s.pop.nrandparinthisgen(parentgen) > 0 || s.pop.nselfedparinthisgen(parentgen) > 0);
-}
-
-void stopifnoparents(const state &s, int64 parentgen, int64 parentgender, int64 npargender)
-{
-    if (npargender > 0) return;
-    struct report {
-        const char *message;
-        int64 width, code;
-    };
-    static constexpr report reports[2][2] = {
-        {{"ERROR: Not enough sires for generation", 38, 110023},
-         {"ERROR: Not enough dams for generation", 37, 110024}},
-        {{"ERROR: Not enough male plants for generation", 44, 110019},
-         {"ERROR: Not enough female plants for generation", 46, 110020}}};
-    const report &found = reports[s.pop.plantbreedonoff ? 1 : 0][parentgender - 1];
-    textline line;
-    puta(line, found.message, found.width);
-    puti(line, parentgen, 5);
-    printline(line);
-    stopwithcode(found.code);
-}
-
 // Places of the chosen in the test set, best first.
-array1<int64> rank(const state &s, int64 parentgen, int64 parentgender, int64 npargender)
+array1<int64> rank(const state &s, int64 currentgen, int64 parentgender, int64 npargender)
 {
     const selectiondata &sel = s.selection;
-    const bool genderblind = isgenderblind(s, parentgen);
+    const bool genderblind = genderisignored(s, currentgen);
     const double lowest = static_cast<double>(-1.0e16f);
     std::vector<int64> candidates;
     for (int64 i = 1; i <= sel.ntestindiv; ++i)
@@ -59,7 +32,7 @@ array1<int64> rank(const state &s, int64 parentgen, int64 parentgender, int64 np
             stderr,
             "warning: %lld parents of generation %lld are asked for, %lld candidates have a "
             "finite value; the last is entered again\n",
-            static_cast<long long>(npargender), static_cast<long long>(parentgen),
+            static_cast<long long>(npargender), static_cast<long long>(currentgen - 1),
             static_cast<long long>(nfound));
     array1<int64> selectedindividuals(npargender, 1);
     for (int64 k = 1; k <= npargender; ++k) {
@@ -75,11 +48,10 @@ array1<int64> rank(const state &s, int64 parentgen, int64 parentgender, int64 np
 void selectnextparentstruncat(state &s, int64 currentgen, int64 parentgender, int64 npargender)
 {
     selectiondata &sel = s.selection;
-    const int64 parentgen = currentgen - 1;
     const int64 nmatings = s.pop.nindivinthisgen(currentgen);
     const int64 firstrow = sel.endtestindiv + 1;
-    stopifnoparents(s, parentgen, parentgender, npargender);
-    const array1<int64> selectedindividuals = rank(s, parentgen, parentgender, npargender);
+    stopiftoofewparents(s, parentgender, currentgen, npargender, npargender);
+    const array1<int64> selectedindividuals = rank(s, currentgen, parentgender, npargender);
     if (s.editing.geneditonoff && parentgender == 1)
         for (int64 k = 1; k <= s.editing.indivtobeedited.size(); ++k)
             s.editing.indivtobeedited(k) = selectedindividuals(k);
@@ -88,14 +60,7 @@ void selectnextparentstruncat(state &s, int64 currentgen, int64 parentgender, in
     buildmatingvec(selectedindividuals, npargender, nmatings, matingvec);
     for (int64 &parent : matingvec) parent += sel.endtestindiv - sel.ntestindiv; // place to row
 
-    if (parentgender == 1) {
-        for (int64 r = 1; r <= nmatings; ++r) s.pedi.ped(firstrow + r - 1).newsire = matingvec(r);
-    } else {
-        array1<int64> shufflematingvec(nmatings);
-        randomorder(shufflematingvec, nmatings, s.random);
-        for (int64 r = 1; r <= nmatings; ++r)
-            s.pedi.ped(firstrow + r - 1).newdam = matingvec(shufflematingvec(r));
-    }
-    if (s.pop.nrandparinthisgen(parentgen) > 0)
+    assignparents(s, firstrow, nmatings, matingvec, parentgender);
+    if (s.pop.nrandparinthisgen(currentgen - 1) > 0)
         randommating(s, firstrow, nmatings, matingvec, parentgender);
 }

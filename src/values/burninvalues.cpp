@@ -197,13 +197,11 @@ void computegeneration(state &s, int64 gen)
 
 void computetbvvaravareandburnintpv(state &s)
 {
-    const bool part = s.run.genflexibilityonoff;
-    const int64 startgen = part ? s.run.specstartgen : 1;
-    const int64 endgen = part ? std::min(s.run.specendgen, s.pop.ngen) : s.pop.ngen;
+    const generationspan span = burningenerations(s);
     allocatearraysforcomputevaravareandtpv(s, "AllGen");
     readpedigreegender(s);
     readsegsitesdatafromallchrom(s);
-    for (int64 gen = startgen; gen <= endgen; ++gen) computegeneration(s, gen);
+    for (int64 gen = span.first; gen <= span.last; ++gen) computegeneration(s, gen);
     deallocatearraysforcomputevaravareandtpv(s, "AllGen");
 }
 
