@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# bench/benchcycles.sh BIN: selection cycles on true values in whole runs.
+# bench/benchcycles.sh BUILDFOLDER: selection cycles on true values in whole runs.
 # 1. One cycle of 10 chromosomes x 6,000 sites, 1,000 candidates, 2,000 QTN: its time to that of
 #    "cp -r" of the files that belong to it alone (those of its generation and its folder).
 # 2. Forty cycles of 1,000 individuals: the time of each, which may grow only by what the growing
 #    files cost in bytes.
 # FOLDER: where it works (a temporary one). CYCLES (40).
 set -euo pipefail
-bin=$(cd "$1" && pwd)
+bin=$(cd "${1:?usage: $0 BUILDFOLDER}/bin" && pwd)
 folder=${FOLDER:-$(mktemp -d)}
 trap 'rm -rf "$folder"' EXIT
 root=$(cd "$(dirname "$0")/.." && pwd)

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# bench/benchwholerun.sh BIN: a whole burn-in run without the coalescent, wall time to that of
+# bench/benchwholerun.sh BUILDFOLDER: a whole burn-in run without the coalescent, wall time to that of
 # "cp -r" of its result tree. Founder files are made once and put in place by stand-ins for the
 # two programs. Sizes: CHROMOSOMES (10), INDIVIDUALS per generation (1000), GENERATIONS (5),
 # sequence output on; about 9 GB of results at full size. FOLDER: where it works (a temporary one).
 set -euo pipefail
-bin=$(cd "$1" && pwd)
+bin=$(cd "${1:?usage: $0 BUILDFOLDER}/bin" && pwd)
 nchrom=${CHROMOSOMES:-10}
 nindiv=${INDIVIDUALS:-1000}
 ngen=${GENERATIONS:-5}
