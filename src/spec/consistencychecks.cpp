@@ -306,6 +306,7 @@ void checkcompulsorykeys(const specreader &r)
     if (s.pop.ngen == 0) failkey("numbergenerationsburnin");
     if (s.pop.ngensel == -1) failkey("numbergenerationsselection");
     const int64 ngenerations = s.pop.ngen + s.pop.ngensel;
+    if (r.tooearly) failkey(*r.tooearly);
     if (!r.b1) failkey("numberofindividualsineachgeneration");
     for (int64 g = 1; g <= ngenerations; ++g)
         if (s.pop.nindivinthisgen(g) < 1) failkey("numberofindividualsineachgeneration");

@@ -24,8 +24,7 @@ void readpergeneration(specreader &r, array1<int64> &numbers, int64 n, std::stri
 {
     const std::string form = parsestringwindows(valuetext(r, 1));
     if (form.empty() && !emptyisalist) return;
-    if (hasnogenerations(r)) return;
-    if (!r.b1) failkey(r);
+    if (!hasgenerations(r)) return;
     if (form == "constant") {
         const int64 number = valueinteger(r, 2);
         for (int64 g = 1; g <= n; ++g) numbers(g) = number;
@@ -75,14 +74,13 @@ void readnumberofdhgenerations(specreader &r)
 {
     if (!r.s.pop.plantbreedonoff) return;
     const int64 ngendh = valueinteger(r, 1, 0, 2 * maxgenerations);
-    if (ngendh > 0 && !r.b1 && !hasnogenerations(r)) failkey(r);
-    r.s.pop.ngendh = ngendh;
+    if (ngendh == 0 || hasgenerations(r)) r.s.pop.ngendh = ngendh;
 }
 
 void readdhgenerations(specreader &r)
 {
     populationsettings &pop = r.s.pop;
-    if (!pop.plantbreedonoff || pop.ngendh == 0 || hasnogenerations(r)) return;
+    if (!pop.plantbreedonoff || pop.ngendh == 0) return;
     std::vector<int64> dhinthesegen;
     for (int64 k = 1; k <= pop.ngendh; ++k)
         dhinthesegen.push_back(valueinteger(r, k, 1, pop.createdhinthisgen.upper()));
@@ -123,7 +121,6 @@ const speckey keys[] = {
          if (!tryinteger(r, 1, n, 0, maxgenerations)) return;
          needroom(r, n, r.s.pop.ngensel);
          r.s.pop.ngen = n;
-         r.burninread = true;
      }},
     {"numbergenerationsselection", 13, "NumberGenerationsSelection not set properly in spec file",
      [](specreader &r) {

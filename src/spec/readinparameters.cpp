@@ -28,7 +28,7 @@ void makedoubledhaploidarray(specreader &r)
 {
     populationsettings &pop = r.s.pop;
     if (pop.ngendh <= 0) return;
-    pop.createdhinthisgen.allocate(r.b1 ? pop.nindivinthisgen.upper() : pop.ngensel + pop.ngen);
+    pop.createdhinthisgen.allocate(pop.nindivinthisgen.upper());
     r.b2 = true;
 }
 
@@ -54,8 +54,7 @@ void makeeditarrays(specreader &r)
 
 void makegenedrivearray(specreader &r)
 {
-    if (!r.s.editing.genedriveonoff || hasnogenerations(r)) return;
-    if (!r.b1) failkey("genedriveonoff");
+    if (!r.s.editing.genedriveonoff || !r.b1) return;
     const int64 nindiv = r.s.pop.cumindivnbtogen(r.s.pop.ngensel + r.s.pop.ngen);
     const int64 nsites = r.s.founders.nchrom * r.s.qtn.nqtnperchrom;
     constexpr int64 maxbytes = int64{1} << 40;
@@ -97,7 +96,7 @@ void handlebox(specreader &r)
     const std::string expected = numbertext(++r.box);
     std::string got = r.first.substr(3, r.box <= 9 ? 1 : 2);
     got.resize(r.box <= 9 ? 1 : 2, ' ');
-    if (trimright(got) != expected.substr(0, 2))
+    if (trimright(got) != expected)
         printline("ERROR - Order of boxes is wrong! Expecting box: " + expected +
                   " and got box: " + got);
 }

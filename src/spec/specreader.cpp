@@ -103,7 +103,8 @@ const std::string &valuepath(const specreader &r, int64 i)
     return path;
 }
 
-bool hasnogenerations(const specreader &r)
+bool hasgenerations(specreader &r)
 {
-    return !r.b1 && r.burninread && r.s.pop.ngen == 0 && r.s.pop.ngensel != -1;
+    if (!r.b1 && !r.tooearly) r.tooearly = r.key;
+    return r.b1;
 }

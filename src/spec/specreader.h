@@ -38,9 +38,12 @@ struct specreader {
     // One-shot array set-ups that have run: generations, doubled haploids, chips, edits, traits,
     // gene drive.
     bool b1 = false, b2 = false, b3 = false, b4 = false, b5 = false, gdchecker = false;
-    bool b6 = false; // chips are off: the keys of chip details are skipped
-    bool b9 = false; // editing is off: the keys of edit details are skipped
-    bool burninread = false, flexibilityread = false; // these keys were met
+    bool b6 = false;              // chips are off: the keys of chip details are skipped
+    bool b9 = false;              // editing is off: the keys of edit details are skipped
+    bool flexibilityread = false; // the key of generation flexibility was met
+    // The first key that had to fill arrays of the generations before they were made: refused
+    // behind the last record, where a missing number of generations is told first.
+    const speckey *tooearly = nullptr;
     // Words that the checks behind the last record turn into numbers.
     std::string animalbreeding, plantbreeding;
     std::string selectionbasedon, qtndistribution, selectionmethod, addqtntochip;
@@ -91,7 +94,6 @@ void needcount(const specreader &r, int64 n);
 // . _ - / + = @ : , alone.
 const std::string &valuepath(const specreader &r, int64 i);
 
-// True for a specification that says itself that it has no burn-in generation. No array of the
-// generations exists then, and the checks behind the last record refuse it: keys that fill those
-// arrays have nothing to do, and are not to blame.
-bool hasnogenerations(const specreader &r);
+// Whether the arrays of the generations exist; if not, the key at hand is kept as one that came
+// too early, and has nothing to do.
+bool hasgenerations(specreader &r);
