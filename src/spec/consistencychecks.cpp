@@ -335,7 +335,8 @@ void checkreach(const specreader &r)
     if (s.editing.nindedited > 0 && s.editing.ngeneditsperind > 0 && !r.b4)
         failkey("numberofeditedindividuals");
     if (s.selection.recombselonoff &&
-        s.qtn.ntotqtnrecomb != s.founders.nchrom * s.qtn.nqtnrecombperchrom)
+        (s.qtn.ntotqtnrecomb == 0 ||
+         s.qtn.ntotqtnrecomb != s.founders.nchrom * s.qtn.nqtnrecombperchrom))
         failkey("numberofqtnperchromforrecombination");
     const array3<int8> &drive = s.editing.genedriveqtnpresence;
     if (s.editing.genedriveonoff &&

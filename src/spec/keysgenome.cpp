@@ -17,7 +17,7 @@ bool isinternal(const specreader &r)
 void readinternalorreal(specreader &r, bool &internal, double &value)
 {
     internal = isinternal(r);
-    value = internal ? 0.0 : valuereal(r, 2);
+    value = internal ? 0.0 : valuereal(r, 2, 0);
 }
 
 void readinternalorinteger(specreader &r, bool &internal, int64 &value, int64 highest)
@@ -163,7 +163,7 @@ const speckey keys[] = {
     {"numberofmutationsperchr", 73, "numberofmutationsperchr not set properly",
      [](specreader &r) { r.s.sites.ndenovomutperchr = valueinteger(r, 1); }},
     {"mutationalvarianceproportion", 74, "mutationalvarianceproportion not set properly",
-     [](specreader &r) { r.s.qtn.varamutprop = valuereal(r, 1); }},
+     [](specreader &r) { r.s.qtn.varamutprop = valuereal(r, 1, 0); }},
     {"minmaxallelefreqformodel2and4", 75, "minmaxallelefreqformodel2and4 not set properly",
      [](specreader &r) { readtworeals(r, r.s.qtn.minqtnfreq, r.s.qtn.maxqtnfreq); }},
     {"shapeandscaleofgammadistformodel3and4", 76,
@@ -175,7 +175,7 @@ const speckey keys[] = {
      [](specreader &r) {
          needcount(r, 2);
          tryreal(r, 1, r.s.qtn.domdegmean);
-         tryreal(r, 2, r.s.qtn.domdegvar);
+         tryreal(r, 2, r.s.qtn.domdegvar, 0);
      }},
     {"qtnclustersonoff", 79, "QtnClustersOnOff not set properly",
      [](specreader &r) { r.s.qtn.qtnclustersonoff = !valueis(r, "off"); }},

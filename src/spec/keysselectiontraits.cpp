@@ -22,10 +22,10 @@ void readoptimalcontribution(specreader &r)
 }
 
 // Exactly one real for each trait.
-void readpertrait(specreader &r, array1<double> &values)
+void readpertrait(specreader &r, array1<double> &values, double lowest = -maxreal)
 {
     needcount(r, r.s.traits.ntraits);
-    for (int64 t = 1; t <= r.s.traits.ntraits; ++t) values(t) = valuereal(r, t);
+    for (int64 t = 1; t <= r.s.traits.ntraits; ++t) values(t) = valuereal(r, t, lowest);
 }
 
 const speckey keys[] = {
@@ -88,7 +88,7 @@ const speckey keys[] = {
     {"traitheritability", 123, "TraitHeritability not set properly",
      [](specreader &r) { readpertrait(r, r.s.traits.herit); }},
     {"traitgeneticvariance", 124, "TraitGeneticVariance not set properly",
-     [](specreader &r) { readpertrait(r, r.s.traits.varaspec); }},
+     [](specreader &r) { readpertrait(r, r.s.traits.varaspec, 0); }},
     // Box 13: the rows are the next records that match no key
     {"geneticcorrelationmatrix", 131,
      "error, Genetic Correlation Matrix has not been set correctly",

@@ -67,10 +67,11 @@ bool tryinteger(const specreader &r, int64 i, int64 &variable, int64 lowest, int
     return true;
 }
 
-bool tryreal(const specreader &r, int64 i, double &variable)
+bool tryreal(const specreader &r, int64 i, double &variable, double lowest)
 {
     double value = 0;
     if (!readreal(valuetext(r, i), value) || !std::isfinite(value)) return false;
+    if (value < lowest) failkey(r);
     variable = value;
     return true;
 }
@@ -82,10 +83,10 @@ int64 valueinteger(const specreader &r, int64 i, int64 lowest, int64 highest)
     return value;
 }
 
-double valuereal(const specreader &r, int64 i)
+double valuereal(const specreader &r, int64 i, double lowest)
 {
     double value = 0;
-    if (!tryreal(r, i, value)) failkey(r);
+    if (!tryreal(r, i, value, lowest)) failkey(r);
     return value;
 }
 

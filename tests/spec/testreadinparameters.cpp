@@ -176,6 +176,10 @@ TEST_F(readinparametersspec, everykeyfailsbyitsownmessageandcode)
     unreadable("ChromosomeLengthMorgansMaCS", "1.5");
     unreadable("ChromosomeLengthBasesMaCS", "Value,ten");
     unreadable("EffectivePopulationSizeBaseMaCS", "Value,-3");
+    unreadable("ChromosomeLengthMorgansSolvanto", "Value,-1");
+    unreadable("MutationalVarianceProportion", "-0.1");
+    unreadable("DominanceDegreeMeanAndVariance", "0,-1");
+    unreadable("TraitGeneticVariance", "-1");
     // What would reach paths and commands.
     unreadable("PedigreeStatus", "my$(reboot).txt");
     unreadable("PopulationHistoryMaCS", "history;ls");
@@ -224,6 +228,8 @@ TEST_F(readinparametersspec, noarrayismissed)
     expectstop({changed("NumberOfQtnPerChromosomeGammaDist", "0")
                     .set("DistributionOfQtnOfSelectionTraits", "Gamma"),
                 102, "DistributionOfQtnOfSelectionTraits not set properly"});
+    expectstop({changed("RecombinationOnOff", "On"), 83,
+                "NumberOfQtnPerChromForRecombination not set properly"});
     for (const char *range : {"1,6", "0,3", "3,2"})
         expectstop({changed("GenerationFlexibilityOnOff", "On").set("StartStopGeneration", range),
                     42, "StartStopGeneration not set properly"});
@@ -361,6 +367,13 @@ TEST_F(readinparametersspec, checksstopbymessageandcode)
         // Keys that no check names, in the order in which they are missed.
         {goodspec().remove("PedigreeStatus").remove("NumberOfChromosomes"), 11,
          "Pedigreestatus not set properly in spec file"},
+        {goodspec().remove("NumberGenerationsBurnIn").remove("NumberGenerationsSelection"), 12,
+         "NumberGenerationsBurnIn not set properly in spec file"},
+        {plantspec()
+             .remove("NumberGenerationsSelection")
+             .set("NumberOfGenerationsIncludingDoubledHaploids", "1")
+             .set("GeneDriveOnOff", "On"),
+         13, "NumberGenerationsSelection not set properly in spec file"},
         {goodspec().remove("NumberOfIndividualsInEachGeneration"), 14,
          "NumberOfIndividualsInEachGeneration not set properly"},
         {goodspec().remove("NumberOfChromosomes"), 51, "NumberOfChromosomes not set properly"},
@@ -370,14 +383,6 @@ TEST_F(readinparametersspec, checksstopbymessageandcode)
          "StartStopGeneration not set properly"},
     };
     for (const brokenspec &b : broken) expectstop(b);
-    // Without the generation keys no per-generation key can stand.
-    spectext bare =
-        goodspec().remove("NumberGenerationsBurnIn").remove("NumberGenerationsSelection");
-    bare.remove("NumberOfIndividualsInEachGeneration").remove("NumberOfSiresInEachGeneration");
-    expectstop({bare.remove("NumberOfDamsInEachGeneration"), 12,
-                "NumberGenerationsBurnIn not set properly in spec file"});
-    expectstop({bare.set("NumberGenerationsBurnIn", "3"), 13,
-                "NumberGenerationsSelection not set properly in spec file"});
 }
 
 TEST_F(readinparametersspec, setsnumbersfromwords)
@@ -605,6 +610,7 @@ TEST_F(readinparametersspec, notesthatstopnothing)
                                    .set("StartStopGeneration", "2,4")
                                    .set("SelectionFlexibilityOnOff", "On")
                                    .set("RecombinationOnOff", "On")
+                                   .set("NumberOfQtnPerChromForRecombination", "5")
                                    .set("NumberOfMutationsPerChr", "2")
                                    .set("GeneEditingOnOff", "On"));
     EXPECT_EQ(r.result.code(), 0);
