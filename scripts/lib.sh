@@ -37,8 +37,9 @@ needpackages() {
 
 # shellcheck disable=SC2034
 buildpackages=(g++ cmake make libeigen3-dev libopenblas-dev)
+# scrm: the tests hold the linkage of the coalescent simulator to it.
 # shellcheck disable=SC2034
-testpackages=(libgtest-dev)
+testpackages=(libgtest-dev scrm)
 # shellcheck disable=SC2034
 benchpackages=(libbenchmark-dev scrm time)
 
