@@ -71,10 +71,8 @@ void readindivmutindicator(state &s, int64 chrom)
     int64 nrows = 0;
     while (in.nextrecord()) {
         if (in.line().find_first_not_of(" \t") == std::string_view::npos) continue;
-        if (++nrows > s.pop.nindivp)
-            in.complain("more individuals than the " + numbertext(s.pop.nindivp) +
-                        " of the simulation");
-        in.integer(); // the individual's number is the row's
+        if (++nrows > s.pop.nindivp) continue; // this run ends with fewer individuals
+        in.integer();                          // the individual's number is the row's
         s.sites.indivmutindicator(chrom, nrows) = static_cast<int8>(in.integer());
     }
     s.sites.nindivpinit = nrows;

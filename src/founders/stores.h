@@ -24,7 +24,8 @@ void releasechromarrays(state &s);
 //                               recombselonoff on, from its second row, nqtnrecombonthischrom
 //   MutDeNovoInfo.txt           denovoinfo, as many rows as the chromosome has included mutations
 //   MutIndivIndicator.txt       nindivpinit (its lines) and indivmutindicator; individuals
-//                               without a row keep 0
+//                               without a row keep 0, rows beyond nindivp are passed over: a later
+//                               run may change the sizes of the generations to come
 // and works out the run totals:
 //   ntotqtn        sum of nqtnonthischrom
 //   ntotqtngamma   sum of nmutinclglobal, + nqtngamma
