@@ -3,8 +3,7 @@
 #include "haplotypes/genomefiles.h"
 #include "testsupport.h"
 
-#include <algorithm>
-#include <cstdarg>
+#include <map>
 #include <random>
 #include <set>
 
@@ -14,14 +13,21 @@ class extraction : public infolder
 {
 };
 
-std::string format(const char *layout, ...)
+constexpr int64 nindiv = 37, nqtnperchrom = 11;
+
+// Integers right-aligned in columns of one width.
+std::string columns(int64 width, const std::vector<int64> &values)
 {
-    char text[512];
-    va_list values;
-    va_start(values, layout);
-    std::vsnprintf(text, sizeof text, layout, values);
-    va_end(values);
-    return text;
+    textline line;
+    for (const int64 value : values) puti(line, value, width);
+    return line;
+}
+
+std::string fixed(double position)
+{
+    textline line;
+    putf(line, position, 20, 10);
+    return line;
 }
 
 struct simulated {
@@ -32,43 +38,40 @@ struct simulated {
 // What the formatter leaves of a chromosome: positions of ten decimals, several in a line.
 simulated writechromosome(int64 chrom, int64 nsites, int64 nhaplos)
 {
-    std::mt19937_64 random(static_cast<std::uint64_t>(chrom));
+    std::mt19937_64 random(chrom);
     simulated result;
     std::set<int64> places;
-    while (static_cast<int64>(places.size()) < nsites)
-        places.insert(static_cast<int64>(random() % 10000000000));
-    std::string map;
+    while (std::ssize(places) < nsites) places.insert(random() % 10000000000);
+    std::string map, lines;
     for (const int64 place : places) {
         result.positions.push_back(static_cast<double>(place) / 1e10);
-        map += format("%.10f%s", result.positions.back(), random() % 3 ? " " : "\n");
+        map += fixed(result.positions.back()) + (random() % 3 ? " " : "\n");
     }
-    writefile(chromfolder(chrom) + "PhysicalMapInput.txt", map + "\n");
-    writefile(chromfolder(chrom) + "SegSites.txt", " " + std::to_string(nsites) + " sites\n");
-    std::string lines;
     for (int64 h = 0; h < nhaplos; ++h) {
-        std::string alleles;
-        for (int64 k = 0; k < nsites; ++k) alleles += random() & 1 ? '1' : '0';
+        std::string &alleles = result.haplotypes.emplace_back();
+        while (std::ssize(alleles) < nsites) alleles += random() & 1 ? '1' : '0';
         for (const char allele : alleles) lines += {' ', allele};
         lines += '\n';
-        result.haplotypes.push_back(alleles);
     }
+    writefile(chromfolder(chrom) + "PhysicalMapInput.txt", map + "\n");
+    writefile(chromfolder(chrom) + "SegSites.txt", freeline(nsites, "sites") + "\n");
     writefile(chromfolder(chrom) + "MacsHaplotypes.txt", lines);
     return result;
 }
 
 state extractionstate(int64 nchrom, int64 nmut)
 {
+    runcommand("mkdir -p SimulatedData");
     state s;
     s.founders.nchrom = nchrom;
     s.sites.ndenovomutperchr = nmut;
-    s.pop.nindivp = 37;
+    s.pop.nindivp = nindiv;
     s.chips.nchip = 2;
-    s.chips.tmpchip = 1;
     s.chips.usesnpchiponoff = true;
     s.chips.nsnpperchipperchrom.allocate(2);
     s.chips.nsnpperchipperchrom(1) = 20;
     s.chips.nsnpperchipperchrom(2) = 60;
-    s.qtn.nqtn = 11 * nchrom;
+    s.qtn.nqtn = nqtnperchrom * nchrom;
     s.qtn.nqtngamma = 4;
     s.qtn.ntotqtnrecomb = 5 * nchrom;
     s.random.idum = -20240607;
@@ -78,132 +81,114 @@ state extractionstate(int64 nchrom, int64 nmut)
 // The extraction of one chromosome on plain strings: every slot holds its whole column of
 // alleles. Takes the same draws, and gives the texts of all files by name.
 struct slowchromosome {
-    std::vector<std::pair<std::string, std::string>> files;
+    std::map<std::string, std::string> files;
     std::vector<std::string> included; // haplotypes over the included sites
+    std::vector<double> positions;     // of the included sites
     int64 nsegreg = 0, nmutincl = 0;
 };
+
+struct slot {
+    int64 number = 0; // from 1
+    double position = -1;
+    bool mutation = false, survives = true, included = false;
+    std::string column; // the haplotypes' alleles
+};
+
+std::vector<slot> strewslowly(const simulated &founders, int64 nmut, double percentage,
+                              randomstream &random)
+{
+    const int64 nsim = std::ssize(founders.positions), nslots = nsim + nmut;
+    std::vector<bool> kept(nsim, true);
+    for (int64 k = 0; k < nsim && percentage < 100; ++k) kept[k] = 100 * ran1(random) < percentage;
+    array1<int64> order(nslots);
+    randomorder(order, nslots, random);
+    std::vector<slot> slots(nslots);
+    for (int64 i = nsim + 1; i <= nslots; ++i) slots[order(i) - 1].mutation = true;
+    int64 number = 0, k = 0;
+    for (slot &here : slots) {
+        here.number = ++number;
+        for (const std::string &haplotype : founders.haplotypes)
+            here.column += here.mutation ? '0' : haplotype[k];
+        if (here.mutation) continue;
+        here.position = founders.positions[k];
+        here.survives = kept[k++];
+    }
+    for (int64 i = 0; i < nslots; ++i) {
+        if (!slots[i].mutation) continue;
+        int64 right = i;
+        while (right < nslots && slots[right].position < 0) ++right;
+        const double there = right < nslots ? slots[right].position : 1;
+        slots[i].position = i == 0 ? 0 : i + 1 == nslots ? 1 : (slots[i - 1].position + there) / 2;
+    }
+    return slots;
+}
 
 slowchromosome extractslowly(const state &s, const simulated &founders, double percentage,
                              randomstream &random)
 {
-    struct slot {
-        double position = -1;
-        bool mutation = false, survives = true;
-        std::string column;
-    };
-    slowchromosome result;
-    const int64 nsim = static_cast<int64>(founders.positions.size());
-    const int64 nmut = s.sites.ndenovomutperchr;
-    const int64 nslots = nsim + nmut;
+    std::vector<slot> slots = strewslowly(founders, s.sites.ndenovomutperchr, percentage, random);
+    const int64 nsim = std::ssize(founders.positions);
     const bool thinned = percentage < 100;
-    result.nsegreg = nslots;
-
-    std::vector<bool> kept(static_cast<std::size_t>(nsim), true);
-    if (thinned)
-        for (std::size_t k = 0; k < kept.size(); ++k) kept[k] = 100 * ran1(random) < percentage;
-
-    std::vector<int64> order(static_cast<std::size_t>(nslots));
-    randomorder(order.data(), nslots, random);
-    std::vector<slot> slots(static_cast<std::size_t>(nslots));
-    for (int64 i = nsim; i < nslots; ++i)
-        slots[static_cast<std::size_t>(order[static_cast<std::size_t>(i)] - 1)].mutation = true;
-    std::size_t k = 0;
-    for (slot &place : slots) {
-        if (place.mutation) {
-            place.column = std::string(founders.haplotypes.size(), '0');
-            continue;
-        }
-        place.position = founders.positions[k];
-        place.survives = kept[k];
-        for (const std::string &haplotype : founders.haplotypes) place.column += haplotype[k];
-        ++k;
-    }
-    for (std::size_t i = 0; i < slots.size(); ++i) {
-        if (slots[i].position >= 0) continue;
-        if (i == 0) {
-            slots[i].position = 0;
-        } else if (i + 1 == slots.size()) {
-            slots[i].position = 1;
-        } else {
-            std::size_t right = i + 1;
-            while (right < slots.size() && slots[right].position < 0) ++right;
-            const double there = right < slots.size() ? slots[right].position : 1;
-            slots[i].position = (slots[i - 1].position + there) / 2;
-        }
-    }
-
-    std::string uncompressed, compressed;
+    slowchromosome result;
+    result.nsegreg = std::ssize(slots);
+    auto &files = result.files;
     for (int64 i = 1; i <= nsim; ++i)
-        uncompressed += format("%10d%20.10f%10d\n", static_cast<int>(i),
-                               slots[static_cast<std::size_t>(i - 1)].position, 0);
-    std::vector<std::size_t> candidates;
-    for (std::size_t i = 0; i < slots.size(); ++i) {
-        if (!slots[i].survives) continue;
-        candidates.push_back(i);
+        files["PhysicalMapInputUncompressed.txt"] +=
+            columns(10, {i}) + fixed(slots[i - 1].position) + columns(10, {0}) + "\n";
+    std::vector<slot *> candidates;
+    std::string &compressed = files["PhysicalMapInputCompressed.txt"];
+    for (slot &here : slots) {
+        if (!here.survives) continue;
+        candidates.push_back(&here);
         if (thinned)
-            compressed += format("%10zu%10zu%20.10f%10d\n", candidates.size(), i + 1,
-                                 slots[i].position, slots[i].mutation ? 1 : 0);
+            compressed += columns(10, {std::ssize(candidates), here.number}) +
+                          fixed(here.position) + columns(10, {here.mutation}) + "\n";
     }
-    const std::string nsites = thinned ? format(" %zu\n", candidates.size())
-                                       : format(" %d sites\n", static_cast<int>(nsim));
+    const int64 ncandidates = std::ssize(candidates);
+    files["SegSites.txt"] = (thinned ? freeline(ncandidates) : freeline(nsim, "sites")) + "\n";
 
-    const std::size_t nincluded = candidates.size() / 60 * 60;
-    std::vector<int64> choice(candidates.size());
-    randomorder(choice.data(), static_cast<int64>(choice.size()), random);
-    std::vector<std::size_t> included;
-    for (std::size_t i = 0; i < nincluded; ++i)
-        included.push_back(candidates[static_cast<std::size_t>(choice[i] - 1)]);
-    std::sort(included.begin(), included.end());
+    array1<int64> choice(ncandidates);
+    randomorder(choice, ncandidates, random);
+    for (int64 i = 1; i <= ncandidates / 60 * 60; ++i) candidates[choice(i) - 1]->included = true;
+    files["SegSitesIncluded.txt"] = freeline(ncandidates / 60 * 60) + "\n";
 
-    std::string map, mutations, carriers;
     std::set<int64> carrying;
-    for (std::size_t i = 0; i < included.size(); ++i) {
-        const slot &site = slots[included[i]];
+    result.included.resize(founders.haplotypes.size());
+    for (const slot &site : slots) {
+        if (!site.included) continue;
+        result.positions.push_back(site.position);
+        const int64 i = std::ssize(result.positions);
         int64 carrier = 0;
         if (site.mutation) {
-            carrier = 1 + static_cast<int64>(37 * ran1(random));
+            carrier = 1 + static_cast<int64>(nindiv * ran1(random));
             const int64 gamete = 1 + static_cast<int64>(2 * ran1(random));
             carrying.insert(carrier);
-            mutations +=
-                format("%20zu%20d%20d%20zu%20zu\n", included[i] + 1, static_cast<int>(carrier),
-                       static_cast<int>(gamete), (i + 1) / 60 + 1, i + 1);
+            files["MutDeNovoInfo.txt"] +=
+                columns(20, {site.number, carrier, gamete, i / 60 + 1, i}) + "\n";
             ++result.nmutincl;
         }
-        map += format("%10zu%10zu%20.10f%10d%10d\n", i + 1, included[i] + 1, site.position,
-                      site.mutation ? 1 : 0, static_cast<int>(carrier));
+        files["PhysicalMapIncluded.txt"] += columns(10, {i, site.number}) + fixed(site.position) +
+                                            columns(10, {site.mutation, carrier}) + "\n";
+        for (std::size_t h = 0; h < site.column.size(); ++h) result.included[h] += site.column[h];
     }
-    for (int64 i = 1; i <= 37; ++i)
-        carriers += format("%10d%10d\n", static_cast<int>(i), carrying.count(i) ? 1 : 0);
-    std::string texts;
-    for (std::size_t h = 0; h < founders.haplotypes.size(); ++h) {
-        std::string haplotype;
-        for (const std::size_t i : included) haplotype += slots[i].column[h];
-        for (const char allele : haplotype) texts += {' ', allele};
-        texts += '\n';
-        result.included.push_back(haplotype);
+    for (int64 i = 1; i <= nindiv; ++i)
+        files["MutIndivIndicator.txt"] += columns(10, {i, carrying.contains(i)}) + "\n";
+    for (const std::string &haplotype : result.included) {
+        for (const char allele : haplotype) files["MacsHaplotypesIncluded.txt"] += {' ', allele};
+        files["MacsHaplotypesIncluded.txt"] += '\n';
     }
-    std::string numbers = format("%20d%20d%20d%20d\n", static_cast<int>(11 + result.nmutincl),
-                                 static_cast<int>(result.nmutincl), 20, 60);
-    if (s.selection.recombselonoff)
-        numbers += format("%20d%20d%20d%20d\n", 5, static_cast<int>(result.nmutincl), 20, 60);
-    result.files = {{"SegSites.txt", nsites},
-                    {"PhysicalMapInputUncompressed.txt", uncompressed},
-                    {"PhysicalMapInputCompressed.txt", compressed},
-                    {"SegSitesIncluded.txt", format(" %zu\n", nincluded)},
-                    {"PhysicalMapIncluded.txt", map},
-                    {"MutDeNovoInfo.txt", mutations},
-                    {"MutIndivIndicator.txt", carriers},
-                    {"MacsHaplotypesIncluded.txt", texts},
-                    {"NbOfQtnMutationsAndSnp.txt", numbers}};
+    std::string &numbers = files["NbOfQtnMutationsAndSnp.txt"];
+    numbers = columns(20, {nqtnperchrom + result.nmutincl, result.nmutincl, 20, 60}) + "\n";
+    if (s.selection.recombselonoff) numbers += columns(20, {5, result.nmutincl, 20, 60}) + "\n";
     return result;
 }
 
 // The stores read back what was extracted.
 void checkstores(state &s, int64 chrom, const slowchromosome &slow)
 {
-    const int64 nhaplos = static_cast<int64>(slow.included.size());
-    s.sites.nsegregincl = static_cast<int64>(slow.included[0].size());
-    EXPECT_EQ(s.sites.nsegreginclglobal(chrom), s.sites.nsegregincl);
+    const int64 nhaplos = std::ssize(slow.included), nsites = std::ssize(slow.positions);
+    s.sites.nsegregincl = nsites;
+    EXPECT_EQ(s.sites.nsegreginclglobal(chrom), nsites);
     EXPECT_EQ(s.sites.nmutinclglobal(chrom), slow.nmutincl);
     allocatearraysforextractsegsites(s, "PerChrom");
     readsegsitesdataperchrom(s, chrom);
@@ -211,27 +196,29 @@ void checkstores(state &s, int64 chrom, const slowchromosome &slow)
     for (int64 j = 1; j <= slow.nmutincl; ++j) {
         const int64 site = s.sites.denovoinfo(chrom, j, 5);
         EXPECT_EQ(s.sites.inclsnpid(site), s.sites.denovoinfo(chrom, j, 1));
+        EXPECT_EQ(s.sites.inclmutindicator(site), 1);
         EXPECT_EQ(s.sites.inclmutindicatorindivid(site), s.sites.denovoinfo(chrom, j, 2));
         EXPECT_EQ(s.sites.indivmutindicator(chrom, s.sites.inclmutindicatorindivid(site)), 1);
     }
+    array1<double> map(nsites);
+    readsegsitesdataperchromforrecomb(chrom, map, nsites);
     haplotypestore packed;
-    readhaplotypes(chromfolder(chrom) + "MacsHaplotypesInBlocks.txt", packed, nhaplos,
-                   s.sites.nsegregincl / 60);
-    for (int64 h = 1; h <= nhaplos; ++h)
-        for (int64 site = 1; site <= s.sites.nsegregincl; ++site) {
-            const int64 block = (site - 1) / 60 + 1;
-            const int64 allele = packed(h, block) >> (60 * block - site) & 1;
-            ASSERT_EQ(
-                allele,
-                slow.included[static_cast<std::size_t>(h - 1)][static_cast<std::size_t>(site - 1)] -
-                    '0');
-        }
+    readhaplotypes(chromfolder(chrom) + "MacsHaplotypesInBlocks.txt", packed, nhaplos, nsites / 60);
+    for (int64 site = 1; site <= nsites; ++site) {
+        ASSERT_NEAR(map(site), slow.positions[site - 1], 1e-10);
+        ASSERT_EQ(map(site), s.sites.inclphysicalmap(site));
+        const int64 block = (site - 1) / 60 + 1;
+        for (int64 h = 1; h <= nhaplos; ++h)
+            ASSERT_EQ(packed(h, block) >> (60 * block - site) & 1,
+                      slow.included[h - 1][site - 1] - '0');
+    }
     deallocatearraysforextractsegsites(s, "PerChrom");
 }
 } // namespace
 
-// Two chromosomes in a row, with and without compression, mutations and recombination QTN,
-// against the slow form: all files, all draws, and the way back through the stores.
+// Two chromosomes in a row, with and without compression, mutations and recombination QTN, and
+// with mutations in long runs, at both ends too; against the slow form: all files, all draws, and
+// the way back through the stores.
 TEST_F(extraction, agreewithplainstrings)
 {
     struct setting {
@@ -239,13 +226,16 @@ TEST_F(extraction, agreewithplainstrings)
         double percentage;
         int64 nmut;
         bool recomb;
+        int64 nsites[2];
     };
     for (const setting &c :
-         {setting{false, 0, 0, false}, setting{false, 50, 60, true}, setting{true, 100, 3, false},
-          setting{true, 63.5, 0, false}, setting{true, 63.5, 25, true}}) {
-        SCOPED_TRACE(format("%d %f %d", c.onoff, c.percentage, static_cast<int>(c.nmut)));
-        runcommand("rm -rf SimulatedData Chromosomes; mkdir SimulatedData");
-        const simulated founders[] = {writechromosome(1, 180, 9), writechromosome(2, 251, 9)};
+         {setting{false, 0, 0, false, {180, 251}}, setting{false, 50, 60, true, {180, 251}},
+          setting{true, 100, 3, false, {180, 251}}, setting{true, 63.5, 25, true, {180, 251}},
+          setting{false, 0, 108, false, {12, 13}}}) {
+        SCOPED_TRACE(freeline(c.onoff, c.percentage, c.nmut));
+        runcommand("rm -rf SimulatedData Chromosomes");
+        const simulated founders[] = {writechromosome(1, c.nsites[0], 9),
+                                      writechromosome(2, c.nsites[1], 9)};
         state s = extractionstate(2, c.nmut);
         s.founders.genomecompressiononoff = c.onoff;
         s.founders.genomecompression = c.percentage;
@@ -266,43 +256,17 @@ TEST_F(extraction, agreewithplainstrings)
             for (const auto &[name, content] : slow.files)
                 EXPECT_TRUE(readfile(chromfolder(chrom) + name) == content) << chrom << " " << name;
             checkstores(s, chrom, slow);
-            counts += format(" %d %d %zu\n", static_cast<int>(chrom),
-                             static_cast<int>(slow.nsegreg), slow.included[0].size());
-            output += format("  Extraction of segregating sites for chromosome  %d\n"
-                             "      Included number of mutations %d\n",
-                             static_cast<int>(chrom), static_cast<int>(slow.nmutincl));
+            counts += freeline(chrom, slow.nsegreg, std::ssize(slow.positions)) + "\n";
+            output += "  Extraction of segregating sites for chromosome " + freeline(chrom) +
+                      "\n      Included number of mutations" + freeline(slow.nmutincl) + "\n";
             nmutations += slow.nmutincl;
         }
         EXPECT_EQ(s.random.idum, random.idum); // the same number of draws
         EXPECT_EQ(readfile("SimulatedData/NbOfSegSitesPerChrom.txt"), counts);
-        output += format("  Total number of QTN with normal effect %d\n"
-                         "  Total number of QTN with Gamma effect %d\n",
-                         static_cast<int>(22 + nmutations), static_cast<int>(4 + nmutations));
+        output += "  Total number of QTN with normal effect" + freeline(22 + nmutations) +
+                  "\n  Total number of QTN with Gamma effect" + freeline(4 + nmutations) + "\n";
         if (c.recomb) output += "  Total number of recombination QTN 10\n";
         EXPECT_EQ(result.output, output + "     \n");
-    }
-}
-
-// Nothing but a few simulated sites among many mutations: runs of mutation slots, also at both
-// ends. Positions rise, from 0 or the first site to 1.
-TEST_F(extraction, placerunsofmutations)
-{
-    for (int64 nsites = 1; nsites <= 4; ++nsites) {
-        writechromosome(1, nsites, 2);
-        runcommand("mkdir -p SimulatedData");
-        state s = extractionstate(1, 120 - nsites);
-        s.qtn.nqtn = 0;
-        s.chips.usesnpchiponoff = false;
-        // Each mutation is a QTN: with all included sites at hand, there is room for all.
-        ASSERT_EQ(runbody([&] { extractsegsites(s); }).code(), 0);
-        double last = -1;
-        for (const std::string &row : readlines(chromfolder(1) + "PhysicalMapIncluded.txt")) {
-            const double position = numbersof(row)[2];
-            EXPECT_GE(position, last);
-            EXPECT_LE(position, 1.0);
-            last = position;
-        }
-        EXPECT_EQ(s.haplo.nblock, 2);
     }
 }
 
@@ -319,13 +283,11 @@ TEST_F(extraction, stopwithtoofewsites)
                   "       Required number of segregating SNPs: 121\n"
                   "       Found number of segregating SNPs:    120\n"},
           setting{125, 120, 121, 10, 110008, qtnmessage},
-          setting{125, 120, 120, 121, 110009, qtnmessage}, setting{59, 0, 1, 0, 110008, qtnmessage},
+          setting{125, 120, 120, 121, 110009, qtnmessage}, setting{59, 20, 1, 0, 110007, ""},
           setting{125, 120, 120, 120, 0, ""}}) {
-        runcommand("mkdir -p SimulatedData");
         writechromosome(1, c.nsites, 3);
         state s = extractionstate(1, 0);
         s.selection.recombselonoff = true;
-        s.chips.nsnpperchipperchrom(1) = 0;
         s.chips.nsnpperchipperchrom(2) = c.nsnp;
         s.qtn.nqtn = c.nqtn;
         s.qtn.ntotqtnrecomb = c.nqtnrecomb;
@@ -337,33 +299,27 @@ TEST_F(extraction, stopwithtoofewsites)
 
 TEST_F(extraction, refusebrokeninput)
 {
-    runcommand("mkdir -p SimulatedData");
-    const auto failure = [](const std::string &file, const std::string &content) {
-        writechromosome(1, 60, 3);
-        if (content == "none")
-            runcommand("rm " + chromfolder(1) + file);
-        else
-            writefile(chromfolder(1) + file, content);
+    const auto refused = [] {
         state s = extractionstate(1, 0);
         const outcome result = runbody([&] { extractsegsites(s); });
-        EXPECT_EQ(result.code(), -2) << file << content;
+        EXPECT_EQ(result.code(), -2);
         return result.stop.reason;
     };
-    const std::string missing = failure("SegSites.txt", "none");
-    EXPECT_NE(missing.find("Chromosome1/SegSites.txt"), std::string::npos);
-    EXPECT_NE(missing.find("debug.txt"), std::string::npos);
-    failure("SegSites.txt", "-1\n");
-    failure("SegSites.txt", "many\n");
-    failure("PhysicalMapInput.txt", "0.1 0.2\n");
-    failure("MacsHaplotypes.txt", " 0 1\n");
-    failure("MacsHaplotypes.txt", "\n");
-    EXPECT_NE(failure(
-                  "MacsHaplotypes.txt", std::string(59 * 2, ' ') + "2" +
-                                            [] {
-                                                std::string ones;
-                                                for (int i = 0; i < 59; ++i) ones += " 1";
-                                                return ones;
-                                            }())
-                  .find("neither 0 nor 1"),
-              std::string::npos);
+    const std::pair<std::string, std::string> broken[] = {{"SegSites.txt", "-1\n"},
+                                                          {"SegSites.txt", "many\n"},
+                                                          {"PhysicalMapInput.txt", "0.1 0.2\n"},
+                                                          {"MacsHaplotypes.txt", " 0 1\n"},
+                                                          {"MacsHaplotypes.txt", "\n"}};
+    for (const auto &[file, content] : broken) {
+        writechromosome(1, 60, 3);
+        writefile(chromfolder(1) + file, content);
+        EXPECT_NE(refused().find("Chromosome1/" + file), std::string::npos) << content;
+    }
+    writechromosome(1, 60, 3);
+    std::string alleles = readfile(chromfolder(1) + "MacsHaplotypes.txt");
+    alleles[119] = '2';
+    writefile(chromfolder(1) + "MacsHaplotypes.txt", alleles);
+    EXPECT_NE(refused().find("neither 0 nor 1"), std::string::npos);
+    runcommand("rm " + chromfolder(1) + "SegSites.txt"); // the simulator failed
+    EXPECT_NE(refused().find("debug.txt"), std::string::npos);
 }
