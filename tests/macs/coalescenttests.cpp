@@ -249,7 +249,7 @@ double sharedfrequency(const std::string &a, const std::string &b)
 // Mean r2 of the pairs of sites whose minor alleles are above 0.1, by distance in steps of rho, one
 // value a chromosome. Expected is what another implementation of the same process gives: scrm 1.7.4
 // with -l 0, 120,000 chromosomes, standard errors below 0.1 %. Were the freed lineage never to
-// rejoin its branch, the last would come out some 10 % lower.
+// rejoin its branch, the first two would come out 2 to 3 % lower.
 TEST(macscoalescent, linkagefallswithdistance)
 {
     const double rho = 40, steps[] = {0, 1, 4, 12},
