@@ -2,10 +2,10 @@
 #include "pedigree/matings.h"
 #include "pedigree/pedigree.h"
 #include "pedigree/pedigreereadermaker.h"
+#include "selection/population.h"
 #include "testsupport.h"
 
-#include <filesystem>
-#include <set>
+#include <algorithm>
 
 namespace
 {
@@ -15,32 +15,17 @@ class pedigreestage : public infolder
     void SetUp() override
     {
         infolder::SetUp();
-        std::filesystem::create_directory("SimulatedData");
+        runcommand("mkdir SimulatedData");
     }
 };
 
-// A run over all generations, without any parents yet. ngen burn-in generations of the sizes.
+// A run over all generations, the first ngen of them burn-in, without any parents yet.
 void setsizes(state &s, const std::vector<int64> &sizes, int64 ngen)
 {
-    const int64 n = static_cast<int64>(sizes.size());
-    s.pop.ngen = ngen;
-    s.pop.ngensel = n - ngen;
-    s.pop.nindivinthisgen.allocate({0, n});
-    s.pop.cumindivnbtogen.allocate({0, n});
-    for (int64 j = 1; j <= n; ++j) {
-        s.pop.nindivinthisgen(j) = sizes[static_cast<std::size_t>(j - 1)];
-        s.pop.cumindivnbtogen(j) = s.pop.cumindivnbtogen(j - 1) + s.pop.nindivinthisgen(j);
-    }
-    s.pop.nindivp = s.pop.cumindivnbtogen(n);
-    const int64 nbreeding = std::max<int64>(1, n - 1);
-    for (auto *parents : {&s.pop.nsireinthisgen, &s.pop.ndaminthisgen, &s.pop.nrandparinthisgen,
-                          &s.pop.nselfedparinthisgen})
-        parents->allocate(nbreeding);
+    makepopulation(s, ngen, sizes);
     s.run.specstartgen = 1;
-    s.run.specendgen = n;
+    s.run.specendgen = std::ssize(sizes);
     s.pedi.pedigreestatus = "internal";
-    s.pop.animbreedonoff = true;
-    s.random.idum = -4711;
 }
 
 void makeplants(state &s, const char *gendermatters)
@@ -52,7 +37,12 @@ void makeplants(state &s, const char *gendermatters)
 
 struct individual {
     int64 generation, sire, dam, gender;
+    bool operator==(const individual &) const = default;
 };
+std::ostream &operator<<(std::ostream &out, const individual &i)
+{
+    return out << freeline(i.generation, i.sire, i.dam, i.gender);
+}
 
 // The table as the files hold it; checks numbering and genders on the way.
 std::vector<individual> readtable()
@@ -61,12 +51,12 @@ std::vector<individual> readtable()
     const auto pedigree = readlines(pedigreetable), genders = readlines(gendertable);
     EXPECT_EQ(pedigree.size(), genders.size());
     for (std::size_t i = 1; i < pedigree.size(); ++i) {
-        const auto row = numbersof(pedigree[i]), gender = numbersof(genders[i]);
-        EXPECT_EQ(row[2], static_cast<double>(i));
-        EXPECT_EQ(gender[1], static_cast<double>(i));
+        const auto row = wordsof(pedigree[i]), gender = wordsof(genders[i]);
+        EXPECT_EQ(row[2], std::to_string(i));
+        EXPECT_EQ(gender[1], row[2]);
         EXPECT_EQ(gender[0], row[0]);
-        const auto whole = [](double x) { return static_cast<int64>(x); };
-        table.push_back({whole(row[0]), whole(row[3]), whole(row[4]), whole(gender[2])});
+        table.push_back(
+            {std::stoll(row[0]), std::stoll(row[3]), std::stoll(row[4]), std::stoll(gender[2])});
     }
     return table;
 }
@@ -76,79 +66,55 @@ struct slowstage {
     state s; // settings and stream
     std::vector<individual> rows;
 
-    int64 draw(int64 n) { return static_cast<int64>(ran1(s.random) * static_cast<double>(n)) + 1; }
     std::vector<int64> permutation(int64 n)
     {
-        std::vector<int64> order(static_cast<std::size_t>(n));
+        std::vector<int64> order(n);
         randomorder(order.data(), n, s.random);
         return order;
-    }
-    std::size_t firstof(int64 gen) const
-    {
-        std::size_t first = 0;
-        for (int64 j = 1; j < gen; ++j) first += static_cast<std::size_t>(s.pop.nindivinthisgen(j));
-        return first;
-    }
-    void parents(int64 gender, int64 gen, int64 npar, bool anygender)
-    {
-        std::vector<int64> chosen, spread;
-        const int64 base = static_cast<int64>(firstof(gen - 1));
-        while (static_cast<int64>(chosen.size()) < npar) {
-            const int64 row = base + draw(s.pop.nindivinthisgen(gen - 1));
-            if (!anygender && rows[static_cast<std::size_t>(row - 1)].gender != gender) continue;
-            if (std::find(chosen.begin(), chosen.end(), row) == chosen.end()) chosen.push_back(row);
-        }
-        const int64 n = s.pop.nindivinthisgen(gen);
-        for (const int64 parent : chosen)
-            for (int64 k = 0; k < n / npar; ++k) spread.push_back(parent);
-        for (std::size_t k = 0; static_cast<int64>(spread.size()) < n; ++k)
-            spread.push_back(chosen[k]);
-        individual *child = &rows[firstof(gen)];
-        if (gender == 1) {
-            for (const int64 parent : spread) (child++)->sire = parent;
-        } else {
-            for (const int64 k : permutation(n))
-                (child++)->dam = spread[static_cast<std::size_t>(k - 1)];
-        }
-        if (s.pop.nrandparinthisgen(gen - 1) == 0) return;
-        child = &rows[firstof(gen)];
-        for (const int64 k : permutation(n)) {
-            int64 dam = spread[static_cast<std::size_t>(k - 1)];
-            if (dam == child->sire)
-                for (const int64 other : permutation(n)) {
-                    dam = spread[static_cast<std::size_t>(other - 1)];
-                    if (dam != child->sire) break;
-                }
-            (child++)->dam = dam;
-        }
     }
     void genders()
     {
         for (int64 j = 1; j <= s.run.specendgen; ++j) {
             const std::size_t first = rows.size();
-            rows.resize(first + static_cast<std::size_t>(s.pop.nindivinthisgen(j)), {j, 0, 0, 0});
+            rows.resize(first + s.pop.nindivinthisgen(j), {j, 0, 0, 0});
             int64 i = 0;
             for (const int64 k : permutation(s.pop.nindivinthisgen(j)))
-                rows[first + static_cast<std::size_t>(k - 1)].gender = ++i % 2 == 0 ? 1 : 2;
+                rows[first + k - 1].gender = ++i % 2 == 0 ? 1 : 2;
         }
     }
-    void damisire(int64 gen)
+    void parents(int64 gender, int64 gen, int64 npar, bool anygender)
+    {
+        std::vector<int64> chosen, spread;
+        while (std::ssize(chosen) < npar) {
+            const double nparents = static_cast<double>(s.pop.nindivinthisgen(gen - 1));
+            const int64 row = s.pop.cumindivnbtogen(gen - 2) + int64(ran1(s.random) * nparents) + 1;
+            if (!anygender && rows[row - 1].gender != gender) continue;
+            if (std::find(chosen.begin(), chosen.end(), row) == chosen.end()) chosen.push_back(row);
+        }
+        const int64 n = s.pop.nindivinthisgen(gen);
+        for (const int64 parent : chosen) spread.insert(spread.end(), n / npar, parent);
+        for (int64 k = 0; std::ssize(spread) < n; ++k) spread.push_back(chosen[k]);
+        individual *const first = &rows[s.pop.cumindivnbtogen(gen - 1)], *child = first;
+        if (gender == 1)
+            for (const int64 parent : spread) (child++)->sire = parent;
+        else
+            for (const int64 k : permutation(n)) (child++)->dam = spread[k - 1];
+        if (s.pop.nrandparinthisgen(gen - 1) == 0) return;
+        child = first;
+        for (const int64 k : permutation(n)) {
+            child->dam = spread[k - 1];
+            if (child->dam == child->sire)
+                for (const int64 other : permutation(n))
+                    if (child->dam == child->sire) child->dam = spread[other - 1];
+            ++child;
+        }
+    }
+    void damissire(int64 gen)
     {
         for (individual &row : rows)
             if (row.generation == gen) row.dam = row.sire;
     }
 };
-
-void expectsame(const std::vector<individual> &got, const std::vector<individual> &wanted)
-{
-    ASSERT_EQ(got.size(), wanted.size());
-    for (std::size_t i = 0; i < got.size(); ++i) {
-        EXPECT_EQ(got[i].generation, wanted[i].generation) << i + 1;
-        EXPECT_EQ(got[i].sire, wanted[i].sire) << i + 1;
-        EXPECT_EQ(got[i].dam, wanted[i].dam) << i + 1;
-        EXPECT_EQ(got[i].gender, wanted[i].gender) << i + 1;
-    }
-}
 } // namespace
 
 TEST_F(pedigreestage, parentsAreSpreadEvenly)
@@ -183,9 +149,8 @@ TEST_F(pedigreestage, animalsFollowTheDraws)
     state s;
     settings(s);
     EXPECT_EQ(runbody([&] { pedigreereadermaker(s); }).output, "\n");
-    expectsame(readtable(), slow.rows);
+    EXPECT_EQ(readtable(), slow.rows);
     EXPECT_EQ(s.random.idum, slow.s.random.idum);
-    EXPECT_FALSE(s.pedi.ped.allocated());
     EXPECT_EQ(readfile(generationtable),
               " Gen     nIndivInThisGen       nMalInThisGen       nFemInThisGen\n"
               "   1                   9                   4                   5\n"
@@ -208,12 +173,10 @@ TEST_F(pedigreestage, animalsFollowTheDraws)
         EXPECT_EQ(newgenders[i], genders[i]);
     }
     EXPECT_NE(newgenders, genders);
-    EXPECT_EQ(readlines(generationtable).size(), 5u);
     for (std::size_t i = 19; i < 26; ++i) { // parents of the right gender in generation 2
-        ASSERT_TRUE(table[i].sire > 9 && table[i].sire <= 19);
-        ASSERT_TRUE(table[i].dam > 9 && table[i].dam <= 19);
-        EXPECT_EQ(table[static_cast<std::size_t>(table[i].sire - 1)].gender, 1);
-        EXPECT_EQ(table[static_cast<std::size_t>(table[i].dam - 1)].gender, 2);
+        const individual &sire = table.at(table[i].sire - 1), &dam = table.at(table[i].dam - 1);
+        EXPECT_TRUE(sire.generation == 2 && sire.gender == 1);
+        EXPECT_TRUE(dam.generation == 2 && dam.gender == 2);
     }
     EXPECT_EQ(table[26].sire, 0);
 
@@ -245,16 +208,16 @@ TEST_F(pedigreestage, plantsFollowTheDraws)
         settings(slow.s);
         slow.genders();
         slow.parents(1, 2, 3, true);
-        slow.damisire(2);
+        slow.damissire(2);
         slow.parents(1, 3, 2, true);
         slow.parents(1, 4, 2, false);
         if (ngendh == 0) slow.parents(2, 4, 5, false);
-        if (ngendh == 1) slow.damisire(4);
+        if (ngendh == 1) slow.damissire(4);
         state s;
         settings(s);
         runbody([&] { pedigreereadermaker(s); });
         const auto table = readtable();
-        expectsame(table, slow.rows);
+        EXPECT_EQ(table, slow.rows);
         EXPECT_EQ(s.random.idum, slow.s.random.idum);
         for (std::size_t i = 14; i < 25; ++i) EXPECT_NE(table[i].sire, table[i].dam);
         EXPECT_EQ(table[14].sire, table[18].sire); // sires of the crosses stay in blocks
@@ -274,11 +237,8 @@ TEST_F(pedigreestage, externalPedigreeIsRecoded)
     const auto table = readtable();
     ASSERT_EQ(table.size(), 9u);
     const int64 sires[] = {0, 0, 0, 2, 3, 5, 0, 0, 0}, dams[] = {0, 0, 1, 1, 4, 3, 0, 0, 0};
-    for (std::size_t i = 0; i < 9; ++i) {
-        EXPECT_EQ(table[i].sire, sires[i]) << i + 1;
-        EXPECT_EQ(table[i].dam, dams[i]) << i + 1;
-        EXPECT_EQ(table[i].generation, static_cast<int64>(i / 3 + 1));
-    }
+    for (int64 i = 0; i < 9; ++i)
+        EXPECT_EQ(table[i], (individual{i / 3 + 1, sires[i], dams[i], table[i].gender})) << i + 1;
     const auto lines = readlines(pedigreetable);
     EXPECT_EQ(wordsof(lines[6])[1], "40");
     EXPECT_EQ(wordsof(lines[7])[1], "7");
@@ -292,10 +252,9 @@ TEST_F(pedigreestage, externalPedigreeIsRecoded)
     s.run.specstartgen = 3;
     s.pedi.pedigreestatus = s.pedi.pedigreefile = "more.txt";
     EXPECT_EQ(runbody([&] { pedigreereadermaker(s); }).code(), 0);
-    EXPECT_EQ(wordsof(readlines(pedigreetable)[7])[3], "6");
-    EXPECT_EQ(wordsof(readlines(pedigreetable)[7])[4], "5");
-    EXPECT_EQ(wordsof(readlines(pedigreetable)[8])[3], "7");
-    EXPECT_EQ(wordsof(readlines(pedigreetable)[8])[4], "0"); // row 7 is made by this run
+    const auto later = readtable();
+    EXPECT_EQ(later[6], (individual{3, 6, 5, later[6].gender}));
+    EXPECT_EQ(later[7], (individual{3, 7, 0, later[7].gender})); // row 7 is made by this run
 
     for (const auto &[text, reason] : std::vector<std::pair<std::string, std::string>>{
              {"1 0 0\n2 0 0\n3 0 0\n4 0 0\n", "holds 4 individuals where there is room for 3"},
