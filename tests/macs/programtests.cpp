@@ -4,7 +4,6 @@
 #include "testsupport.h"
 
 #include <filesystem>
-#include <set>
 #include <sstream>
 
 namespace
@@ -68,24 +67,6 @@ TEST_F(macsprogram, samebytesfromsameseed)
     EXPECT_EQ(none.status, 0);
     EXPECT_EQ(none.out, "COMMAND:\t" + program + " 3 1e7 -t 0 -r 1e-3 -s 6\nSEED:\t6\n");
     EXPECT_LT(linesof(none.err).size(), 10u);
-}
-
-TEST_F(macsprogram, positionsaredistinctandofmanydigits)
-{
-    const commandresult run = runcommand(program + " 4 100000000 -t 1e-4 -r 1e-5 -s 5");
-    std::set<std::string> positions;
-    std::size_t nsites = 0, longest = 0;
-    for (const std::string &line : linesof(run.out)) {
-        if (!line.starts_with("SITE:")) continue;
-        ++nsites;
-        const std::string position = wordsof(line)[2];
-        positions.insert(position);
-        longest = std::max(longest, position.size());
-    }
-    ASSERT_GT(nsites, 10000u); // 18,333 expected
-    EXPECT_GE(longest, 14u);
-    // Of n places on 10^12 some n^2/2 10^-12 = 0.0002 pairs coincide.
-    EXPECT_EQ(positions.size(), nsites);
 }
 
 TEST_F(macsprogram, refusalsareclear)

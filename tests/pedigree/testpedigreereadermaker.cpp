@@ -117,22 +117,11 @@ struct slowstage {
 };
 } // namespace
 
-TEST_F(pedigreestage, parentsAreSpreadEvenly)
-{
-    const auto spread = [](int64 npar, int64 nmatings) {
-        array1<int64> parents(npar), matingvec(nmatings);
-        for (int64 k = 1; k <= npar; ++k) parents(k) = 10 * k;
-        buildmatingvec(parents, npar, nmatings, matingvec);
-        return std::vector<int64>(matingvec.begin(), matingvec.end());
-    };
-    EXPECT_EQ(spread(3, 10), (std::vector<int64>{10, 10, 10, 20, 20, 20, 30, 30, 30, 10}));
-    EXPECT_EQ(spread(4, 2), (std::vector<int64>{10, 20}));
-}
-
+// More dams than individuals to breed in generation 3.
 TEST_F(pedigreestage, animalsFollowTheDraws)
 {
     const auto settings = [](state &s) {
-        setsizes(s, {9, 10, 7, 4}, 3);
+        setsizes(s, {9, 10, 3, 4}, 3);
         s.pop.nsireinthisgen(1) = 3;
         s.pop.ndaminthisgen(1) = 5;
         s.pop.nsireinthisgen(2) = 1;
@@ -155,7 +144,7 @@ TEST_F(pedigreestage, animalsFollowTheDraws)
               " Gen     nIndivInThisGen       nMalInThisGen       nFemInThisGen\n"
               "   1                   9                   4                   5\n"
               "   2                  10                   5                   5\n"
-              "   3                   7                   3                   4\n"
+              "   3                   3                   1                   2\n"
               "   4                   4                   2                   2\n");
 
     // A run over generations 3 and 4 keeps what stands before, and draws those anew.
@@ -166,19 +155,19 @@ TEST_F(pedigreestage, animalsFollowTheDraws)
     t.random.idum = -99;
     runbody([&] { pedigreereadermaker(t); });
     const auto table = readtable();
-    ASSERT_EQ(table.size(), 30u);
+    ASSERT_EQ(table.size(), 26u);
     const auto newpedigree = readlines(pedigreetable), newgenders = readlines(gendertable);
     for (std::size_t i = 0; i <= 19; ++i) {
         EXPECT_EQ(newpedigree[i], pedigree[i]);
         EXPECT_EQ(newgenders[i], genders[i]);
     }
     EXPECT_NE(newgenders, genders);
-    for (std::size_t i = 19; i < 26; ++i) { // parents of the right gender in generation 2
+    for (std::size_t i = 19; i < 22; ++i) { // parents of the right gender in generation 2
         const individual &sire = table.at(table[i].sire - 1), &dam = table.at(table[i].dam - 1);
         EXPECT_TRUE(sire.generation == 2 && sire.gender == 1);
         EXPECT_TRUE(dam.generation == 2 && dam.gender == 2);
     }
-    EXPECT_EQ(table[26].sire, 0);
+    EXPECT_EQ(table[22].sire, 0);
 
     t.pop.nindivinthisgen(2) = 11;
     const outcome changed = runbody([&] { pedigreereadermaker(t); });
@@ -273,30 +262,27 @@ TEST_F(pedigreestage, numbersOfParentsAreChecked)
     struct wrongnumbers {
         const char *gendermatters; // nullptr: animals
         int64 nsire, ndam, nrand, nselfed;
-        std::string message;
+        std::string message; // up to the generation
         int64 code;
     };
     // The generation at fault is the second: 5 individuals, 2 of them male; 3 come next.
     const std::vector<wrongnumbers> cases = {
-        {nullptr, 0, 0, 0, 0,
-         "ERROR: Number of sires and dams must be non-null for generation    2\n", 110022},
-        {nullptr, 3, 1, 0, 0, "ERROR: Not enough sires for generation    2\n", 110023},
-        {nullptr, 0, 1, 0, 0, "ERROR: Not enough sires for generation    2\n", 110023},
-        {nullptr, 2, 4, 0, 0, "ERROR: Not enough dams for generation    2\n", 110024},
-        {nullptr, 2, 0, 0, 0, "ERROR: Not enough dams for generation    2\n", 110024},
-        {"no", 1, 0, 0, 1,
-         "  ERROR: There is a conflict in the number of parents for generation     2\n", 110016},
-        {"no", 0, 0, 0, 6, "ERROR: Not enough plants to be selfed for generation    2\n", 110017},
-        {"yes", 0, 0, 0, 0, "  ERROR: Number of parents cannot be null for generation 2\n", 110018},
-        {"Yes", 3, 1, 0, 0, "ERROR: Not enough male plants for generation    2\n", 110019},
-        {"no", 3, 1, 0, 0, "ERROR: Not enough male plants for generation    2\n", 110019},
-        {"no", 0, 1, 0, 0, "ERROR: Not enough male plants for generation    2\n", 110019},
-        {"Yes", 2, 4, 0, 0, "ERROR: Not enough female plants for generation    2\n", 110020},
-        {"no", 2, 0, 0, 0, "ERROR: Not enough female plants for generation    2\n", 110020},
-        {"no", 0, 0, 6, 0, "ERROR: Not enough plants to be crossed for generation    2\n", 110021},
-        {"yes", 0, 0, 6, 0, "ERROR: Not enough plants to be crossed for generation    2\n", 110021},
-        {"no", 0, 0, 1, 0, "ERROR: Random mating needs at least two parents for generation    2\n",
-         110021},
+        {nullptr, 0, 0, 0, 0, "ERROR: Number of sires and dams must be non-null", 110022},
+        {nullptr, 3, 1, 0, 0, "ERROR: Not enough sires", 110023},
+        {nullptr, 0, 1, 0, 0, "ERROR: Not enough sires", 110023},
+        {nullptr, 2, 4, 0, 0, "ERROR: Not enough dams", 110024},
+        {nullptr, 2, 0, 0, 0, "ERROR: Not enough dams", 110024},
+        {"no", 0, 0, 0, 6, "ERROR: Not enough plants to be selfed", 110017},
+        {"Yes", 3, 1, 0, 0, "ERROR: Not enough male plants", 110019},
+        {"no", 0, 1, 0, 0, "ERROR: Not enough male plants", 110019},
+        {"Yes", 2, 4, 0, 0, "ERROR: Not enough female plants", 110020},
+        {"no", 2, 0, 0, 0, "ERROR: Not enough female plants", 110020},
+        {"no", 0, 0, 6, 0, "ERROR: Not enough plants to be crossed", 110021},
+        {"yes", 0, 0, 6, 0, "ERROR: Not enough plants to be crossed", 110021},
+        {"no", 0, 0, 1, 0, "ERROR: Random mating needs at least two parents", 110021},
+        // Texts of another layout: a blank at the end of the message, free-form.
+        {"no", 1, 0, 0, 1, "  ERROR: There is a conflict in the number of parents", 110016},
+        {"yes", 0, 0, 0, 0, "  ERROR: Number of parents cannot be null", 110018},
     };
     for (const wrongnumbers &wrong : cases) {
         state s;
@@ -309,7 +295,10 @@ TEST_F(pedigreestage, numbersOfParentsAreChecked)
         s.pop.nselfedparinthisgen(2) = wrong.nselfed;
         const outcome stop = runbody([&] { pedigreereadermaker(s); });
         EXPECT_EQ(stop.code(), wrong.code) << wrong.message;
-        EXPECT_EQ(stop.output, wrong.message);
+        EXPECT_EQ(stop.output, wrong.message + " for generation" +
+                                   (wrong.code == 110016   ? "     2\n"
+                                    : wrong.code == 110018 ? " 2\n"
+                                                           : "    2\n"));
     }
 }
 
@@ -330,20 +319,15 @@ TEST_F(pedigreestage, limitsOfTheChecks)
     EXPECT_EQ(readtable()[0].gender, 2);
 
     state u; // last burn-in generation: a note only
-    setsizes(u, {4, 4, 4}, 1);
+    setsizes(u, {4, 4}, 1);
     makeplants(u, "no");
-    const outcome noted = runbody([&] { pedigreereadermaker(u); });
-    EXPECT_EQ(noted.code(), 0);
-    EXPECT_EQ(noted.output,
-              "  NOTE: Numbers of parents in generation    1 have not been provided\n"
-              "  NOTE: Numbers of parents in generation    2 have not been provided\n\n");
-    EXPECT_EQ(readtable().size(), 12u);
+    EXPECT_EQ(runbody([&] { pedigreereadermaker(u); }).output,
+              "  NOTE: Numbers of parents in generation    1 have not been provided\n\n");
+    EXPECT_EQ(readtable().size(), 8u);
 
     state v; // parents of truncation that are all the same
     setsizes(v, {2, 3}, 1);
-    v.pedi.ped.allocate(5);
     const array1<int64> parentrows(3, 2);
-    const outcome same = runbody([&] { randommating(v, 3, 3, parentrows, 1); });
-    EXPECT_EQ(same.output, "ERROR: Random mating needs at least two parents for generation    1\n");
-    EXPECT_EQ(same.code(), 110021);
+    EXPECT_EQ(runbody([&] { randommating(v, 3, 3, parentrows, 1); }).output,
+              "ERROR: Random mating needs at least two parents for generation    1\n");
 }
