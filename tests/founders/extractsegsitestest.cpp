@@ -15,19 +15,18 @@ class extraction : public infolder
 
 constexpr int64 nindiv = 37, nqtnperchrom = 11;
 
-// Integers right-aligned in columns of one width.
-std::string columns(int64 width, const std::vector<int64> &values)
+// A line of integers in columns of one width, and of positions as F20.10.
+template <class... T> std::string row(int64 width, T... values)
 {
     textline line;
-    for (const int64 value : values) puti(line, value, width);
-    return line;
-}
-
-std::string fixed(double position)
-{
-    textline line;
-    putf(line, position, 20, 10);
-    return line;
+    const auto put = [&](auto value) {
+        if constexpr (std::is_same_v<decltype(value), double>)
+            putf(line, value, 20, 10);
+        else
+            puti(line, value, width);
+    };
+    (put(values), ...);
+    return line + "\n";
 }
 
 struct simulated {
@@ -45,7 +44,8 @@ simulated writechromosome(int64 chrom, int64 nsites, int64 nhaplos)
     std::string map, lines;
     for (const int64 place : places) {
         result.positions.push_back(static_cast<double>(place) / 1e10);
-        map += fixed(result.positions.back()) + (random() % 3 ? " " : "\n");
+        const std::string position = row(0, result.positions.back());
+        map += random() % 3 ? position.substr(0, 20) : position;
     }
     for (int64 h = 0; h < nhaplos; ++h) {
         std::string &alleles = result.haplotypes.emplace_back();
@@ -67,6 +67,7 @@ state extractionstate(int64 nchrom, int64 nmut)
     s.sites.ndenovomutperchr = nmut;
     s.pop.nindivp = nindiv;
     s.chips.nchip = 2;
+    s.chips.tmpchip = 2;
     s.chips.usesnpchiponoff = true;
     s.chips.nsnpperchipperchrom.allocate(2);
     s.chips.nsnpperchipperchrom(1) = 20;
@@ -133,16 +134,15 @@ slowchromosome extractslowly(const state &s, const simulated &founders, double p
     result.nsegreg = std::ssize(slots);
     auto &files = result.files;
     for (int64 i = 1; i <= nsim; ++i)
-        files["PhysicalMapInputUncompressed.txt"] +=
-            columns(10, {i}) + fixed(slots[i - 1].position) + columns(10, {0}) + "\n";
+        files["PhysicalMapInputUncompressed.txt"] += row(10, i, slots[i - 1].position, 0);
     std::vector<slot *> candidates;
     std::string &compressed = files["PhysicalMapInputCompressed.txt"];
     for (slot &here : slots) {
         if (!here.survives) continue;
         candidates.push_back(&here);
         if (thinned)
-            compressed += columns(10, {std::ssize(candidates), here.number}) +
-                          fixed(here.position) + columns(10, {here.mutation}) + "\n";
+            compressed +=
+                row(10, std::ssize(candidates), here.number, here.position, here.mutation);
     }
     const int64 ncandidates = std::ssize(candidates);
     files["SegSites.txt"] = (thinned ? freeline(ncandidates) : freeline(nsim, "sites")) + "\n";
@@ -163,23 +163,22 @@ slowchromosome extractslowly(const state &s, const simulated &founders, double p
             carrier = 1 + static_cast<int64>(nindiv * ran1(random));
             const int64 gamete = 1 + static_cast<int64>(2 * ran1(random));
             carrying.insert(carrier);
-            files["MutDeNovoInfo.txt"] +=
-                columns(20, {site.number, carrier, gamete, i / 60 + 1, i}) + "\n";
+            files["MutDeNovoInfo.txt"] += row(20, site.number, carrier, gamete, i / 60 + 1, i);
             ++result.nmutincl;
         }
-        files["PhysicalMapIncluded.txt"] += columns(10, {i, site.number}) + fixed(site.position) +
-                                            columns(10, {site.mutation, carrier}) + "\n";
+        files["PhysicalMapIncluded.txt"] +=
+            row(10, i, site.number, site.position, site.mutation, carrier);
         for (std::size_t h = 0; h < site.column.size(); ++h) result.included[h] += site.column[h];
     }
     for (int64 i = 1; i <= nindiv; ++i)
-        files["MutIndivIndicator.txt"] += columns(10, {i, carrying.contains(i)}) + "\n";
+        files["MutIndivIndicator.txt"] += row(10, i, carrying.contains(i));
     for (const std::string &haplotype : result.included) {
         for (const char allele : haplotype) files["MacsHaplotypesIncluded.txt"] += {' ', allele};
         files["MacsHaplotypesIncluded.txt"] += '\n';
     }
     std::string &numbers = files["NbOfQtnMutationsAndSnp.txt"];
-    numbers = columns(20, {nqtnperchrom + result.nmutincl, result.nmutincl, 20, 60}) + "\n";
-    if (s.selection.recombselonoff) numbers += columns(20, {5, result.nmutincl, 20, 60}) + "\n";
+    numbers = row(20, nqtnperchrom + result.nmutincl, result.nmutincl, 20, 60);
+    if (s.selection.recombselonoff) numbers += row(20, 5, result.nmutincl, 20, 60);
     return result;
 }
 
@@ -244,6 +243,8 @@ TEST_F(extraction, agreewithplainstrings)
         const outcome result = runbody([&] { extractsegsites(s); });
         ASSERT_EQ(result.code(), 0) << result.output;
 
+        s.qtn.ntotqtnrecomb = 99;
+        s.selection.addqtntosnpchip = c.recomb ? 1 : 2;
         allocatechromarrays(s);
         readsegsitesdatafromallchrom(s);
         std::string counts =
@@ -267,6 +268,16 @@ TEST_F(extraction, agreewithplainstrings)
                   "\n  Total number of QTN with Gamma effect" + freeline(4 + nmutations) + "\n";
         if (c.recomb) output += "  Total number of recombination QTN 10\n";
         EXPECT_EQ(result.output, output + "     \n");
+
+        EXPECT_EQ(s.qtn.ntotqtn, 22 + nmutations);
+        EXPECT_EQ(s.qtn.ntotqtngamma, 4 + nmutations);
+        EXPECT_EQ(s.qtn.ntotqtnrecomb, c.recomb ? 10 : 99);
+        EXPECT_EQ(s.chips.nsnp, 120);
+        EXPECT_EQ(s.chips.nsnpforsel, 120 + (c.recomb ? s.qtn.ntotqtn : 0));
+        EXPECT_EQ(s.sites.nindivpinit, nindiv);
+        s.pop.nindivp = 20; // a later run may have fewer individuals to come
+        allocatechromarrays(s);
+        EXPECT_EQ(runbody([&] { readsegsitesdatafromallchrom(s); }).code(), 0);
     }
 }
 
@@ -322,4 +333,24 @@ TEST_F(extraction, refusebrokeninput)
     EXPECT_NE(refused().find("neither 0 nor 1"), std::string::npos);
     runcommand("rm " + chromfolder(1) + "SegSites.txt"); // the simulator failed
     EXPECT_NE(refused().find("debug.txt"), std::string::npos);
+}
+
+TEST_F(extraction, refusebrokenstores)
+{
+    writechromosome(1, 57, 3);
+    state s = extractionstate(1, 3);
+    runbody([&] { extractsegsites(s); });
+    const std::pair<std::string, std::string> broken[] = {
+        {"MutDeNovoInfo.txt", "17 3 1 1 16\n"}, // two of three mutations are missing
+        {"SegSitesIncluded.txt", ""},
+        {"NbOfQtnMutationsAndSnp.txt", "14 4 20 60\n"}};
+    for (const auto &[file, content] : broken) {
+        const std::string path = chromfolder(1) + file, whole = readfile(path);
+        writefile(path, content);
+        allocatechromarrays(s);
+        const outcome result = runbody([&] { readsegsitesdatafromallchrom(s); });
+        EXPECT_EQ(result.code(), -2) << file;
+        EXPECT_NE(result.stop.reason.find(file), std::string::npos);
+        writefile(path, whole);
+    }
 }
