@@ -194,6 +194,7 @@ void checkstores(state &s, int64 chrom, const slowchromosome &slow)
     EXPECT_EQ(s.sites.nhaplos, nhaplos);
     for (int64 j = 1; j <= slow.nmutincl; ++j) {
         const int64 site = s.sites.denovoinfo(chrom, j, 5);
+        ASSERT_TRUE(site >= 1 && site <= nsites);
         EXPECT_EQ(s.sites.inclsnpid(site), s.sites.denovoinfo(chrom, j, 1));
         EXPECT_EQ(s.sites.inclmutindicator(site), 1);
         EXPECT_EQ(s.sites.inclmutindicatorindivid(site), s.sites.denovoinfo(chrom, j, 2));
