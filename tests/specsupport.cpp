@@ -56,6 +56,19 @@ spectext &spectext::set(const std::string &key, const std::string &values)
     return splice(i, i < lines.size() ? 1 : 0, key + "," + values);
 }
 
+spectext &spectext::change(const std::string &changes)
+{
+    std::istringstream in(changes);
+    for (std::string line; std::getline(in >> std::ws, line, ';');) {
+        const std::size_t comma = line.find(',');
+        if (line.starts_with('-'))
+            remove(line.substr(1));
+        else
+            set(line.substr(0, comma), line.substr(comma + 1));
+    }
+    return *this;
+}
+
 spectext &spectext::remove(const std::string &key)
 {
     lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(findpresent(key)));
@@ -65,11 +78,6 @@ spectext &spectext::remove(const std::string &key)
 spectext &spectext::insertbefore(const std::string &key, const std::string &line)
 {
     return splice(findpresent(key), 0, line);
-}
-
-spectext &spectext::insertafter(const std::string &key, const std::string &line)
-{
-    return splice(findpresent(key) + 1, 0, line);
 }
 
 spectext &spectext::append(const std::string &line)
@@ -86,7 +94,8 @@ spectext &spectext::movebefore(const std::string &key, const std::string &other)
 spectext &spectext::moveafter(const std::string &key, const std::string &other)
 {
     const std::string line = lines[findpresent(key)];
-    return remove(key).insertafter(other, line);
+    remove(key);
+    return splice(findpresent(other) + 1, 0, line);
 }
 
 std::string spectext::text() const
@@ -101,113 +110,26 @@ void spectext::write() const
     writefile("SolvantoSpec.txt", text());
 }
 
+spectext documentedspec()
+{
+    const std::vector<std::string> page = readlines(sourcefolder() + "/docs/spec-file.md");
+    const auto begin = std::find(page.begin(), page.end(), "```text") + 1;
+    spectext spec("");
+    spec.lines.assign(begin, std::find(begin, page.end(), "```"));
+    return spec;
+}
+
 spectext goodspec()
 {
-    return spectext(R"(Box 1 - Pedigree
-PedigreeStatus,Internal
-NumberGenerationsBurnIn,3
-NumberGenerationsSelection,2
-NumberOfIndividualsInEachGeneration,Constant,20
-Box 2 - Animal breeding
-AnimalBreedingOnOff,On
-NumberOfSiresInEachGeneration,Constant,4
-NumberOfDamsInEachGeneration,Constant,10
-Box 3 - Plant breeding
-PlantBreedingOnOff,Off
-PerformMatingsConsideringTheGenderYesNo,No
-NumberOfMaleParentsInEachGeneration,Constant,0
-NumberOfFemaleParentsInEachGeneration,Constant,0
-NumberOfParentsRegardlessTheGenderInEachGen,Constant,0
-PerformSelfingInAtLeastOneGenerationYesNo,No
-NumberOfSelfedParentsInEachGeneration,Constant,0
-NumberOfGenerationsIncludingDoubledHaploids,0
-CreateDoubledHaploidsInTheseGenerations,1
-Box 4 - Flexibility
-GenerationFlexibilityOnOff,Off
-StartStopGeneration,1,5
-SelectionFlexibilityOnOff,Off
-ImportAnExternalPedigreeForThisGeneration,0
-ImportStagePut1ToComputeBV2ToContinue,2
-MergeTypes,None
-NumberOfMergeRuns,0
-MergeFiles,None
-Box 5 - Chromosomes
-NumberOfChromosomes,2
-PopulationHistoryMaCS,InternalTest
-ChromosomeLengthMorgansMaCS,Internal
-ChromosomeLengthMorgansSolvanto,Internal
-NumberOfHaplotypes,40
-RecombinationHotspotsOnOff,Off
-ChromosomeLengthBasesMaCS,Value,10000000
-MutationRateMaCS,Value,2.5e-8
-EffectivePopulationSizeBaseMaCS,Value,100
-Box 6 - SNP chips
-UseSnpChipOnOff,On
-NumberOfSnpChips,1
-nSnpPerChipPerChromosme,20
-MinMaxAlleleFreqForSnp,0,1
-SnpChipIncludesQtnYesNoRandom,No
-SnpChipsAreNestedYesNo,Yes
-IdOfChipUsedForSelection,1
-Box 7 - QTN
-NumberOfQtnPerChromosomeNormalDist,10
-NumberOfQtnPerChromosomeGammaDist,10
-NumberOfMutationsPerChr,0
-MutationalVarianceProportion,0
-MinMaxAlleleFreqForModel2And4,0,0.5
-ShapeAndScaleOfGammaDistForModel3And4,0.4,1.66
-IncludeDominanceEffectsOnOff,Off
-DominanceDegreeMeanAndVariance,0.1,0.2
-QtnClustersOnOff,Off
-Box 8 - Recombination
-RecombinationOnOff,Off
-HeritabilityOfRecombination,0.2
-NumberOfQtnPerChromForRecombination,0
-InitialRecombinationIndexWeight,0
-NumberGenerationsSelectionOnRecombination,0
-LaterGenRecombinationIndexWeight,0
-DistributionOfQtnForRecombination,Normal
-ShapeAndScaleOfGammaDist,1,1
-Box 9 - Gene editing
-GeneEditingOnOff,Off
-EditTopOrBottom,Top
-NumberOfEditedIndividuals,0
-NumberOfGeneEditsPerIndividual,0
-PerformGEOnUserQtnSelectionYesNo,No
-GeneDriveOnOff,Off
-Box 10 - Selection
-SelectionBasedOnRestrictedOrUnrestrictedQtn,Unrestricted
-DistributionOfQtnOfSelectionTraits,Normal
-SelectionMethod,Tbv
-AddQtnToTheSnpChipYesNo,No
-UseExternalSnpSolutionsYesNo,No
-SelectionPhenotypingStrategy,AllPhenotypes
-FirstAndLastTrainingGenForRandomPhenotypesStrat,1,2
-TrainingSetSizeForRandomPhenotypesStrat,20
-FixTheTrainingDataAcrossGenerationsOnOff,Off
-UseTrainingDataFromGeneration,4
-ComputeAverageCoancestryYesNo,No
-GenerationsOfPedigreePriorToTraining,1
-Box 11 - Optimal contributions
-OptimalContributionSelectionOnOff,Off
-SizeOfXvectPopulationAndMaxNbOfGenerations,10,100
-PercentageDifferenceInbreeding,1
-Box 12 - Traits
-NumberOfTraits,1
-IndexWeights,1
-TraitHeritability,0.5
-TraitGeneticVariance,1
-Box 13 - Correlation matrices
-GeneticCorrelationMatrix
-1.0
-ResidualCorrelationMatrix
-1.0
-Box 14 - Output
-KeepChromosomesFolderYesNo,Yes
-WriteFullSequenceOutOnOff,Off
-ZipSequenceOutputFilesYesNo,No
-Box 15 - Genome compression
-GenomeCompressionOnOff,Off
-GenomeCompression,100
-)");
+    static const spectext good = documentedspec().change(
+        "NumberOfIndividualsInEachGeneration,Constant,20;"
+        "NumberOfSiresInEachGeneration,Constant,4; NumberOfDamsInEachGeneration,Constant,10;"
+        "NumberOfChromosomes,2; PopulationHistoryMaCS,InternalTest; NumberOfHaplotypes,40;"
+        "EffectivePopulationSizeBaseMaCS,Value,100; NumberOfSnpChips,1; nSnpPerChipPerChromosme,20;"
+        "MinMaxAlleleFreqForSnp,0,1; IdOfChipUsedForSelection,1;"
+        "NumberOfQtnPerChromosomeNormalDist,10; NumberOfQtnPerChromosomeGammaDist,10;"
+        "MinMaxAlleleFreqForModel2And4,0,0.5; DominanceDegreeMeanAndVariance,0.1,0.2;"
+        "SelectionMethod,Tbv; TrainingSetSizeForRandomPhenotypesStrat,20; NumberOfTraits,1;"
+        "IndexWeights,1; TraitHeritability,0.5; TraitGeneticVariance,1; -0.3 1.0; -0.1 1.0");
+    return good;
 }

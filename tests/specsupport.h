@@ -14,10 +14,11 @@ class spectext
     // The key's line gets these values ("Constant,10"); a key that is absent is appended.
     spectext &set(const std::string &key, const std::string &values);
     spectext &remove(const std::string &key);
+    // Several such changes, behind one another: "NumberOfTraits,1; -PedigreeStatus".
+    spectext &change(const std::string &changes);
     // Another line in the place of the key's.
     spectext &replace(const std::string &key, const std::string &line);
     spectext &insertbefore(const std::string &key, const std::string &line);
-    spectext &insertafter(const std::string &key, const std::string &line);
     spectext &append(const std::string &line);
     // Moves the key's line right before or behind another key's.
     spectext &movebefore(const std::string &key, const std::string &other);
@@ -34,7 +35,9 @@ class spectext
     spectext &splice(std::size_t i, std::size_t n, const std::string &content);
 };
 
-// A specification with all 15 boxes that passes every check: an animal scheme with 3 burn-in
+// The complete example of the page on the specification file.
+spectext documentedspec();
+// The same made small, with every key, and passing every check: an animal scheme with 3 burn-in
 // generations and 2 of selection on true values, 20 individuals each from 4 sires and 10 dams,
 // 2 chromosomes, one chip with 20 SNP and 10 QTN of each distribution per chromosome, one trait
 // with heritability 0.5, nothing switched on that needs further files. For a run of burn-in alone
