@@ -152,18 +152,14 @@ TEST_F(macsstage, writehotspots)
         writefile(regions, content);
         return runbody([] { readrecombspecformacs(3); });
     };
-    const std::string hotspots = "Chromosomes/Chromosome3/Hotspots.txt";
-    outcome result = attempt("0.0 0.25 0.5\n0.25,0.75 0.25\n0.75\t1.0 0.25 remark\n");
-    EXPECT_EQ(result.output, "");
-    EXPECT_EQ(readfile(hotspots), "  0.00000000  0.25000000  2.00000000\n"
-                                  "  0.25000000  0.75000000  0.50000000\n"
-                                  "  0.75000000  1.00000000  1.00000000\n");
+    EXPECT_EQ(attempt("0.0 0.25 0.5\n0.25 1.0 0.5\n").output, "");
     const std::string warning = "WARNING: proportion of recombinations over the defined regions "
                                 "must sum to 1.0 - rescale\n\n";
-    result = attempt("0.0 0.5 0.3\n0.5 1.0 0.1\n");
-    EXPECT_EQ(result.output, warning);
-    EXPECT_EQ(readfile(hotspots), "  0.00000000  0.50000000  1.50000000\n"
-                                  "  0.50000000  1.00000000  0.50000000\n");
+    EXPECT_EQ(attempt("0.0 0.25 2\n0.25,0.75 1\n0.75\t1.0 1 remark\n").output, warning);
+    EXPECT_EQ(readfile("Chromosomes/Chromosome3/Hotspots.txt"),
+              "  0.00000000  0.25000000  2.00000000\n"
+              "  0.25000000  0.75000000  0.50000000\n"
+              "  0.75000000  1.00000000  1.00000000\n");
     // 0.7 + 0.2 + 0.1 misses 1 by rounding alone: the test is exact.
     EXPECT_EQ(attempt("0 0.3 0.7\n0.3 0.5 0.2\n0.5 1 0.1\n").output, warning);
     EXPECT_EQ(attempt("0.9 0.1 1\n").code(), 0); // a single region in any order
@@ -172,7 +168,7 @@ TEST_F(macsstage, writehotspots)
                               "end of chromosome\n";
     for (const char *wrong : {"0.5 0.6 0.5\n0.5 0.7 0.5\n", "0.2 0.6 0.5\n0.3 0.6 0.5\n",
                               "0.4 0.4 1\n", "0.0 0.4 0.5\n0.6 0.6 0.5\n"}) {
-        result = attempt(wrong);
+        const outcome result = attempt(wrong);
         EXPECT_EQ(result.code(), 110031) << wrong;
         EXPECT_EQ(result.output, error);
     }

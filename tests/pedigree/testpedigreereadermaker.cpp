@@ -147,8 +147,7 @@ TEST_F(pedigreestage, animalsFollowTheDraws)
               "   3                   3                   1                   2\n"
               "   4                   4                   2                   2\n");
 
-    // A run over generations 3 and 4 keeps what stands before, and draws those anew.
-    const auto pedigree = readlines(pedigreetable), genders = readlines(gendertable);
+    // A run over generations 3 and 4 draws those anew, from what stands before.
     state t;
     settings(t);
     t.run.specstartgen = 3;
@@ -156,18 +155,13 @@ TEST_F(pedigreestage, animalsFollowTheDraws)
     runbody([&] { pedigreereadermaker(t); });
     const auto table = readtable();
     ASSERT_EQ(table.size(), 26u);
-    const auto newpedigree = readlines(pedigreetable), newgenders = readlines(gendertable);
-    for (std::size_t i = 0; i <= 19; ++i) {
-        EXPECT_EQ(newpedigree[i], pedigree[i]);
-        EXPECT_EQ(newgenders[i], genders[i]);
-    }
-    EXPECT_NE(newgenders, genders);
-    for (std::size_t i = 19; i < 22; ++i) { // parents of the right gender in generation 2
+    EXPECT_TRUE(std::equal(table.begin(), table.begin() + 19, slow.rows.begin()));
+    EXPECT_NE(table, slow.rows);
+    for (std::size_t i = 19; i < 22; ++i) {
         const individual &sire = table.at(table[i].sire - 1), &dam = table.at(table[i].dam - 1);
         EXPECT_TRUE(sire.generation == 2 && sire.gender == 1);
         EXPECT_TRUE(dam.generation == 2 && dam.gender == 2);
     }
-    EXPECT_EQ(table[22].sire, 0);
 
     t.pop.nindivinthisgen(2) = 11;
     const outcome changed = runbody([&] { pedigreereadermaker(t); });
