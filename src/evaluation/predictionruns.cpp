@@ -114,11 +114,6 @@ void runprogram(const state &s, int64 selectioncycle, const std::string &program
     runshell("rm -f TmpQuillomere.sh", routine + " D");
 }
 
-void checkrunid(int64 runid)
-{
-    if (runid <= 0) printline("Run ID set incorrectly");
-}
-
 // Where to look when a prediction program left nothing, or too little.
 std::string lookinlog(int64 selectioncycle)
 {
@@ -204,7 +199,7 @@ void writequillomerespec(state &s, int64 selectioncycle, int64 selectedtrait, in
 
 void runquillomerep(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid)
 {
-    checkrunid(runid);
+    if (runid <= 0) printline("Run ID set incorrectly");
     runprogram(s, selectioncycle, "QuillomereP",
                {"mv ResultAverageEstimatedPolygenicBreedingValues.txt EbvTrait" +
                 numbertext(selectedtrait) + ".txt"});
@@ -212,7 +207,6 @@ void runquillomerep(state &s, int64 selectioncycle, int64 selectedtrait, int64 r
 
 void runquillomere(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid)
 {
-    checkrunid(runid);
     std::vector<std::string> lines = {"cp AlleleFreq.txt AlleleFreqTrain.txt", "rm AlleleFreq.txt"};
     if (runid == 2)
         for (const char *line :

@@ -148,38 +148,16 @@ PedigreeBlupTrain1.txt
                                   " PolygenicFixed                    ,Yes"}));
 }
 
-TEST_F(PredictionRuns, GenomicRunLeavesTheResultsUnderTheirNames)
+// The script, as a program finds it that looks up from its folder, and what it leaves.
+TEST_F(PredictionRuns, ScriptsRunTheProgramsAndNameTheirResults)
 {
-    makeprogram("Quillomere", "for n in AlleleFreq SnpSolutions Ebv TbvEbvCorrelation; do "
-                              "echo 1 $n > $n.txt; done\n");
+    const std::string keepscript = "cat ../../TmpQuillomere.sh > script.txt\n";
+    makeprogram("Quillomere", keepscript + "for n in AlleleFreq SnpSolutions Ebv "
+                                           "TbvEbvCorrelation; do echo 1 $n > $n.txt; done\n");
+    makeprogram("QuillomereP", keepscript);
     const int64 seed = s.random.idum;
+    s.traits.ntraits = 2;
     EXPECT_EQ(runbody([&] { runquillomere(s, 1, 1, 2); }).output, "");
-    EXPECT_EQ(s.random.idum, seed);
-    EXPECT_EQ(readfile(f + "outQuillomere"), "run in SelectionFolder1\n -4711\n");
-    EXPECT_EQ(readfile(f + "AlleleFreqTrain.txt"), "1 AlleleFreq\n");
-    EXPECT_EQ(readfile(f + "EbvRecomb.txt"), "1 Ebv\n");
-    EXPECT_EQ(readfile(f + "SnpSolutionsRecomb.txt"), "1 SnpSolutions\n");
-    EXPECT_EQ(readfile(f + "TbvEbvCorrelRecomb.txt"), "1 TbvEbvCorrelation\n");
-    EXPECT_TRUE(std::filesystem::exists(f + "Ebv.txt"));
-    EXPECT_FALSE(std::filesystem::exists(f + "AlleleFreq.txt"));
-    EXPECT_FALSE(std::filesystem::exists("TmpQuillomere.sh"));
-
-    s.traits.ntraits = 2;
-    runquillomere(s, 1, 2, 1);
-    EXPECT_EQ(readfile(f + "EbvTrait2.txt"), "1 Ebv\n");
-    EXPECT_EQ(readfile(f + "SnpSolutionsTrait2.txt"), "1 SnpSolutions\n");
-    EXPECT_EQ(readfile(f + "TbvEbvCorrelationTrait2.txt"), "1 TbvEbvCorrelation\n");
-    for (const char *name : {"Ebv.txt", "SnpSolutions.txt", "TbvEbvCorrelation.txt"})
-        EXPECT_FALSE(std::filesystem::exists(f + name)) << name;
-}
-
-// The script itself, as a program finds it that looks up from its folder.
-TEST_F(PredictionRuns, Scripts)
-{
-    makeprogram("Quillomere", "cat ../../TmpQuillomere.sh > script.txt\n");
-    makeprogram("QuillomereP", "cat ../../TmpQuillomere.sh > script.txt\n");
-    s.traits.ntraits = 2;
-    runquillomere(s, 1, 1, 2);
     EXPECT_EQ(readfile(f + "script.txt"), R"( cd ./Selection/SelectionFolder1/
  ./Quillomere > outQuillomere
  cp AlleleFreq.txt AlleleFreqTrain.txt
@@ -193,6 +171,11 @@ TEST_F(PredictionRuns, Scripts)
  rm -f Ebv.txt SnpSolutions.txt TbvEbvCorrelation.txt
  cd ..
 )");
+    EXPECT_EQ(s.random.idum, seed);
+    EXPECT_EQ(readfile(f + "outQuillomere"), "run in SelectionFolder1\n -4711\n");
+    EXPECT_EQ(readfile(f + "EbvTrait1.txt"), "1 Ebv\n");
+    EXPECT_FALSE(std::filesystem::exists(f + "Ebv.txt"));
+    EXPECT_FALSE(std::filesystem::exists("TmpQuillomere.sh"));
     runquillomerep(s, 1, 2, 1);
     EXPECT_EQ(readfile(f + "script.txt"), R"( cd ./Selection/SelectionFolder1/
  ./QuillomereP > outQuillomere
@@ -203,8 +186,8 @@ TEST_F(PredictionRuns, Scripts)
 
 TEST_F(PredictionRuns, MissingProgramOrResultsAreNamed)
 {
-    EXPECT_EQ(runbody([&] { runquillomere(s, 1, 1, 0); }).output,
-              "Run ID set incorrectly\nfailure : Solvanto : RunQuillomere A\n");
+    EXPECT_EQ(runbody([&] { runquillomerep(s, 1, 1, 0); }).output,
+              "Run ID set incorrectly\nfailure : Solvanto : RunQuillomereP A\n");
     const outcome missing = runbody([&] { computereadebv(s, 1, 1); });
     EXPECT_EQ(missing.code(), -2);
     EXPECT_NE(missing.stop.reason.find(f + "Ebv.txt"), std::string::npos) << missing.stop.reason;
