@@ -271,36 +271,6 @@ TEST_F(burningeneration, layouts)
     EXPECT_EQ(readlines(chromfolder(1) + "BaseIndividualGameteTracking.txt")[4].size(), 60u);
 }
 
-// Generation 2 dropped again with the stream that it had leaves the same bytes, with another
-// stream other lines behind those of generation 1, and what stood behind is gone.
-TEST_F(burningeneration, goingonfromagenerationonfile)
-{
-    buildinternal();
-    drop(1, 1);
-    const randomstream stream = s.random;
-    const auto counts = s.haplo.recombcount;
-    const std::vector<std::string> files = {chromfolder(1) + "RecombinationTracking.txt",
-                                            recombinationcounts, genomefile(1, 2)};
-    std::vector<std::string> first, kept;
-    for (const std::string &file : files)
-        kept.push_back(file == genomefile(1, 2) ? "" : readfile(file));
-    drop(1, 2);
-    for (const std::string &file : files) first.push_back(readfile(file));
-    drop(1, 3);
-    for (const bool samestream : {false, true}) {
-        s.haplo.recombcount = counts;
-        s.random = stream;
-        if (!samestream) s.random.idum = -5;
-        drop(1, 2);
-        for (std::size_t f = 0; f < files.size(); ++f) {
-            EXPECT_EQ(readfile(files[f]) == first[f], samestream) << files[f];
-            EXPECT_EQ(readfile(files[f]).substr(0, kept[f].size()), kept[f]);
-        }
-        EXPECT_EQ(readlines(files[0]).size(), 18u);
-        EXPECT_EQ(readlines(files[1]).size(), 9u);
-    }
-}
-
 // 300 base individuals, so that byte counters run over without care, and one with known parents.
 TEST_F(burningeneration, minorallelefrequencies)
 {

@@ -306,63 +306,6 @@ TEST_F(burninstage, titles)
               "         2        14         1         2");
 }
 
-// Generations 2 and 3 once more with another seed: lines of generation 1 stay to the byte, true
-// values come out the same, residuals don't. Then generation 2 alone: what lies behind it goes.
-TEST_F(burninstage, restartkeepsearliergenerations)
-{
-    for (const bool full : {true, false}) {
-        in = qtninputs();
-        state s = prepare(full);
-        const auto fresh = [&] {
-            state copy = in.settings(full ? 2 : 1);
-            copy.qtn.nqtngamma = s.qtn.nqtngamma;
-            copy.qtn.nqtnmodels = s.qtn.nqtnmodels;
-            copy.qtn.dominonoff = full;
-            copy.selection.recombselonoff = !full;
-            copy.qtn.ntotqtn = s.qtn.ntotqtn;
-            copy.qtn.ntotqtnrecomb = s.qtn.ntotqtnrecomb;
-            copy.run.genflexibilityonoff = true;
-            return copy;
-        };
-        ASSERT_EQ(runbody([&] { computetbvvaravareandburnintpv(s); }).code(), 0);
-        const std::vector<std::string> files = {"UnrestrictedQtnIndivGenotypes.txt",
-                                                "PedigreeTbvTdvTpv.txt",
-                                                "GeneticMeansPerGeneration.txt",
-                                                "TotalGenicAndGeneticVariancesPerGeneration.txt",
-                                                "TraitVarianceComponents.txt",
-                                                full ? "RestrictedQtnIndivGenotypes.txt"
-                                                     : "PedigreeTbvRecombination.txt"};
-        std::vector<std::string> contents;
-        for (const auto &name : files) contents.push_back(readfile("SimulatedData/" + name));
-        const auto values = readlines("SimulatedData/PedigreeTbvTdvTpv.txt");
-
-        state again = fresh();
-        again.run.specstartgen = 2;
-        again.random.idum = -4711;
-        ASSERT_EQ(runbody([&] { computetbvvaravareandburnintpv(again); }).code(), 0);
-        for (std::size_t k = 0; k < files.size(); ++k)
-            if (files[k] != "PedigreeTbvTdvTpv.txt") {
-                EXPECT_EQ(readfile("SimulatedData/" + files[k]), contents[k]) << files[k];
-            }
-        const auto rerun = readlines("SimulatedData/PedigreeTbvTdvTpv.txt");
-        ASSERT_EQ(rerun.size(), values.size());
-        const std::size_t width =
-            40 + 40 * static_cast<std::size_t>(s.qtn.nqtnmodels * s.traits.ntraits);
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            EXPECT_EQ(rerun[i].substr(0, width), values[i].substr(0, width));
-            EXPECT_EQ(rerun[i] == values[i], i <= 12) << i;
-        }
-
-        again = fresh();
-        again.run.specstartgen = again.run.specendgen = 2;
-        ASSERT_EQ(runbody([&] { computetbvvaravareandburnintpv(again); }).code(), 0);
-        EXPECT_EQ(readlines("SimulatedData/PedigreeTbvTdvTpv.txt").size(), 1U + 12 + 9);
-        EXPECT_EQ(readlines("SimulatedData/UnrestrictedQtnIndivGenotypes.txt").size(), 21U);
-        EXPECT_EQ(readlines("SimulatedData/GeneticMeansPerGeneration.txt").size(), full ? 17U : 5U);
-        std::filesystem::remove_all("SimulatedData");
-    }
-}
-
 TEST_F(burninstage, stops)
 {
     state s = prepare(false);
