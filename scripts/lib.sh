@@ -37,9 +37,8 @@ needpackages() {
 
 # shellcheck disable=SC2034
 buildpackages=(g++ cmake make libeigen3-dev libopenblas-dev)
-# scrm: the tests hold the linkage of the coalescent simulator to it.
 # shellcheck disable=SC2034
-testpackages=(libgtest-dev scrm)
+testpackages=(libgtest-dev)
 # shellcheck disable=SC2034
 benchpackages=(libbenchmark-dev scrm time)
 
