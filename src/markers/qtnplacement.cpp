@@ -1,5 +1,6 @@
 #include "markers/qtnplacement.h"
 
+#include "haplotypes/blocks.h"
 #include "markers/sitesets.h"
 #include "stops.h"
 #include "words.h"
@@ -154,7 +155,12 @@ struct region {
 std::vector<region> readregions(const state &s, int64 nqtvonchr, int64 chrom)
 {
     const std::string path = "./QtnSpecifications/Chromosome" + numbertext(chrom) + ".txt";
-    const double n = static_cast<double>(s.sites.nsegregincl);
+    // Multiplied one after the other: which site a fraction falls on can hang on the last bit.
+    const double nblock = static_cast<double>(s.sites.nsegregincl / lociperblock);
+    const auto siteat = [&](double fraction) {
+        return static_cast<int64>(
+            std::floor(fraction * static_cast<double>(lociperblock) * nblock));
+    };
     const int64 nrows = countlines(path);
     if (nrows == 0) ioerror(path, "holds no regions: start, end and share of the QTN are wanted");
     std::vector<region> regions;
@@ -167,7 +173,7 @@ std::vector<region> readregions(const state &s, int64 nqtvonchr, int64 chrom)
         if (!(proportion >= 0 && proportion <= 1))
             in.complain("the share of the QTN must lie within 0 to 1");
         regions.push_back(
-            {static_cast<int64>(std::floor(start * n)), static_cast<int64>(std::floor(end * n)),
+            {siteat(start), siteat(end),
              static_cast<int64>(std::floor(proportion * static_cast<double>(nqtvonchr))),
              proportion});
         // Sites are numbered from 1.

@@ -258,6 +258,12 @@ TEST_F(markerchoice, regionsGiveTheSites)
     for (const char *broken :
          {"", "0.5 0.4 1\n", "0.5 1.1 1\n", "0.1 0.2 -1\n", "0.1 x 1\n", "0.1 0.2"})
         EXPECT_EQ(place(broken, 5, 1, true).code(), -2) << broken;
+
+    // 0.35 x 60 is 21 exactly, and 0.35 x 180 a little below 63.
+    setchromosome(s, 180);
+    isqtvpos.allocate(180);
+    place("0.35 0.4 1\n", 9, 1, true);
+    EXPECT_EQ(count(63, 71), 9);
 }
 
 TEST_F(markerchoice, clustersKeepSetsFullAndDistinct)
