@@ -48,14 +48,14 @@ void addanimal(const unknowns &u, int64 animal, double factor, combination &sum)
     for (const auto &[at, value] : u.combined.at(animal)) addto(sum, at, factor * value);
 }
 
-void addparents(const pedigreedata &p, const unknowns &u, int64 animal, double factor,
+void addparents(const phenotypedpedigree &p, const unknowns &u, int64 animal, double factor,
                 combination &sum)
 {
     if (p.sire(animal) > 0) addanimal(u, p.sire(animal), factor, sum);
     if (p.dam(animal) > 0) addanimal(u, p.dam(animal), factor, sum);
 }
 
-unknowns numberunknowns(const pedigreedata &p, const array1<double> &d)
+unknowns numberunknowns(const phenotypedpedigree &p, const array1<double> &d)
 {
     unknowns u;
     u.place.assign(static_cast<std::size_t>(p.n) + 1, -1);
@@ -87,7 +87,7 @@ void addproduct(std::vector<Eigen::Triplet<double, int>> &entries, const combina
 }
 
 // Both sides of the equations, times VarE.
-equationset formequations(const pedigreedata &p, const array1<double> &d, const unknowns &u,
+equationset formequations(const phenotypedpedigree &p, const array1<double> &d, const unknowns &u,
                           double lambda)
 {
     equationset e;
@@ -162,7 +162,7 @@ void solve(const equationset &e, int64 nround, const std::string &file, pedigree
     if (reached.residual > goodresidual) note("WARNING: the estimates are not exact");
 }
 
-double meanphenotype(const pedigreedata &p)
+double meanphenotype(const phenotypedpedigree &p)
 {
     double sum = 0;
     for (int64 i = 1; i <= p.n; ++i)
@@ -171,7 +171,7 @@ double meanphenotype(const pedigreedata &p)
 }
 } // namespace
 
-animalmodel solveanimalmodel(const pedigreedata &p, const array1<double> &d, double vara,
+animalmodel solveanimalmodel(const phenotypedpedigree &p, const array1<double> &d, double vara,
                              double vare, int64 nround, const std::string &file, pedigreesolver way)
 {
     animalmodel result;

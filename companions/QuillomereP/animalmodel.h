@@ -11,7 +11,7 @@
 // parents' and is written as such wherever it occurs.
 #pragma once
 
-#include "QuillomereP/pedigreedata.h"
+#include "QuillomereP/phenotypedpedigree.h"
 
 #include <string>
 
@@ -28,6 +28,6 @@ struct animalmodel {
 //   VarA 0 gives estimates of 0. A VarE below a millionth of VarA is replaced by that. Both are
 // noted on standard output, as are the rounds and the residual.
 // Stops: an I/O error in the name of file if nround rounds leave a residual above 1e-6.
-animalmodel solveanimalmodel(const pedigreedata &p, const array1<double> &d, double vara,
+animalmodel solveanimalmodel(const phenotypedpedigree &p, const array1<double> &d, double vara,
                              double vare, int64 nround, const std::string &file,
                              pedigreesolver way = pedigreesolver::cheaper);

@@ -18,7 +18,7 @@ struct parentpedigree {
     array1<int64> indexof; // by animal: its index among parents, 0 for others
 };
 
-parentpedigree extractparents(const pedigreedata &p)
+parentpedigree extractparents(const phenotypedpedigree &p)
 {
     parentpedigree a;
     a.indexof.allocate(p.n, 0);
@@ -164,7 +164,7 @@ void computecoefficients(parentpedigree &a)
 }
 } // namespace
 
-array1<double> mendelianvariances(const pedigreedata &p, double &meaninbreeding)
+array1<double> mendelianvariances(const phenotypedpedigree &p, double &meaninbreeding)
 {
     parentpedigree a = extractparents(p);
     computecoefficients(a);

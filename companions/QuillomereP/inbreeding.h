@@ -1,7 +1,7 @@
 // inbreeding.h - inbreeding coefficients and Mendelian sampling variances of a pedigree.
 #pragma once
 
-#include "QuillomereP/pedigreedata.h"
+#include "QuillomereP/phenotypedpedigree.h"
 
 // Per animal the variance of its value given those of its parents, in units of the additive
 // variance of the base, with F the inbreeding coefficient of a parent:
@@ -14,4 +14,4 @@
 // j of T_ij^2 D_j. One row of T at a time makes memory linear; eight rows are traced together, and
 // full sibs only once, since they share their coefficient.
 //   meaninbreeding   out  mean F of the animals that are parents, for the report
-array1<double> mendelianvariances(const pedigreedata &p, double &meaninbreeding);
+array1<double> mendelianvariances(const phenotypedpedigree &p, double &meaninbreeding);

@@ -13,7 +13,7 @@ namespace
 {
 constexpr const char *resultfile = "ResultAverageEstimatedPolygenicBreedingValues.txt";
 
-void writeestimates(const pedigreedata &p, const animalmodel &estimated)
+void writeestimates(const phenotypedpedigree &p, const animalmodel &estimated)
 {
     outfile out(resultfile);
     textline line;
@@ -25,7 +25,7 @@ void writeestimates(const pedigreedata &p, const animalmodel &estimated)
     out.close();
 }
 
-void reportpedigree(const pedigreedata &p)
+void reportpedigree(const phenotypedpedigree &p)
 {
     int64 nselfed = 0, ndoubled = 0;
     for (int64 i = 1; i <= p.n; ++i) {
@@ -44,10 +44,10 @@ void quillomerep()
     note("QuillomereP: pedigree prediction by the animal model");
     std::remove(resultfile); // mostly there is none
     const dataformat format = readdataformat("DataFormatParameters.txt");
-    pedigreedata p;
+    phenotypedpedigree p;
     {
         const step reading("Reading " + format.pedigreefile);
-        p = readpedigreedata(format.pedigreefile, format.missingvalue);
+        p = readphenotypedpedigree(format.pedigreefile, format.missingvalue);
     }
     reportpedigree(p);
     array1<double> d;

@@ -155,10 +155,10 @@ void expectresults(const std::vector<double> &expected, double tolerance, int64 
     }
 }
 
-pedigreedata datafrom(const pedigree &p)
+phenotypedpedigree datafrom(const pedigree &p)
 {
     writefile("pedigree", pedigreetext(p));
-    return readpedigreedata("pedigree", -99);
+    return readphenotypedpedigree("pedigree", -99);
 }
 
 class quillomerepinfolder : public infolder
@@ -187,7 +187,7 @@ TEST_F(quillomerepinfolder, solversagreeandvariancesareright)
         const pedigree p = mixedpedigree(700, 31, plants);
         const densematrix a = relationships(p);
         runquietly([&] {
-            const pedigreedata data = datafrom(p);
+            const phenotypedpedigree data = datafrom(p);
             double meaninbreeding = 0;
             const array1<double> d = mendelianvariances(data, meaninbreeding);
             EXPECT_GT(meaninbreeding, plants ? 0.3 : 0.05);
@@ -343,7 +343,7 @@ TEST_F(quillomerepinfolder, genomesbeatpedigreesbeatnothing)
         const families f = makefamilies(random);
         std::vector<double> pedigreeebv, genomeebv, tbv, trainebv, traintbv;
         runquietly([&] {
-            const pedigreedata data = datafrom(f.sibs);
+            const phenotypedpedigree data = datafrom(f.sibs);
             double meaninbreeding = 0;
             const animalmodel a = solveanimalmodel(data, mendelianvariances(data, meaninbreeding),
                                                    1, 1.5, 10000, "f");

@@ -1,4 +1,4 @@
-// pedigreedata.h - the pedigree-phenotype file.
+// phenotypedpedigree.h - the pedigree-phenotype file.
 //
 // Lines of animal, sire, dam, a code and the phenotype, free-form. The numbers of the animals
 // ascend, and parents stand before their offspring; a parent 0 is unknown. One animal may be both
@@ -11,7 +11,7 @@
 #include <string>
 
 // Indices: animals 1..n in the order of the file.
-struct pedigreedata {
+struct phenotypedpedigree {
     int64 n = 0;
     array1<int64> number;        // as in the file
     array1<int64> sire, dam;     // index of the animal, 0 unknown
@@ -25,4 +25,4 @@ struct pedigreedata {
 // that don't ascend, a parent that doesn't stand on an earlier line, another code, a doubled
 // haploid with two parents, a phenotype that is not finite; one that names the file if it is empty
 // or no animal has a phenotype.
-pedigreedata readpedigreedata(const std::string &filename, double missingvalue);
+phenotypedpedigree readphenotypedpedigree(const std::string &filename, double missingvalue);

@@ -1,4 +1,4 @@
-#include "QuillomereP/pedigreedata.h"
+#include "QuillomereP/phenotypedpedigree.h"
 
 #include "evaluationhelpers/records.h"
 #include "stops.h"
@@ -9,7 +9,7 @@
 namespace
 {
 // Index of an animal among the first n, 0 if it isn't there.
-int64 indexof(const pedigreedata &p, int64 n, int64 number)
+int64 indexof(const phenotypedpedigree &p, int64 n, int64 number)
 {
     if (number >= 1 && number <= n && p.number(number) == number) return number; // mostly 1..n
     const int64 *const end = p.number.begin() + n;
@@ -17,7 +17,7 @@ int64 indexof(const pedigreedata &p, int64 n, int64 number)
     return found != end && *found == number ? found - p.number.begin() + 1 : 0;
 }
 
-int64 readparent(infile &in, const pedigreedata &p, int64 i)
+int64 readparent(infile &in, const phenotypedpedigree &p, int64 i)
 {
     const int64 number = in.integer();
     const int64 index = number == 0 ? 0 : indexof(p, i - 1, number);
@@ -26,7 +26,7 @@ int64 readparent(infile &in, const pedigreedata &p, int64 i)
     return index;
 }
 
-void readanimal(infile &in, pedigreedata &p, int64 i, double missingvalue)
+void readanimal(infile &in, phenotypedpedigree &p, int64 i, double missingvalue)
 {
     const int64 line = in.linenumber();
     p.number(i) = in.integer();
@@ -47,9 +47,9 @@ void readanimal(infile &in, pedigreedata &p, int64 i, double missingvalue)
 }
 } // namespace
 
-pedigreedata readpedigreedata(const std::string &filename, double missingvalue)
+phenotypedpedigree readphenotypedpedigree(const std::string &filename, double missingvalue)
 {
-    pedigreedata p;
+    phenotypedpedigree p;
     p.n = countlines(filename);
     for (array1<int64> *a : {&p.number, &p.sire, &p.dam}) a->allocate(p.n, 0);
     p.doubledhaploid.allocate(p.n, 0);
