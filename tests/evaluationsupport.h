@@ -1,13 +1,27 @@
-// evaluationsupport.h - what the tests of the evaluation programs share: dense equations solved
-// the plain way, moments, and bodies that must not stop.
+// evaluationsupport.h - what the tests of the evaluation programs share: settings by which the
+// system writes their specifications, dense equations solved the plain way, moments, and bodies
+// that must not stop.
 #pragma once
 
+#include "evaluation/predictionruns.h"
 #include "testsupport.h"
 #include "textlayout.h"
 
 #include <cmath>
+#include <filesystem>
 #include <string>
 #include <vector>
+
+// One trait and QTN model with these variances; the folder of cycle 1 is made.
+inline state evaluationstate(double vara, double vare)
+{
+    std::filesystem::create_directories("Selection/SelectionFolder1");
+    state s;
+    s.traits.ntraits = s.qtn.qtnmodel = 1;
+    s.selection.selectionvaratr.allocate(1, vara);
+    s.values.vare.allocate(1, 1, vare);
+    return s;
+}
 
 using densematrix = std::vector<std::vector<double>>;
 

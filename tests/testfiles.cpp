@@ -104,6 +104,32 @@ TEST_F(files, extendingkeepsthefirstrecords)
     EXPECT_EQ(readfile("fresh.txt"), "");
 }
 
+TEST_F(files, piecesofanysizekeeptheirorder)
+{
+    writefile("out", "first line\nsecond line\n");
+    std::string wanted = "first line\n";
+    outfile out;
+    out.openandkeep("out", 1);
+    char fill = 'a';
+    // Up to more than a buffer at once, in steps that share no factor with any alignment.
+    for (std::size_t n = 1; n < 3'000'000; n = n * 3 + 1) {
+        for (int piece = 0; piece < 3; ++piece) {
+            std::memset(out.reserve(n + 50), fill, n); // more room than is used
+            out.commit(n);
+            wanted.append(n, fill);
+            fill = fill == 'z' ? 'a' : static_cast<char>(fill + 1);
+        }
+        out.write("\n");
+        wanted += '\n';
+    }
+    out.write(std::string(2'000'001, '-'));
+    wanted.append(2'000'001, '-');
+    out.writeline("end");
+    wanted += "end\n";
+    out.close();
+    EXPECT_TRUE(readfile("out") == wanted);
+}
+
 TEST_F(files, framedrecords)
 {
     const std::vector<int64> values{1, -2, 1LL << 60};

@@ -146,15 +146,3 @@ TEST_F(SelectionChip, PedigreePredictionGetsEverybodyAndTrueValuesOnlyTheTestSet
     EXPECT_EQ(readlines("Selection/SelectionFolder1/TmpChip2PhaseTrain.txt").size(), 18U);
     EXPECT_EQ(s.selection.fixedsnp(1), 0);
 }
-
-TEST_F(SelectionChip, BrokenInputEndsTheRun)
-{
-    const std::string path = "Chromosomes/Chromosome2/Chip2PhaseGeneration2.txt";
-    const std::string content = readfile(path);
-    writefile(path, content.substr(0, content.size() - 40));
-    const outcome shortfile = runbody([&] { pass(); });
-    EXPECT_EQ(shortfile.code(), -2);
-    EXPECT_NE(shortfile.stop.reason.find(path), std::string::npos) << shortfile.stop.reason;
-    std::filesystem::remove(path);
-    EXPECT_EQ(runbody([&] { pass(); }).code(), -2);
-}

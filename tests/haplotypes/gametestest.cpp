@@ -87,27 +87,3 @@ TEST(gametes, crossingsfollowthemap)
     EXPECT_NEAR(sumsquares / ngametes - mean * mean, 0.95, 0.06);
     EXPECT_NEAR(positions / sum, 30.5, 0.62);
 }
-
-// Block numbers of the store are one too high for the last site of a block: site 120 with block 3
-// is position 60 of block 2.
-TEST(gametes, mutationsgototheirsites)
-{
-    state s;
-    s.sites.nmutinclglobal.allocate(1, 4);
-    s.sites.denovoinfo.allocate(1, 5, 5);
-    const int64 rows[4][5] = {
-        {11, 9, 1, 3, 120}, {12, 9, 2, 1, 1}, {13, 8, 1, 2, 61}, {14, 9, 2, 2, 61}};
-    for (int64 j = 1; j <= 4; ++j)
-        for (int64 f = 1; f <= 5; ++f) s.sites.denovoinfo(1, j, f) = rows[j - 1][f - 1];
-    s.haplo.tmpgenome.allocate(2, 2);
-    s.haplo.tmpgenome.fill(0);
-    s.haplo.tmpgenome(2, 2, 1) = 4;
-    addmutinped(s, 1, 9, 2);
-    const int64 top = int64(1) << 59;
-    EXPECT_EQ(s.haplo.tmpgenome(2, 2, 1), 4 + 1);
-    EXPECT_EQ(s.haplo.tmpgenome(2, 1, 1), 0);
-    EXPECT_EQ(s.haplo.tmpgenome(2, 1, 2), top);
-    EXPECT_EQ(s.haplo.tmpgenome(2, 2, 2), top);
-    for (int64 b = 1; b <= 2; ++b)
-        EXPECT_EQ(s.haplo.tmpgenome(1, b, 1) + s.haplo.tmpgenome(1, b, 2), 0);
-}

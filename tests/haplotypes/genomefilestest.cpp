@@ -71,38 +71,3 @@ TEST_F(genomefiles, roundtrips)
             for (int64 b = 1; b <= nblock; ++b) ASSERT_EQ(hback(i, b), cell(i, b, 7));
     }
 }
-
-TEST_F(genomefiles, someindividualsonly)
-{
-    writegenome("g", fullgenome(40, 11), 500);
-    array1<int64> rows(3);
-    rows(1) = 1;
-    rows(2) = 17;
-    rows(3) = 40;
-    genomestore some;
-    some.allocate(5, 11);
-    readgenomerows("g", 40, 11, rows, some, 2);
-    for (int64 b = 1; b <= 11; ++b) {
-        for (int64 m = 1; m <= 2; ++m) {
-            EXPECT_EQ(some(1, b, m), -99);
-            for (int64 r = 1; r <= 3; ++r) EXPECT_EQ(some(r + 1, b, m), cell(rows(r), b, m));
-            EXPECT_EQ(some(5, b, m), -99);
-        }
-    }
-}
-
-// Files of another size, cut files and missing files are I/O errors that name the file.
-TEST_F(genomefiles, brokenfiles)
-{
-    genomestore g;
-    writegenome("g", fullgenome(4, 3));
-    const std::string whole = readfile("g");
-    writefile("cut", whole.substr(0, 100));
-    writefile("empty", "");
-    for (const char *path : {"g", "cut", "empty", "missing"}) {
-        const int64 nindiv = path[0] == 'g' ? 5 : 4;
-        const outcome end = runbody([&] { readgenome(path, g, nindiv, 3); });
-        EXPECT_EQ(end.code(), -2) << path;
-        EXPECT_NE(end.stop.reason.find(path), std::string::npos);
-    }
-}

@@ -111,17 +111,6 @@ TEST_F(genotypefiles, everySetAndEveryDensity)
         EXPECT_EQ(line.size(), 20u);
 }
 
-TEST_F(genotypefiles, thinAndLongChromosome)
-{
-    makegenomes(3, 100);
-    sitelist sites; // about one in four, at random
-    for (int64 site = 1; site <= 6000; ++site)
-        if (ran1(s.random) < 0.25) sites.push_back(site);
-    writeinformation("Chip1SnpInformation.txt", sites);
-    fillarray(s, 3, 1, 1, 41, 43, 100, 60, static_cast<int64>(sites.size()));
-    expectfiles("Chip1", 1, sites);
-}
-
 TEST_F(genotypefiles, sequenceRecords)
 {
     makegenomes(3, 35); // more blocks than are expanded at once

@@ -22,39 +22,6 @@ struct animal {
 };
 using pedigree = std::vector<animal>; // entry 0 is unused: animals from 1
 
-std::string formattext(double vara, double vare)
-{
-    return " Run for Solvanto\n Blup\nPedigreeBlupTrain1.txt\n"
-           " Animal                            ,!P,0,F\n"
-           " Sire                              ,!P\n"
-           " Dam                               ,!P\n"
-           " Id                                ,!I\n"
-           " Phen                              ,!R\n"
-           " MissingValue                      ,-99\n"
-           " nIterations                       ,10000\n"
-           " nBurnIn                           ,1000\n"
-           " OutputIterationNumber             ,10\n"
-           " nBlupIterations                   ,0\n"
-           " FixedEffects                      ,Mean\n"
-           " FixedRegression                   ,None\n"
-           " Yvariable                         ,Phen\n"
-           " SnpSolver                         ,BayesA\n"
-           " NumberSnp                         ,0\n"
-           " TotalGeneticVariance              ,0.30\n"
-           " StartValueSnpVariance             ,1.00\n"
-           " StartValuePolygenicVariance       ," +
-           freeline(vara) +
-           "\n"
-           " StartValueResidualVariance        ," +
-           freeline(vare) +
-           "\n"
-           " StartValueGeneticGroupVariance    ,0.0\n"
-           " PolygenicFixed                    ,No\n"
-           " ResidualFixed                     ,No\n"
-           " GeneticGroupVarianceFixed         ,No\n"
-           " PosteriorMeanOnly         ,No\n";
-}
-
 // Numbers of the animals: step x index.
 std::string pedigreetext(const pedigree &p, int64 step = 1)
 {
@@ -139,7 +106,10 @@ pedigree mixedpedigree(int64 n, unsigned seed, bool plants)
 
 void writeproblem(const pedigree &p, double vara, double vare, int64 step = 1)
 {
-    writefile("DataFormatParameters.txt", formattext(vara, vare));
+    state s = evaluationstate(vara, vare);
+    writequillomerepspec(s, 1, 1, 1);
+    std::filesystem::rename("Selection/SelectionFolder1/DataFormatParameters.txt",
+                            "DataFormatParameters.txt");
     writefile("PedigreeBlupTrain1.txt", pedigreetext(p, step));
 }
 
