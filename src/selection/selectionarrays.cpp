@@ -36,7 +36,7 @@ void allocateqtntbv(state &s)
     allocateadditivearrays(s);
     if (s.qtn.dominonoff) allocatedominancearrays(s);
     if (s.selection.recombselonoff) {
-        s.qtn.allqtnfreqrecomb.allocate(s.qtn.ntotqtn);
+        s.qtn.allqtnfreqrecomb.allocate(s.qtn.ntotqtnrecomb);
         s.qtn.addeffrecomb.allocate(s.qtn.ntotqtnrecomb);
     }
     editingdata &edit = s.editing;

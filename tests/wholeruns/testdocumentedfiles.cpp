@@ -76,7 +76,7 @@ TEST_F(documentation, everyfileisdocumented)
                    .set("RecombinationHotspotsOnOff", "On")
                    .set("RecombinationOnOff", "On")
                    .set("HeritabilityOfRecombination", "0.3")
-                   .set("NumberOfQtnPerChromForRecombination", "10")
+                   .set("NumberOfQtnPerChromForRecombination", "12") // more than QTN of the trait
                    .set("FixTheTrainingDataAcrossGenerationsOnOff", "On")
                    .set("UseTrainingDataFromGeneration", "4"),
                inputs);
