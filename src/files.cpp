@@ -31,6 +31,17 @@ int openchecked(const std::string &path, int flags)
     return descriptor;
 }
 
+// Opens a file to be written on. One whose records are to be kept must be there: made empty here it
+// would stand in the way of its compressed form.
+int opentoextend(const std::string &path, int64 nkept)
+{
+    if (nkept == 0) return openchecked(path, O_RDWR | O_CREAT);
+    if (::access(path.c_str(), F_OK) != 0 && ::access((path + ".gz").c_str(), F_OK) == 0)
+        ioerror(path, "was compressed by an earlier run: uncompress " + path +
+                          ".gz to go on from a generation behind the first");
+    return openchecked(path, O_RDWR);
+}
+
 // Bytes read, 0 at the end of the file.
 std::size_t readchecked(int descriptor, const std::string &path, char *bytes, std::size_t n)
 {
@@ -125,7 +136,7 @@ void outfile::openandkeep(const std::string &filename, int64 nlines)
 {
     if (isopen()) close();
     name = filename;
-    descriptor = openchecked(name, O_RDWR | O_CREAT);
+    descriptor = opentoextend(name, nlines);
     buffer.resize(buffersize);
     used = 0;
     const off_t offset = offsetbehindlines(descriptor, name, nlines);
@@ -138,10 +149,10 @@ void outfile::openandkeepfixed(const std::string &filename, int64 nlines, int64 
 {
     if (isopen()) close();
     name = filename;
-    descriptor = openchecked(name, O_RDWR | O_CREAT);
+    const off_t offset = static_cast<off_t>(headerlength + nlines * recordlength);
+    descriptor = opentoextend(name, offset);
     buffer.resize(buffersize);
     used = 0;
-    const off_t offset = static_cast<off_t>(headerlength + nlines * recordlength);
     if (offset > 0) {
         char last = 0;
         const ssize_t got = ::pread(descriptor, &last, 1, offset - 1);

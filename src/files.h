@@ -32,8 +32,9 @@ class outfile
     // to be flushed before.
     void openstandardoutput();
     // Opens for writing on behind the first nlines records, found by their line ends; creates the
-    // file if there is none. What stood behind is dropped. A file with fewer records is an I/O
-    // error. Earlier records are passed over by scanning for line ends, never parsed.
+    // file if there is none and nothing is to be kept. What stood behind is dropped. A file with
+    // fewer records, or none, is an I/O error, which tells of a compressed form where there is one.
+    // Earlier records are passed over by scanning for line ends, never parsed.
     void openandkeep(const std::string &filename, int64 nlines);
     // The same where every record has the same known length (line end included): one seek. The
     // line end before the place is checked. headerlength: bytes of a title before the records.

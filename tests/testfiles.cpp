@@ -98,6 +98,13 @@ TEST_F(files, extendingkeepsthefirstrecords)
     EXPECT_EQ(runbody([&] { out.openandkeep("e.txt", 4); }).code(), -2);
     EXPECT_EQ(runbody([&] { out.openandkeepfixed("e.txt", 2, 4); }).code(), -2);
     EXPECT_EQ(readfile("e.txt"), " 1\n 2\nfixed\n"); // a refusal changes nothing
+    EXPECT_EQ(runbody([&] { out.openandkeep("absent.txt", 1); }).code(), -2);
+    EXPECT_EQ(runcommand("ls").out, "e.txt\n"); // nor makes it a file
+    writefile("zipped.txt.gz", "");
+    EXPECT_NE(runbody([&] {
+                  out.openandkeepfixed("zipped.txt", 1, 5);
+              }).stop.reason.find("uncompress zipped.txt.gz"),
+              std::string::npos);
     outfile fresh;
     fresh.openandkeep("fresh.txt", 0);
     fresh.close();
