@@ -14,10 +14,12 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <functional>
 #include <random>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace
@@ -31,6 +33,19 @@ double seconds(const std::function<void()> &work)
     const auto start = std::chrono::steady_clock::now();
     work();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// A stage without its report on standard output.
+void quietly(const std::function<void()> &stage)
+{
+    std::fflush(stdout);
+    const int report = dup(STDOUT_FILENO), nowhere = open("/dev/null", O_WRONLY);
+    dup2(nowhere, STDOUT_FILENO);
+    stage();
+    std::fflush(stdout);
+    dup2(report, STDOUT_FILENO);
+    close(report);
+    close(nowhere);
 }
 
 // Both sides turn by turn, so that what else the machine does meets both alike.
@@ -178,22 +193,21 @@ void comparestage(state &s)
 {
     std::size_t bytes = 0;
     const auto names = outputs();
-    computetbvvaravareandburnintpv(s); // the first run makes the files
+    const auto runstage = [&] { quietly([&] { computetbvvaravareandburnintpv(s); }); };
+    runstage(); // the first run makes the files
     for (const auto &name : names) bytes += fs::file_size("SimulatedData/" + name);
     const std::string ready(bytes, '1');
     std::printf("values stage writes %.1f MB\n", 1e-6 * static_cast<double>(bytes));
-    compare(
-        "values stage of a generation", 4, 5, [&] { computetbvvaravareandburnintpv(s); },
-        [&] {
-            std::size_t at = 0;
-            for (const auto &name : names) {
-                const std::size_t n = fs::file_size("SimulatedData/" + name);
-                outfile out("SimulatedData/Ready" + name);
-                out.write(std::string_view(ready).substr(at, n));
-                out.close();
-                at += n;
-            }
-        });
+    compare("values stage of a generation", 4, 5, runstage, [&] {
+        std::size_t at = 0;
+        for (const auto &name : names) {
+            const std::size_t n = fs::file_size("SimulatedData/" + name);
+            outfile out("SimulatedData/Ready" + name);
+            out.write(std::string_view(ready).substr(at, n));
+            out.close();
+            at += n;
+        }
+    });
 }
 } // namespace
 
@@ -206,7 +220,7 @@ int main()
     const int status = runtostop([] {
         state s = settings();
         writeinputs(s);
-        simulateqtneffects(s);
+        quietly([&] { simulateqtneffects(s); });
         comparebreedingvalues(s);
         comparestage(s);
     });
