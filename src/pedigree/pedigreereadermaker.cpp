@@ -129,11 +129,13 @@ void checklinesofexternalpedigree(const state &s, int64 nlines)
 {
     const int64 nrows = s.pop.nindivp - rowsofearlierruns(s);
     if (nlines > nrows)
-        ioerror(s.pedi.pedigreefile, "holds " + numbertext(nlines) +
-                                         " individuals where there is room for " +
-                                         numbertext(nrows) +
-                                         "; raise NumberOfIndividualsInEachGeneration or "
-                                         "shorten the file");
+        ioerror(s.pedi.pedigreefile,
+                "holds " + numbertext(nlines) + " individuals where there is room for " +
+                    numbertext(nrows) +
+                    (s.run.specstartgen == 1 ? "; raise NumberOfIndividualsInEachGeneration or "
+                                               "shorten the file"
+                                             : "; a run that goes on takes a file of its own "
+                                               "generations, or PedigreeStatus,Internal"));
 }
 
 void importpedigree(state &s, const std::string &here)
