@@ -1,5 +1,6 @@
 #include "files.h"
 
+#include "shell.h"
 #include "stops.h"
 
 #include <bit>
@@ -36,7 +37,7 @@ int openchecked(const std::string &path, int flags)
 int opentoextend(const std::string &path, int64 nkept)
 {
     if (nkept == 0) return openchecked(path, O_RDWR | O_CREAT);
-    if (::access(path.c_str(), F_OK) != 0 && ::access((path + ".gz").c_str(), F_OK) == 0)
+    if (!pathexists(path) && pathexists(path + ".gz"))
         ioerror(path, "was compressed by an earlier run: uncompress " + path +
                           ".gz to go on from a generation behind the first");
     return openchecked(path, O_RDWR);
