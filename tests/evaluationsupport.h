@@ -1,6 +1,6 @@
 // evaluationsupport.h - what the tests of the evaluation programs share: settings by which the
-// system writes their specifications, dense equations solved the plain way, moments, and bodies
-// that must not stop.
+// system writes their specifications, genotype files, dense equations solved the plain way,
+// moments, and bodies that must not stop.
 #pragma once
 
 #include "evaluation/predictionruns.h"
@@ -21,6 +21,19 @@ inline state evaluationstate(double vara, double vare)
     s.selection.selectionvaratr.allocate(1, vara);
     s.values.vare.allocate(1, 1, vare);
     return s;
+}
+
+using genotyperows = std::vector<std::vector<int>>; // individuals x SNPs, 9 missing
+
+inline std::string genotypetext(const genotyperows &rows, int64 firstid)
+{
+    std::string text;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        puti(text, firstid + static_cast<int64>(i), 20);
+        for (const int g : rows[i]) puti(text, g, 2);
+        text += '\n';
+    }
+    return text;
 }
 
 using densematrix = std::vector<std::vector<double>>;

@@ -1,7 +1,6 @@
 #include "Quillomere/quillomerespec.h"
 
 #include "evaluationhelpers/settings.h"
-#include "stops.h"
 #include "words.h"
 
 #include <array>
@@ -30,14 +29,6 @@ void stopifunknown(const setting &line)
     for (const char *key : keys)
         if (line.key == key) return;
     complainabout(line, "unknown key");
-}
-
-const setting &needsetting(const std::string &filename, const std::vector<setting> &settings,
-                           const std::string &key)
-{
-    const setting *line = findsetting(settings, key);
-    if (!line) ioerror(filename, "the key " + key + " is missing");
-    return *line;
 }
 
 // Settings with one value that makes sense, or a default.

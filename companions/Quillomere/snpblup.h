@@ -11,7 +11,7 @@
 // equations is quick, otherwise by preconditioned conjugate gradients, which never form them.
 #pragma once
 
-#include "Quillomere/genotypestore.h"
+#include "evaluationhelpers/genotypestore.h"
 
 #include <string>
 

@@ -30,7 +30,7 @@ testset predicttestset(const quillomerespec &spec, const trainingset &training,
     infile in(spec.genotypetesting);
     array1<int8> genotypes(spec.nsnp);
     for (int64 i = 1; i <= spec.nanistest; ++i) {
-        const int64 id = readgenotypes(in, spec, genotypes);
+        const int64 id = readgenotypes(in, spec.missinggenocode, genotypes);
         if (id != test.indiv(i))
             in.complain("genotypes of individual " + numbertext(id) + ", but record " +
                         numbertext(i) + " of " + spec.tbvtesting + " is of individual " +

@@ -34,7 +34,7 @@ void readtraininggenotypes(const quillomerespec &spec, const array1<int64> &indi
     makegenotypestore(store, spec.nanistraining, segregating.size());
     array1<int8> all(spec.nsnp), chosen(segregating.size());
     for (int64 i = 1; i <= spec.nanistraining; ++i) {
-        const int64 id = readgenotypes(in, spec, all);
+        const int64 id = readgenotypes(in, spec.missinggenocode, all);
         if (id != indiv(i))
             in.complain("genotypes of individual " + numbertext(id) + ", but record " +
                         numbertext(i) + " of " + spec.phenotypetraining + " is of individual " +
@@ -45,24 +45,6 @@ void readtraininggenotypes(const quillomerespec &spec, const array1<int64> &indi
     stopifmorelines(in, spec.nanistraining);
 }
 } // namespace
-
-int64 readgenotypes(infile &in, const quillomerespec &spec, array1<int8> &genotypes)
-{
-    in.record();
-    const int64 line = in.linenumber();
-    const int64 id = in.integer();
-    in.alleles(genotypes.data(), spec.nsnp);
-    stopifnotwholeline(in, line, "an individual and " + numbertext(spec.nsnp) + " genotypes");
-    int highest = 0; // as unsigned bytes: one vectorised pass over the lines without fault
-    for (const int8 value : genotypes)
-        highest = std::max<int>(highest, static_cast<std::uint8_t>(value));
-    if (highest > 2)
-        for (const int8 value : genotypes)
-            if ((value < 0 || value > 2) && value != spec.missinggenocode)
-                in.complain("genotype " + numbertext(value) + " is neither 0, 1, 2 nor the " +
-                            "code of a missing one, " + numbertext(spec.missinggenocode));
-    return id;
-}
 
 void readvalues(const std::string &filename, int64 n, array1<int64> &indiv, array1<double> &value)
 {

@@ -1,8 +1,8 @@
-// trainingset.h - reading what the solutions are estimated from, and the lines with genotypes.
+// trainingset.h - reading what the solutions are estimated from.
 #pragma once
 
-#include "Quillomere/genotypestore.h"
 #include "Quillomere/quillomerespec.h"
+#include "evaluationhelpers/genotypestore.h"
 #include "files.h"
 
 struct trainingset {
@@ -16,10 +16,6 @@ struct trainingset {
 // too many values, a file with too few or too many lines, and for a genotype line whose individual
 // is not that of the phenotype line of the same number.
 trainingset readtrainingset(const quillomerespec &spec);
-
-// Reads the next line of a genotype file: an individual and spec.nsnp genotypes from offset 0,
-// each 0, 1, 2 or spec.missinggenocode. Stops as above.
-int64 readgenotypes(infile &in, const quillomerespec &spec, array1<int8> &genotypes);
 
 // Reads all lines "individual, value". Stops as above.
 void readvalues(const std::string &filename, int64 n, array1<int64> &indiv, array1<double> &value);

@@ -10,7 +10,7 @@ std::vector<setting> readsettings(infile &in)
     std::vector<setting> settings;
     while (in.nextrecord()) {
         const std::string_view text = in.line();
-        if (trim(text).empty()) continue;
+        if (trim(text).empty() || trim(text).front() == '#') continue;
         const std::size_t comma = text.find(',');
         if (comma == std::string_view::npos) in.complain("a key, a comma and a value are wanted");
         setting line;
@@ -32,6 +32,14 @@ const setting *findsetting(const std::vector<setting> &settings, const std::stri
     for (const setting &line : settings)
         if (line.key == key) return &line;
     return nullptr;
+}
+
+const setting &needsetting(const std::string &filename, const std::vector<setting> &settings,
+                           const std::string &key)
+{
+    const setting *line = findsetting(settings, key);
+    if (!line) ioerror(filename, "the key " + key + " is missing");
+    return *line;
 }
 
 void complainabout(const setting &line, const std::string &what)

@@ -13,8 +13,6 @@
 
 namespace
 {
-using genotyperows = std::vector<std::vector<int>>; // individuals x SNPs, 9 missing
-
 struct problem {
     genotyperows train, test;
     std::vector<double> phenotype, tbv;
@@ -48,17 +46,6 @@ problem makeproblem(int64 ntrain, int64 ntest, int64 nsnp, unsigned seed)
     for (int64 i = 0; i < ntrain; ++i) q.phenotype.push_back(30 + 2 * normal(random));
     for (int64 i = 0; i < ntest; ++i) q.tbv.push_back(normal(random));
     return q;
-}
-
-std::string genotypetext(const genotyperows &rows, int64 firstid)
-{
-    std::string text;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        puti(text, firstid + static_cast<int64>(i), 20);
-        for (const int g : rows[i]) puti(text, g, 2);
-        text += '\n';
-    }
-    return text;
 }
 
 std::string valuetext(const std::vector<double> &values, int64 firstid)

@@ -1,11 +1,12 @@
-#include "Quillomere/genotypestore.h"
+#include "evaluationhelpers/genotypestore.h"
 
 #include <cmath>
 #include <cstring>
 
 namespace
 {
-constexpr int64 perbyte = 5, bytesperslab = 8, perslab = perbyte * bytesperslab;
+constexpr int64 perbyte = 5, bytesperslab = 8;
+static_assert(perbyte * bytesperslab == slabwidth);
 constexpr int64 ncodes = 243; // 3^5
 using bytetables = double[bytesperslab][ncodes];
 
@@ -26,10 +27,19 @@ constexpr digittable makedigits()
 }
 constexpr digittable digits = makedigits();
 
-int64 nslabs(const genotypestore &g)
+// Genotypes less 1 of each value of a byte.
+struct centredtable {
+    float value[ncodes][perbyte];
+};
+constexpr centredtable makecentred()
 {
-    return g.codes.extent3().size();
+    centredtable table{};
+    for (int64 code = 0; code < ncodes; ++code)
+        for (int64 k = 0; k < perbyte; ++k)
+            table.value[code][k] = static_cast<float>(digits.digit[code][k]) - 1;
+    return table;
 }
+constexpr centredtable centred = makecentred();
 
 // What each value of each byte of a slab adds: the sum over its five SNPs of value(genotype, SNP).
 // Built digit by digit: the first 3^k entries are those of the first k SNPs alone.
@@ -46,24 +56,6 @@ void buildtables(const array2<double> &value, int64 firstsnp, bytetables &tables
                 for (int64 e = 0; e < filled; ++e) table[c * filled + e] = table[e] + of[c];
         }
     }
-}
-
-// out(i) = sum over SNPs of value(genotype of i, SNP); value has rows 0 to 2.
-void sumoversnps(const genotypestore &g, const array2<double> &value, array1<double> &out)
-{
-    bytetables tables;
-    out.fill(0);
-    for (int64 slab = 1; slab <= nslabs(g); ++slab) {
-        buildtables(value, (slab - 1) * perslab + 1, tables);
-        const std::uint8_t *code = g.codes.column(1, slab);
-        double *sum = out.data();
-        for (int64 i = 0; i < g.nindiv; ++i, code += bytesperslab)
-            sum[i] += ((tables[0][code[0]] + tables[1][code[1]]) +
-                       (tables[2][code[2]] + tables[3][code[3]])) +
-                      ((tables[4][code[4]] + tables[5][code[5]]) +
-                       (tables[6][code[6]] + tables[7][code[7]]));
-    }
-    for (const missinggenotype &m : g.missing) out(m.indiv) -= value(0, m.snp);
 }
 
 // Takes the weights collected for the 243 values of a byte apart: out(k) = sum of weight times
@@ -85,23 +77,41 @@ void unfold(double *weight, double *out)
 void sumoverindividuals(const genotypestore &g, const array1<double> &w, array1<double> &out)
 {
     bytetables weights;
-    for (int64 slab = 1; slab <= nslabs(g); ++slab) {
+    for (int64 slab = 1; slab <= g.nslabs(); ++slab) {
         std::memset(weights, 0, sizeof weights);
         const std::uint8_t *code = g.codes.column(1, slab);
         const double *weight = w.data();
         for (int64 i = 0; i < g.nindiv; ++i, code += bytesperslab)
             for (int64 b = 0; b < bytesperslab; ++b) weights[b][code[b]] += weight[i];
-        double sums[perslab];
+        double sums[slabwidth];
         for (int64 b = 0; b < bytesperslab; ++b) unfold(weights[b], sums + b * perbyte);
-        const int64 before = (slab - 1) * perslab;
-        for (int64 k = 0; k < std::min(perslab, g.nsnp - before); ++k)
+        const int64 before = (slab - 1) * slabwidth;
+        for (int64 k = 0; k < std::min(slabwidth, g.nsnp - before); ++k)
             out(before + k + 1) = sums[k];
     }
+}
+
+array1<double> countmissing(const genotypestore &g)
+{
+    array1<double> nmissing(g.nsnp, 0.0);
+    for (const missinggenotype &m : g.missing) nmissing(m.snp) += 1;
+    return nmissing;
 }
 
 double scaled(const genotypestore &g, int64 genotype, int64 snp)
 {
     return (static_cast<double>(genotype) - 2 * g.freq(snp)) / g.sd(snp);
+}
+
+// The missing genotypes of an individual from a SNP on.
+std::vector<missinggenotype>::const_iterator firstmissing(const genotypestore &g, int64 indiv,
+                                                          int64 snp)
+{
+    const auto before = [](const missinggenotype &m, const missinggenotype &than) {
+        return m.indiv < than.indiv || (m.indiv == than.indiv && m.snp < than.snp);
+    };
+    const missinggenotype from = {static_cast<std::int32_t>(indiv), static_cast<std::int32_t>(snp)};
+    return std::lower_bound(g.missing.begin(), g.missing.end(), from, before);
 }
 } // namespace
 
@@ -109,7 +119,7 @@ void makegenotypestore(genotypestore &g, int64 nindiv, int64 nsnp)
 {
     g.nindiv = nindiv;
     g.nsnp = nsnp;
-    g.codes.allocate(bytesperslab, nindiv, (nsnp + perslab - 1) / perslab, 0);
+    g.codes.allocate(bytesperslab, nindiv, (nsnp + slabwidth - 1) / slabwidth, 0);
     g.missing.clear();
 }
 
@@ -126,44 +136,67 @@ void packindividual(genotypestore &g, int64 indiv, const int8 *genotypes)
             five[k] = 0;
         }
         for (int64 k = n; k < perbyte; ++k) five[k] = 0;
-        g.codes(j / perbyte % bytesperslab + 1, indiv, j / perslab + 1) = static_cast<std::uint8_t>(
-            five[0] + 3 * five[1] + 9 * five[2] + 27 * five[3] + 81 * five[4]);
+        g.codes(j / perbyte % bytesperslab + 1, indiv, j / slabwidth + 1) =
+            static_cast<std::uint8_t>(five[0] + 3 * five[1] + 9 * five[2] + 27 * five[3] +
+                                      81 * five[4]);
+    }
+}
+
+void computefrequencies(genotypestore &g)
+{
+    const array1<double> ones(g.nindiv, 1.0), nmissing = countmissing(g);
+    g.freq.allocate(g.nsnp);
+    sumoverindividuals(g, ones, g.freq); // counts of the allele, exact
+    for (int64 j = 1; j <= g.nsnp; ++j) {
+        const double nalleles = 2 * (static_cast<double>(g.nindiv) - nmissing(j));
+        g.freq(j) = nalleles > 0 ? g.freq(j) / nalleles : 0;
     }
 }
 
 void computescales(genotypestore &g)
 {
-    const double n = static_cast<double>(g.nindiv);
-    array1<double> ones(g.nindiv, 1.0), nmissing(g.nsnp, 0.0);
-    for (const missinggenotype &m : g.missing) nmissing(m.snp) += 1;
-    g.freq.allocate(g.nsnp);
-    sumoverindividuals(g, ones, g.freq); // counts of the allele, exact
+    computefrequencies(g);
     g.sd.allocate(g.nsnp);
-    for (int64 j = 1; j <= g.nsnp; ++j) {
-        const double nalleles = 2 * (n - nmissing(j));
-        g.freq(j) = nalleles > 0 ? g.freq(j) / nalleles : 0;
+    for (int64 j = 1; j <= g.nsnp; ++j)
         g.sd(j) = std::sqrt(2 * g.freq(j) * (1 - g.freq(j)) + 0.00001);
-    }
 
     array1<double> ntwos(g.nsnp, 0.0);
-    for (int64 slab = 1; slab <= nslabs(g); ++slab) {
+    for (int64 slab = 1; slab <= g.nslabs(); ++slab) {
         int64 counts[bytesperslab][ncodes] = {};
         const std::uint8_t *code = g.codes.column(1, slab);
         for (int64 i = 0; i < g.nindiv; ++i, code += bytesperslab)
             for (int64 b = 0; b < bytesperslab; ++b) ++counts[b][code[b]];
-        for (int64 k = 0; k < std::min(perslab, g.nsnp - (slab - 1) * perslab); ++k)
+        for (int64 k = 0; k < std::min(slabwidth, g.nsnp - (slab - 1) * slabwidth); ++k)
             for (int64 c = 0; c < ncodes; ++c)
                 if (digits.digit[c][k % perbyte] == 2)
-                    ntwos((slab - 1) * perslab + k + 1) +=
+                    ntwos((slab - 1) * slabwidth + k + 1) +=
                         static_cast<double>(counts[k / perbyte][c]);
     }
+    const array1<double> nmissing = countmissing(g);
     g.sumsq.allocate(g.nsnp);
     for (int64 j = 1; j <= g.nsnp; ++j) {
-        const double nknown = n - nmissing(j);
+        const double nknown = static_cast<double>(g.nindiv) - nmissing(j);
         const double nones = 2 * nknown * g.freq(j) - 2 * ntwos(j);
         const double z0 = scaled(g, 0, j), z1 = scaled(g, 1, j), z2 = scaled(g, 2, j);
         g.sumsq(j) = (nknown - nones - ntwos(j)) * z0 * z0 + nones * z1 * z1 + ntwos(j) * z2 * z2;
     }
+}
+
+void sumoversnps(const genotypestore &g, const array2<double> &value, array1<double> &out)
+{
+    bytetables tables;
+    out.fill(0);
+    for (int64 slab = 1; slab <= g.nslabs(); ++slab) {
+        buildtables(value, (slab - 1) * slabwidth + 1, tables);
+        const std::uint8_t *code = g.codes.column(1, slab);
+        double *sum = out.data();
+        for (int64 i = 0; i < g.nindiv; ++i, code += bytesperslab)
+            sum[i] += ((tables[0][code[0]] + tables[1][code[1]]) +
+                       (tables[2][code[2]] + tables[3][code[3]])) +
+                      ((tables[4][code[4]] + tables[5][code[5]]) +
+                       (tables[6][code[6]] + tables[7][code[7]]));
+    }
+    for (const missinggenotype &m : g.missing) out(m.indiv) -= value(0, m.snp);
 }
 
 void timesz(const genotypestore &g, const array1<double> &x, array1<double> &out)
@@ -196,15 +229,29 @@ void scaledgenotypes(const genotypestore &g, int64 indiv, int64 firstsnp, int64 
 {
     for (int64 k = 0; k < n; ++k) {
         const int64 at = firstsnp - 1 + k; // offset of the SNP
-        const std::uint8_t code = g.codes(at / perbyte % bytesperslab + 1, indiv, at / perslab + 1);
+        const std::uint8_t code =
+            g.codes(at / perbyte % bytesperslab + 1, indiv, at / slabwidth + 1);
         z[k] = scaled(g, digits.digit[code][at % perbyte], at + 1);
     }
-    const auto before = [](const missinggenotype &m, const missinggenotype &than) {
-        return m.indiv < than.indiv || (m.indiv == than.indiv && m.snp < than.snp);
-    };
-    const missinggenotype from = {static_cast<std::int32_t>(indiv),
-                                  static_cast<std::int32_t>(firstsnp)};
-    for (auto m = std::lower_bound(g.missing.begin(), g.missing.end(), from, before);
+    for (auto m = firstmissing(g, indiv, firstsnp);
          m != g.missing.end() && m->indiv == indiv && m->snp < firstsnp + n; ++m)
         z[m->snp - firstsnp] = 0;
+}
+
+void unpackslabs(const genotypestore &g, int64 firstslab, array2<float> &panel)
+{
+    const int64 width = panel.extent1().size(), firstsnp = (firstslab - 1) * slabwidth + 1;
+    const int64 lastslab = std::min(firstslab + width / slabwidth - 1, g.nslabs());
+    for (int64 slab = firstslab; slab <= lastslab; ++slab) {
+        const std::uint8_t *code = g.codes.column(1, slab);
+        float *to = panel.data() + (slab - firstslab) * slabwidth;
+        for (int64 i = 0; i < g.nindiv; ++i, code += bytesperslab, to += width)
+            for (int64 b = 0; b < bytesperslab; ++b)
+                std::memcpy(to + b * perbyte, centred.value[code[b]], sizeof centred.value[0]);
+    }
+    if (g.missing.empty()) return;
+    for (int64 i = 1; i <= g.nindiv; ++i)
+        for (auto m = firstmissing(g, i, firstsnp);
+             m != g.missing.end() && m->indiv == i && m->snp < firstsnp + width; ++m)
+            panel(m->snp - firstsnp + 1, i) = 0;
 }

@@ -1,5 +1,5 @@
-// genotypestore.h - the training genotypes, packed five to a byte, and the matrix-vector products
-// on which the equations are solved.
+// genotypestore.h - the genotypes of many individuals, packed five to a byte, and the sums over
+// SNPs and over individuals on which evaluations stand.
 //
 // Z is the matrix of scaled genotypes, individuals x segregating SNPs: z = (g - 2p) / sd, a missing
 // genotype standing at 2p, that is, at 0. It is never formed as a whole. A byte holds five
@@ -9,12 +9,15 @@
 // into genotypes afterwards. Both are the method of the four Russians (Arlazarov et al. 1970), and
 // cost one lookup in double precision for five genotypes.
 //
-// Indices: individuals 1..nindiv, segregating SNPs 1..nsnp; slabs of 40 SNPs from 1.
+// Indices: individuals 1..nindiv, SNPs 1..nsnp of those that are stored; slabs of 40 SNPs from 1.
 #pragma once
 
 #include "arrays.h"
 
 #include <vector>
+
+// SNPs of a slab.
+constexpr int64 slabwidth = 40;
 
 struct missinggenotype {
     std::int32_t indiv, snp;
@@ -23,6 +26,7 @@ struct missinggenotype {
 struct genotypestore {
     int64 nindiv = 0;
     int64 nsnp = 0;
+    int64 nslabs() const { return codes.extent3().size(); }
     array3<std::uint8_t> codes;           // (8, nindiv, slabs): five SNPs a byte, missing as 0
     std::vector<missinggenotype> missing; // in order of the individuals, then of the SNPs
     array1<double> freq;                  // frequency p of the allele coded 1
@@ -37,9 +41,15 @@ void makegenotypestore(genotypestore &g, int64 nindiv, int64 nsnp);
 //   genotypes   in  nsnp genotypes from offset 0: 0, 1, 2; anything else is missing
 void packindividual(genotypestore &g, int64 indiv, const int8 *genotypes);
 
-// Frequencies and scales from the stored genotypes, once all are there. A SNP without any known
-// genotype gets the frequency 0.
+// The frequencies in the stored genotypes, once all are there. A SNP without any known genotype
+// gets the frequency 0.
+void computefrequencies(genotypestore &g);
+// The same, and the scales.
 void computescales(genotypestore &g);
+
+// out(i) = sum over SNPs of value(genotype of i, SNP); value has rows 0 to 2. Missing genotypes add
+// nothing.
+void sumoversnps(const genotypestore &g, const array2<double> &value, array1<double> &out);
 
 // out(i) = sum over SNPs of z(i, j) * x(j)
 void timesz(const genotypestore &g, const array1<double> &x, array1<double> &out);
@@ -49,3 +59,7 @@ void timesztransposed(const genotypestore &g, const array1<double> &w, array1<do
 void sumsquaresofindividuals(const genotypestore &g, array1<double> &out);
 // z(indiv, firstsnp .. firstsnp + n - 1), from offset 0.
 void scaledgenotypes(const genotypestore &g, int64 indiv, int64 firstsnp, int64 n, double *z);
+// Genotypes less 1, that is, -1, 0 and 1, of all individuals at the SNPs of the slabs from
+// firstslab on: panel has a row for each of their SNPs, as many as it has slabs, and a column for
+// each individual. Missing genotypes stand as 0. Rows behind the last SNP are of no meaning.
+void unpackslabs(const genotypestore &g, int64 firstslab, array2<float> &panel);
