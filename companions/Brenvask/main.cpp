@@ -1,0 +1,8 @@
+#include "Brenvask/brenvask.h"
+
+#include "stops.h"
+
+int main()
+{
+    return runtostop(brenvask);
+}

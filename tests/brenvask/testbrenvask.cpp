@@ -1,0 +1,301 @@
+// Genomic relationships: the program against sums over loci taken one by one here, the base on
+// which the cycles of a programme stand, which file is taken, and refusals.
+#include "Brenvask/brenvask.h"
+
+#include "evaluationsupport.h"
+#include "testsupport.h"
+
+#include <filesystem>
+#include <random>
+
+namespace
+{
+namespace fs = std::filesystem;
+const std::string testfile = "TmpChip1GenotypeTest.txt",
+                  lastfile = "TmpChip1GenotypeLastGeneration.txt",
+                  frequencyfile = "GFullMatrixAlleleFreq.txt", result = "GFullMatrix1-1.txt";
+
+// The specification as the system writes it.
+void writespec(const std::string &genotypefile, int64 nsnp, const std::string &earlier = "Off")
+{
+    const std::string text =
+        "#####################Input parameters#####################################\n"
+        " GenotypeFile               ,GENOTYPES\n"
+        " PedigreeFile               ,None\n"
+        " WeightFile                 ,None\n"
+        " NumberOfTraits             ,1\n"
+        " NumberOfSnp                , NSNP\n"
+        " InversionOfG               ,Ordinary\n"
+        " DiagonalFudgeFactor        ,0.001\n"
+        "#####################Matrices to be constructed###########################\n"
+        " MakeG                      ,Yes\n"
+        " MakeGinverse               ,No\n"
+        " MakeA                      ,No\n"
+        " MakeAinverse               ,No\n"
+        " MakeH                      ,No\n"
+        " MakeHinverse               ,No\n"
+        "#####################Option for G matrices only to use inside Solvanto####\n"
+        " UseAlleleFreqFromAPreviousSelCycleOnOff     ,EARLIER\n"
+        " UseAlleleFreqFromThisSelCycle               ,1\n"
+        "##############################Output options##############################\n"
+        " VanRadenGFullMat      ,Yes\n"
+        " VanRadenGIJA        ,No\n"
+        " InverseVanRadenGFullMat   ,No\n"
+        " InverseVanRadenGIJA     ,No\n"
+        " AmatFullMat         ,No\n"
+        " AmatIJA           ,No\n"
+        " InverseAmatFullMat      ,No\n"
+        " InverseAmatIJA        ,No\n"
+        " HmatFullMat         ,No\n"
+        " HmatIJA           ,No\n"
+        " InverseHmatFullMat      ,No\n"
+        " InverseHmatIJA        ,No\n";
+    std::string filled = text;
+    for (const auto &[mark, value] : {std::pair{std::string("GENOTYPES"), genotypefile},
+                                      {"NSNP", std::to_string(nsnp)},
+                                      {"EARLIER", earlier}})
+        filled.replace(filled.find(mark), mark.size(), value);
+    writefile("BrenvaskSpec.txt", filled);
+}
+
+genotyperows drawgenotypes(std::size_t n, std::size_t nsnp, double missing, unsigned seed)
+{
+    std::mt19937_64 random(seed);
+    std::uniform_real_distribution<double> uniform;
+    genotyperows rows(n, std::vector<int>(nsnp));
+    for (std::size_t j = 0; j < nsnp; ++j) {
+        const double p =
+            j % 10 == 9 ? j % 20 / 19 : uniform(random); // some fixed for 0, some for 1
+        for (auto &row : rows)
+            row[j] = uniform(random) < missing ? 9 : (uniform(random) < p) + (uniform(random) < p);
+    }
+    return rows;
+}
+
+std::vector<double> frequencies(const genotyperows &rows)
+{
+    std::vector<double> p;
+    for (std::size_t j = 0; j < rows[0].size(); ++j) {
+        double sum = 0, n = 0;
+        for (const auto &row : rows)
+            if (row[j] != 9) sum += row[j], n += 1;
+        p.push_back(n > 0 ? sum / (2 * n) : 0);
+    }
+    return p;
+}
+
+densematrix directly(const genotyperows &rows, const std::vector<double> &p)
+{
+    double scale = 0;
+    for (const double f : p) scale += 2 * f * (1 - f);
+    densematrix g(rows.size(), std::vector<double>(rows.size(), 0.0));
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        for (std::size_t k = 0; k < rows.size(); ++k)
+            for (std::size_t j = 0; j < p.size(); ++j)
+                if (rows[i][j] != 9 && rows[k][j] != 9)
+                    g[i][k] += (rows[i][j] - 2 * p[j]) * (rows[k][j] - 2 * p[j]) / scale;
+        g[i][i] += 0.001;
+    }
+    return g;
+}
+
+// Reals with ten decimals are off by at most 5e-11; sums over 2,000 loci by less.
+void expectmatrix(const densematrix &expected, int64 firstid)
+{
+    const std::vector<std::string> lines = readlines(result);
+    ASSERT_EQ(lines.size(), expected.size());
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const std::vector<double> numbers = numbersof(lines[i]);
+        ASSERT_EQ(numbers.size(), expected.size() + 1);
+        EXPECT_EQ(numbers[0], static_cast<double>(firstid + static_cast<int64>(i)));
+        for (std::size_t k = 0; k < expected.size(); ++k)
+            EXPECT_NEAR(numbers[k + 1], expected[i][k], 1e-10) << i << " " << k;
+    }
+}
+
+// The folder of a cycle, to work in.
+void gotocycle(int64 cycle)
+{
+    const std::string folder = "SelectionFolder" + std::to_string(cycle);
+    fs::create_directories("../" + folder);
+    fs::current_path("../" + folder);
+}
+
+std::string reportof(const std::function<void()> &body)
+{
+    const outcome report = runbody(body);
+    EXPECT_FALSE(report.stoppedearly) << report.stop.reason;
+    return report.output;
+}
+
+class brenvaskinfolder : public infolder
+{
+  protected:
+    void SetUp() override
+    {
+        infolder::SetUp();
+        fs::create_directories("Selection/SelectionFolder1");
+        fs::current_path("Selection/SelectionFolder1");
+    }
+};
+} // namespace
+
+// Numbers of loci that fill slabs and panels of the program, and that don't; a locus that is
+// missing in all; any number of threads.
+TEST_F(brenvaskinfolder, relationshipsequaldirectsums)
+{
+    for (const auto &[n, nsnp, missing] : {std::tuple<std::size_t, std::size_t, double>{1, 9, 0},
+                                           {23, 87, 0.1},
+                                           {40, 1000, 0},
+                                           {17, 2030, 0.03}}) {
+        genotyperows rows = drawgenotypes(n, nsnp, missing, 3);
+        if (missing > 0)
+            for (auto &row : rows) row[4] = 9;
+        else
+            rows[0][3] = 1; // a single individual needs a locus that segregates
+        writefile(testfile, genotypetext(rows, 501));
+        writespec(testfile, static_cast<int64>(nsnp));
+        const std::string program = binfolder() + "/Brenvask";
+        ASSERT_EQ(runcommand(program).status, 0);
+        expectmatrix(directly(rows, frequencies(rows)), 501);
+        const std::string matrix = readfile(result);
+        ASSERT_EQ(runcommand("OPENBLAS_NUM_THREADS=2 " + program).status, 0);
+        EXPECT_TRUE(readfile(result) == matrix);
+    }
+}
+
+// The runs of a programme: in cycle 1 for the parents, for the coancestry, and on a last
+// generation; in cycle 2 for the coancestry.
+TEST_F(brenvaskinfolder, cyclesstandononebase)
+{
+    const genotyperows first = drawgenotypes(12, 60, 0.05, 1),
+                       last = drawgenotypes(15, 60, 0.05, 2), second = drawgenotypes(9, 60, 0, 4);
+    const std::vector<double> base = frequencies(first);
+    const std::string stored = "../SelectionFolder1/" + frequencyfile;
+    writefile(testfile, genotypetext(first, 1));
+    for (const char *earlier : {"Off", "On"}) {
+        writespec(testfile, 60, earlier);
+        const std::string report = reportof(brenvask);
+        EXPECT_NE(report.find("Allele frequencies: those of " + testfile), std::string::npos);
+        EXPECT_EQ(report.find("this is cycle 1 itself") != std::string::npos,
+                  earlier == std::string("On"));
+        expectmatrix(directly(first, base), 1);
+    }
+    const std::string frequenciesoffirst = readfile(frequencyfile);
+
+    writefile(lastfile, genotypetext(last, 13));
+    writespec(lastfile, 60, "On");
+    EXPECT_NE(reportof(brenvask).find("Allele frequencies: those of " + stored), std::string::npos);
+    expectmatrix(directly(last, base), 13);
+    EXPECT_EQ(readfile(frequencyfile), frequenciesoffirst);
+
+    gotocycle(2);
+    writefile(testfile, genotypetext(second, 13));
+    writespec(testfile, 60, "On");
+    EXPECT_NE(reportof(brenvask).find("Allele frequencies: those of " + stored), std::string::npos);
+    expectmatrix(directly(second, base), 13);
+    for (std::size_t j = 0; j < 60; ++j) // its own are stored all the same, exactly
+        EXPECT_EQ(numbersof(readlines(frequencyfile)[j + 1])[1], frequencies(second)[j]);
+
+    // Other loci, and no frequencies at all: the present file's, said aloud.
+    const genotyperows fewer = drawgenotypes(9, 59, 0, 4);
+    writefile(testfile, genotypetext(fewer, 13));
+    writespec(testfile, 59, "On");
+    EXPECT_NE(
+        reportof(brenvask).find("WARNING: " + stored + " holds 60 loci, " + testfile + " has 59"),
+        std::string::npos);
+    expectmatrix(directly(fewer, frequencies(fewer)), 13);
+    fs::remove(stored);
+    EXPECT_NE(reportof(brenvask).find("WARNING: there is no " + stored), std::string::npos);
+    expectmatrix(directly(fewer, frequencies(fewer)), 13);
+}
+
+// Under prediction by pedigree no file is named: the candidates', or the last generation's once
+// they are there.
+TEST_F(brenvaskinfolder, nofilenamed)
+{
+    const genotyperows test = drawgenotypes(6, 30, 0, 1), last = drawgenotypes(5, 30, 0, 2);
+    writefile(testfile, genotypetext(test, 1));
+    writefile("TmpChip1GenotypeTestScaled.txt", "");
+    writespec("None", 30, "On");
+    EXPECT_NE(reportof(brenvask).find("taking " + testfile), std::string::npos);
+    expectmatrix(directly(test, frequencies(test)), 1);
+    writefile(lastfile, genotypetext(last, 7));
+    EXPECT_NE(reportof(brenvask).find("taking " + lastfile), std::string::npos);
+    expectmatrix(directly(last, frequencies(test)), 7);
+}
+
+// Everything that can be wrong ends with status 2 and a message that names file and line or key,
+// and leaves no relationships, not even those of a run before.
+TEST_F(brenvaskinfolder, refusals)
+{
+    const genotyperows rows = drawgenotypes(5, 12, 0, 6);
+    const std::string spec = "BrenvaskSpec.txt", onlyg = "this can't be built, only MakeG with ";
+    struct fault {
+        std::string file, find, replace, message;
+    };
+    std::vector<fault> faults = {
+        {spec, "MakeG ", "MakeGG ", spec + ": line 10: MakeGG: unknown key"},
+        {spec, "MakeH ", "MakeA ", spec + ": line 14: key \"MakeA\" stands on line 12 already"},
+        {spec, " NumberOfSnp                , 12\n", "", spec + ": the key numberofsnp is missing"},
+        {spec, "," + testfile, ",", spec + ": line 2: GenotypeFile: the name of a file is wanted"},
+        {spec, "," + testfile, ",Absent.txt", "Absent.txt: can't open for reading"},
+        {spec, "," + testfile, ",None",
+         spec + ": GenotypeFile: None, and both TmpChip1GenotypeTest.txt and "
+                "TmpChip2GenotypeTest.txt stand in the folder"},
+        {spec, "PedigreeFile               ,None", "PedigreeFile ,Ped.txt",
+         spec + ": line 3: PedigreeFile: \"Ped.txt\" can't be used"},
+        {spec, "WeightFile                 ,None", "WeightFile ,W.txt",
+         spec + ": line 4: WeightFile: \"W.txt\" can't be used"},
+        {spec, "Traits             ,1", "Traits ,2", spec + ": line 5: NumberOfTraits: \"2\""},
+        {spec, ", 12", ", 16777217", spec + ": line 6: NumberOfSnp: 16777217 is above 16777216"},
+        {spec, "MakeG                      ,Yes", "MakeG ,No",
+         spec + ": line 10: MakeG: No leaves"},
+        {spec, "VanRadenGFullMat      ,Yes", "VanRadenGFullMat ,No",
+         spec + ": line 20: VanRadenGFullMat: No leaves nothing to build"},
+        {spec, "MakeA                      ,No", "MakeA ,Maybe",
+         spec + ": line 12: MakeA: Yes or No is wanted, not \"Maybe\""},
+        {spec, ",Off", ",Yes",
+         spec + ": line 17: UseAlleleFreqFromAPreviousSelCycleOnOff: On or Off"},
+        {spec, ", 12", ", 11",
+         testfile + ": line 1: more values than wanted: an individual and 11"},
+        {spec, ", 12", ", 13",
+         testfile + ": line 1: fewer values than wanted: an individual and 13"},
+        {testfile, "", "", testfile + ": holds no genotypes"},
+        {testfile, "", genotypetext(genotyperows(3, std::vector<int>(12, 2)), 1),
+         testfile + ": all 12 loci are fixed"},
+        {frequencyfile, "Locus", "SNP", frequencyfile + ": line 1: the title of a file"},
+    };
+    for (const char *key : {"MakeGinverse", "MakeAinverse", "MakeHinverse", "VanRadenGIJA",
+                            "InverseVanRadenGFullMat", "InverseVanRadenGIJA", "InverseHmatIJA"})
+        faults.push_back({spec, std::string(" ") + key + " ", std::string(" ") + key + " ,Yes ",
+                          std::string(key) + ": " + onlyg});
+    writefile("TmpChip2GenotypeTest.txt", "");
+    for (const fault &f : faults) {
+        writefile(testfile, genotypetext(rows, 501));
+        fs::remove(frequencyfile);
+        writespec(testfile, 12);
+        runquietly(brenvask);
+        std::string text = f.find.empty() ? "" : readfile(f.file);
+        const std::size_t at = text.find(f.find);
+        ASSERT_NE(at, std::string::npos) << f.message;
+        writefile(f.file, text.replace(at, f.find.size(), f.replace));
+        const outcome refused = runbody(brenvask);
+        EXPECT_EQ(refused.code(), -2) << f.message;
+        EXPECT_NE(refused.stop.reason.find(f.message), std::string::npos) << refused.stop.reason;
+        EXPECT_FALSE(fs::exists(result)) << f.message;
+    }
+
+    // Stored frequencies of another cycle that are no frequencies; and the exit status.
+    gotocycle(2);
+    writefile(testfile, genotypetext(rows, 501));
+    writespec(testfile, 12, "On");
+    std::string stored = " Locus " + testfile + "\n";
+    for (int j = 1; j <= 12; ++j)
+        stored += " " + std::to_string(j) + (j < 12 ? " 0.5\n" : " 1.5\n");
+    writefile("../SelectionFolder1/" + frequencyfile, stored);
+    const commandresult refused = runcommand(binfolder() + "/Brenvask");
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_NE(refused.err.find("../SelectionFolder1/" + frequencyfile + ": line 13: a frequency"),
+              std::string::npos);
+}
