@@ -12,62 +12,15 @@
 // haplotypes. Pedigree: 40 generations of 25 sires and 500 dams, and, at a quarter of the size, of
 // all animals mated at random, against a limit of 10 s per 200,000; peak memory against that at
 // half the size (linear: 2).
-#include "files.h"
-#include "stops.h"
+#include "programruns.h"
 #include "words.h"
 
-#include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <random>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-extern "C" {
-void openblas_set_num_threads(int n);
-void ssyrk_(const char *uplo, const char *trans, const int *n, const int *k, const float *alpha,
-            const float *a, const int *lda, const float *beta, float *c, const int *ldc);
-}
 
 namespace
 {
-using clocktype = std::chrono::steady_clock;
-double since(clocktype::time_point start)
-{
-    return std::chrono::duration<double>(clocktype::now() - start).count();
-}
-
-void printratio(const std::string &name, double ratio, double allowed)
-{
-    std::printf("%s ratio %.2f allowed %.2f\n", name.c_str(), ratio, allowed);
-    std::fflush(stdout);
-}
-
-struct usage {
-    double seconds = 0, mebibytes = 0;
-};
-
-// Runs a program in the working directory, its output in outQuillomere.
-usage run(const std::string &program)
-{
-    const auto start = clocktype::now();
-    std::fflush(stdout);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        if (std::freopen("outQuillomere", "w", stdout))
-            ::execl(program.c_str(), program.c_str(), static_cast<char *>(nullptr));
-        ::_exit(127);
-    }
-    int status = 0;
-    rusage used{};
-    if (child < 0 || ::wait4(child, &status, 0, &used) != child || status != 0)
-        ioerror(program, "failed");
-    return {since(start), static_cast<double>(used.ru_maxrss) / 1024};
-}
-
 using haplotypes = std::vector<std::vector<int8>>; // two rows for each individual
 using generator = std::mt19937_64;
 constexpr int64 nchrom = 10;
@@ -226,50 +179,18 @@ void writegenomicinput(int64 n, int64 nsnp, std::vector<int8> &g)
     spec.close();
 }
 
-// One ssyrk of the genotypes in single precision: relationships of the individuals.
-double timessyrk(int64 n, int64 nsnp, const std::vector<int8> &g)
-{
-    std::vector<float> z(g.begin(), g.end()), product(static_cast<std::size_t>(n * n));
-    const int order = static_cast<int>(n), inner = static_cast<int>(nsnp);
-    const float one = 1, zero = 0;
-    const auto start = clocktype::now();
-    ssyrk_("L", "T", &order, &inner, &one, z.data(), &inner, &zero, product.data(), &order);
-    return since(start);
-}
-
-double timereading(int64 n, int64 nsnp)
-{
-    std::vector<int8> row(static_cast<std::size_t>(nsnp));
-    const auto start = clocktype::now();
-    infile in("TmpChip1GenotypeTrain.txt");
-    for (int64 i = 1; i <= n; ++i) {
-        in.record();
-        in.integer();
-        in.alleles(row.data(), nsnp);
-    }
-    return since(start);
-}
-
-void showlog()
-{
-    infile in("outQuillomere");
-    while (in.nextrecord())
-        std::printf("    %.*s\n", static_cast<int>(in.line().size()), in.line().data());
-}
-
 void benchgenomic(int64 n, int64 nsnp)
 {
     double limit = 0;
     {
         std::vector<int8> g;
         writegenomicinput(n, nsnp, g);
-        const double syrk = timessyrk(n, nsnp, g), reading = timereading(n, nsnp);
+        const double syrk = timessyrk(n, nsnp, g),
+                     reading = timereading("TmpChip1GenotypeTrain.txt", n, nsnp);
         std::printf("one ssyrk %.2f s, reading the training file %.2f s\n", syrk, reading);
         limit = syrk + reading;
     }
-    const usage used = run(std::string(SOLVANTO_BINFOLDER) + "/Quillomere");
-    showlog();
-    std::printf("Quillomere %.2f s, %.0f MiB\n", used.seconds, used.mebibytes);
+    const usage used = run("Quillomere", "outQuillomere");
     const std::string size = numbertext(n) + "x" + numbertext(nsnp);
     printratio("quillomere-time-" + size, used.seconds / limit, 2);
     printratio("quillomere-memory-of-4GiB-" + size, used.mebibytes / 4096, 1);
@@ -315,34 +236,19 @@ void writepedigreeinput(int64 n, int64 nsire, int64 ndam)
 usage runpedigree(int64 n, int64 nsire, int64 ndam)
 {
     writepedigreeinput(n, nsire, ndam);
-    return run(std::string(SOLVANTO_BINFOLDER) + "/QuillomereP");
+    return run("QuillomereP", "outQuillomere");
 }
 
 void benchpedigree(int64 n)
 {
     const usage half = runpedigree(n / 2, 25, 500);
     const usage used = runpedigree(n, 25, 500);
-    showlog();
-    std::printf("QuillomereP %.2f s, %.0f MiB\n", used.seconds, used.mebibytes);
     const std::string size = numbertext(n);
     printratio("quillomerep-seconds-of-10-" + size, used.seconds / 10, n / 200000.0);
     printratio("quillomerep-memory-of-half-" + size, used.mebibytes / half.mebibytes, 2.2);
     const usage random = runpedigree(n / 4, 0, 0);
-    showlog();
     printratio("quillomerep-seconds-of-10-all-parents-" + numbertext(n / 4), random.seconds / 10,
                n / 200000.0);
-}
-
-void infreshfolder(const std::function<void()> &body)
-{
-    namespace fs = std::filesystem;
-    const fs::path before = fs::current_path();
-    std::string folder = (fs::temp_directory_path() / "benchquillomereXXXXXX").string();
-    if (!::mkdtemp(folder.data())) ioerrno(folder, "can't make");
-    fs::current_path(folder);
-    body();
-    fs::current_path(before);
-    fs::remove_all(folder);
 }
 } // namespace
 
