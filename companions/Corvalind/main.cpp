@@ -1,0 +1,8 @@
+#include "Corvalind/corvalind.h"
+
+#include "stops.h"
+
+int main()
+{
+    return runtostop(corvalind);
+}

@@ -1,0 +1,444 @@
+// Optimal contributions: the conditions that make an optimum on random problems, closed forms, the
+// frontier; mating plans that add up; the program on files as a cycle leaves them; refusals.
+#include "Corvalind/corvalind.h"
+#include "Corvalind/matingpairs.h"
+
+#include "evaluationsupport.h"
+#include "testsupport.h"
+
+#include <cmath>
+#include <filesystem>
+#include <random>
+
+namespace
+{
+candidates makecandidates(const densematrix &g, const std::vector<double> &gain,
+                          const std::vector<int64> &pool)
+{
+    candidates c;
+    c.n = std::ssize(gain);
+    for (array1<int64> *a : {&c.indiv, &c.pool}) a->allocate(c.n);
+    c.gain.allocate(c.n);
+    c.relationship.allocate(c.n, c.n);
+    for (int64 i = 1; i <= c.n; ++i) {
+        const std::size_t at = static_cast<std::size_t>(i - 1);
+        c.indiv(i) = 100 + i;
+        c.pool(i) = pool[at];
+        c.npools = std::max(c.npools, pool[at]);
+        c.gain(i) = gain[at];
+        for (int64 j = 1; j <= c.n; ++j)
+            c.relationship(j, i) = g[at][static_cast<std::size_t>(j - 1)];
+        c.meandiagonal += c.relationship(i, i) / static_cast<double>(c.n);
+    }
+    return c;
+}
+
+// Relationships from genotypes at nsnp loci, centred, so that about half of them are negative, and
+// of rank nsnp but for what is added to the diagonal. Every third candidate copies the one before
+// it; gains are rounded, so that some are tied.
+candidates randomcandidates(std::size_t n, std::size_t nsnp, int64 npools, double diagonal,
+                            unsigned seed)
+{
+    std::mt19937_64 random(seed);
+    std::normal_distribution<double> normal;
+    densematrix z(n, std::vector<double>(nsnp)), g(n, std::vector<double>(n));
+    for (std::size_t i = 0; i < n; ++i)
+        for (std::size_t j = 0; j < nsnp; ++j)
+            z[i][j] = i % 3 == 2 ? z[i - 1][j] : static_cast<double>(random() % 3) - 1;
+    std::vector<double> gain;
+    std::vector<int64> pool;
+    for (std::size_t i = 0; i < n; ++i) {
+        gain.push_back(std::round(20 * normal(random)) / 10);
+        pool.push_back(npools == 2 && random() % 3 > 0 && i > 0 ? 2 : 1);
+        for (std::size_t k = 0; k < n; ++k) {
+            for (std::size_t j = 0; j < nsnp; ++j) g[i][k] += z[i][j] * z[k][j] * 1.5;
+            g[i][k] = g[i][k] / static_cast<double>(nsnp) + (i == k ? diagonal : 0);
+        }
+    }
+    return makecandidates(g, gain, pool);
+}
+
+struct quadratic {
+    double xgx = 0, gain = 0;
+};
+quadratic valueof(const candidates &c, const std::function<double(int64)> &x)
+{
+    quadratic value;
+    for (int64 i = 1; i <= c.n; ++i) {
+        value.gain += x(i) * c.gain(i);
+        for (int64 j = 1; j <= c.n; ++j) value.xgx += x(i) * x(j) * c.relationship(i, j);
+    }
+    return value;
+}
+
+// Feasible; and with multipliers mu of the pools' sums Gx - weight * gain - mu is 0 for all who
+// contribute and not below 0 for others (Karush, Kuhn and Tucker). With x'Gx on its bound that
+// makes x the optimum, since the problem is convex.
+void expectoptimal(const candidates &c, const optimum &best)
+{
+    const double weight = best.frontier.back().weight;
+    array1<double> sum(2, 0.0), mu(2, 0.0), reduced(c.n, 0.0);
+    for (int64 i = 1; i <= c.n; ++i) {
+        EXPECT_GE(best.x(i), 0);
+        for (int64 j = 1; j <= c.n; ++j) reduced(i) += c.relationship(i, j) * best.x(j);
+        reduced(i) -= weight * c.gain(i);
+        sum(c.pool(i)) += best.x(i);
+        mu(c.pool(i)) += best.x(i) * reduced(i) * static_cast<double>(c.npools);
+    }
+    for (int64 q = 1; q <= c.npools; ++q)
+        EXPECT_NEAR(sum(q), 1.0 / static_cast<double>(c.npools), 1e-12);
+    for (int64 i = 1; i <= c.n; ++i) {
+        EXPECT_GE(reduced(i) - mu(c.pool(i)), -1e-8) << i;
+        if (best.x(i) > 0) {
+            EXPECT_LE(reduced(i) - mu(c.pool(i)), 1e-8) << i;
+        }
+    }
+    const quadratic value = valueof(c, [&](int64 i) { return best.x(i); });
+    EXPECT_NEAR(value.xgx, best.frontier.back().xgx, 1e-10);
+    EXPECT_NEAR(value.gain, best.frontier.back().gain, 1e-10);
+}
+
+// Gain rises with x'Gx, by less and less.
+void expectconcave(const std::vector<frontierpoint> &f)
+{
+    for (std::size_t k = 1; k < f.size(); ++k) {
+        EXPECT_GT(f[k].xgx, f[k - 1].xgx);
+        EXPECT_GT(f[k].gain, f[k - 1].gain);
+        if (k < 2) continue;
+        const auto slope = [&](std::size_t i) {
+            return (f[i].gain - f[i - 1].gain) / (f[i].xgx - f[i - 1].xgx);
+        };
+        EXPECT_LE(slope(k), slope(k - 1) * (1 + 1e-6)) << k;
+    }
+}
+
+matingpairs pairsof(const candidates &c, const matingnumbers &plan, int64 npartners, int64 nrounds)
+{
+    std::mt19937_64 random(5);
+    return pairmates(c, plan, npartners, nrounds, random);
+}
+
+// Each candidate stands in as many matings as planned, and on the side of its sex.
+void expectplanned(const candidates &c, const matingnumbers &plan, const matingpairs &pairs)
+{
+    array1<int64> places(c.n, 0);
+    for (int64 k = 1; k <= pairs.male.size(); ++k) {
+        ++places(pairs.male(k));
+        ++places(pairs.female(k));
+        EXPECT_EQ(c.pool(pairs.male(k)), 1);
+        EXPECT_EQ(c.pool(pairs.female(k)), c.npools);
+    }
+    for (int64 i = 1; i <= c.n; ++i) EXPECT_EQ(places(i), plan.number(i));
+}
+
+class corvalindinfolder : public infolder
+{
+};
+} // namespace
+
+// Full rank and nearly none, clones, tied gains, one pool and two, from 1 candidate on.
+TEST(corvalindoptimum, meetsitsconditions)
+{
+    for (const int64 npools : {1, 2})
+        for (const double diagonal : {0.001, 1e-10})
+            for (const auto &[n, nsnp] : {std::pair{2, 5}, {3, 40}, {30, 6}, {60, 200}, {150, 90}})
+                for (const double difference : {0.0, 0.003, 0.05, 0.3}) {
+                    SCOPED_TRACE(testing::Message() << npools << " " << n << " " << difference);
+                    const candidates c =
+                        randomcandidates(static_cast<std::size_t>(n),
+                                         static_cast<std::size_t>(nsnp), npools, diagonal, 3);
+                    const optimum best = findoptimum(c, difference, 20);
+                    expectoptimal(c, best);
+                    if (best.reached) {
+                        EXPECT_NEAR(best.difference, difference, 1e-9);
+                    } else { // every contributor has the highest gain of its pool
+                        EXPECT_LT(best.difference, difference);
+                        for (int64 i = 1; i <= c.n; ++i)
+                            for (int64 j = 1; j <= c.n; ++j) {
+                                if (best.x(i) > 0 && c.pool(i) == c.pool(j)) {
+                                    EXPECT_GE(c.gain(i), c.gain(j));
+                                }
+                            }
+                    }
+                    if (difference > 0 && best.difference > 1e-6) expectconcave(best.frontier);
+                }
+    const optimum alone = findoptimum(randomcandidates(1, 4, 1, 0.001, 1), 0.01, 20);
+    EXPECT_EQ(alone.x(1), 1);
+    EXPECT_FALSE(alone.reached);
+    EXPECT_EQ(alone.frontier.size(), 2u);
+}
+
+// Two families of k, unrelated, members related by r, the second better by d: with t for the second
+// in all, x'Gx = c (t^2 + (1 - t)^2), c = (1 + (k - 1) r) / k, has its minimum c / 2 at t = 1/2,
+// and the difference 2 c (t - 1/2)^2. All of t = 1 needs c / 2.
+TEST(corvalindoptimum, twofamiliesinclosedform)
+{
+    const std::size_t k = 7;
+    const double r = 0.4, d = 3, c2 = (1 + (k - 1.0) * r) / k;
+    densematrix g(2 * k, std::vector<double>(2 * k, 0.0));
+    for (std::size_t i = 0; i < 2 * k; ++i)
+        for (std::size_t j = 0; j < 2 * k; ++j)
+            if (i / k == j / k) g[i][j] = i == j ? 1 : r;
+    std::vector<double> gain(2 * k, 10.0);
+    for (std::size_t i = k; i < 2 * k; ++i) gain[i] += d;
+    const std::vector<int64> onepool(2 * k, 1);
+    const candidates c = makecandidates(g, gain, onepool);
+    for (const double difference : {0.01, 0.1, c2 / 2 - 1e-6}) {
+        const optimum best = findoptimum(c, difference, 20);
+        const double t = 0.5 + std::sqrt(difference / (2 * c2));
+        EXPECT_TRUE(best.reached);
+        EXPECT_NEAR(best.frontier.front().xgx, c2 / 2, 1e-12);
+        EXPECT_NEAR(best.frontier.front().gain, 10 + d / 2, 1e-12);
+        EXPECT_NEAR(best.frontier.back().gain, 10 + t * d, 1e-9);
+        EXPECT_EQ(best.frontier.size(), 22u);
+        expectconcave(best.frontier);
+        for (int64 i = 1; i <= c.n; ++i) EXPECT_NEAR(best.x(i), (i > 7 ? t : 1 - t) / k, 1e-9);
+    }
+    const optimum all = findoptimum(c, c2 / 2 + 0.001, 20);
+    EXPECT_FALSE(all.reached);
+    EXPECT_NEAR(all.difference, c2 / 2, 1e-12);
+    EXPECT_NEAR(all.frontier.back().gain, 10 + d, 1e-12);
+
+    // The same gain for all: nothing to win, and said so.
+    const optimum equal =
+        findoptimum(makecandidates(g, std::vector<double>(2 * k, -4.5), onepool), 0.01, 20);
+    EXPECT_FALSE(equal.reached);
+    EXPECT_EQ(equal.difference, 0);
+    EXPECT_EQ(equal.frontier.size(), 2u);
+}
+
+TEST(corvalindmatings, addupnearthecontributions)
+{
+    for (const int64 npools : {1, 2})
+        for (const int64 nmatings : {1, 7, 40, 333}) {
+            SCOPED_TRACE(testing::Message() << npools << " " << nmatings);
+            const candidates c = randomcandidates(60, 40, npools, 0.001, 8);
+            const optimum best = findoptimum(c, 0.02, 20);
+            const matingnumbers rounded = allocatematings(c, best, nmatings, 0, 0),
+                                moved = allocatematings(c, best, nmatings, 400, 500);
+            const auto objective = [&](const matingnumbers &plan) {
+                const double unit = 1 / (2 * static_cast<double>(nmatings));
+                const quadratic value =
+                    valueof(c, [&](int64 i) { return unit * static_cast<double>(plan.number(i)); });
+                EXPECT_NEAR(value.xgx, plan.xgx, 1e-10);
+                EXPECT_NEAR(value.gain, plan.gain, 1e-10);
+                return value.xgx / 2 - best.frontier.back().weight * value.gain;
+            };
+            const double ideal = best.frontier.back().xgx / 2 -
+                                 best.frontier.back().weight * best.frontier.back().gain;
+            EXPECT_GE(objective(moved), ideal - 1e-10);
+            EXPECT_LE(objective(moved), objective(rounded));
+            for (const matingnumbers *plan : {&rounded, &moved}) {
+                array1<int64> sum(2, 0);
+                for (int64 i = 1; i <= c.n; ++i) {
+                    sum(c.pool(i)) += plan->number(i);
+                    EXPECT_GE(plan->number(i), 0);
+                }
+                EXPECT_EQ(sum(1), 2 * nmatings / npools);
+                EXPECT_EQ(sum(2), npools == 2 ? nmatings : 0);
+                const matingpairs pairs = pairsof(c, *plan, 50, 50);
+                expectplanned(c, *plan, pairs);
+                EXPECT_EQ(pairs.nselfed, 0);
+                EXPECT_LE(pairs.relationship, pairsof(c, *plan, 0, 0).relationship);
+            }
+            for (int64 i = 1; i <= c.n; ++i)
+                EXPECT_LT(std::fabs(static_cast<double>(rounded.number(i)) -
+                                    2 * static_cast<double>(nmatings) * best.x(i)),
+                          1 + 1e-6);
+        }
+}
+
+// Two families of two males and two females each. All can mate into the other family; without sexes
+// nobody is selfed unless it has more than half of all places, and then as rarely as can be.
+TEST(corvalindmatings, pairunrelatedmates)
+{
+    densematrix g(8, std::vector<double>(8, 0.0));
+    for (std::size_t i = 0; i < 8; ++i)
+        for (std::size_t j = 0; j < 8; ++j)
+            g[i][j] = i == j ? 1 : i / 4 == j / 4 ? 0.5 : 0.01 * static_cast<double>(i * j % 3);
+    const std::vector<double> gain(8, 1.0);
+    matingnumbers plan;
+    plan.number.allocate(8, 5);
+    const candidates sexes = makecandidates(g, gain, {1, 1, 2, 2, 1, 1, 2, 2});
+    const candidates onepool = makecandidates(g, gain, std::vector<int64>(8, 1));
+    for (const candidates *c : {&sexes, &onepool}) {
+        const matingpairs pairs = pairsof(*c, plan, 100, 100);
+        expectplanned(*c, plan, pairs);
+        EXPECT_LT(pairs.relationship, 0.02);
+        EXPECT_LE(pairs.mostalike, 3); // 20 matings of 8 or 16 unrelated pairs
+        EXPECT_EQ(pairs.nselfed, 0);
+    }
+    for (const int64 ofone : {20, 26, 40}) {
+        plan.number.fill(0);
+        plan.number(2) = 40 - ofone;
+        plan.number(7) = ofone;
+        for (const int64 nrounds : {0, 50}) {
+            const matingpairs pairs = pairsof(onepool, plan, 50, nrounds);
+            expectplanned(onepool, plan, pairs);
+            EXPECT_EQ(pairs.nselfed, ofone - 20);
+        }
+    }
+}
+
+namespace
+{
+// Files of a cycle with 12 candidates, rows 101 to 112, as the system lays them out.
+void writecycle(bool sexesmatter)
+{
+    const candidates c = randomcandidates(12, 30, 1, 0.001, 12);
+    std::string matrix, values, readin, genders;
+    for (int64 i = 1; i <= c.n; ++i) {
+        putfree(matrix, c.indiv(i));
+        for (int64 j = 1; j <= c.n; ++j) putfree(matrix, c.relationship(j, i));
+        puti(values, c.indiv(i), 20);
+        putf(values, c.gain(i), 20, 10);
+        puti(readin, i, 10);
+        puti(readin, c.indiv(i), 10);
+        putf(readin, c.gain(i), 20, 8);
+        putfree(genders, c.indiv(i));
+        putfree(genders, i % 3 == 0 ? 1 : 2);
+        for (std::string *text : {&matrix, &values, &readin, &genders}) *text += '\n';
+    }
+    writefile("GFullMatrix1-1.txt", matrix);
+    writefile("Ebv.txt", values);
+    writefile("EBVsReadIn1.txt", readin);
+    writefile("GenderTesting.txt", genders);
+    writefile("Seed.txt", " -4711\n");
+    writefile("CorvalindSpec.txt",
+              std::string(" RelationshipMatrixFile                  ,GFullMatrix1-1.txt\n"
+                          " BreedingValueFile                       ,Ebv.txt\n"
+                          " PerformMatingsConsideringTheGender      ,") +
+                  (sexesmatter ? "Yes\n"
+                                 " GenderFile                              ,GenderTesting.txt\n"
+                                 " NumberOfMales                           , 4\n"
+                                 " NumberOfFemales                         , 8\n"
+                               : "no\n"
+                                 " NumberOfIndividuals                     , 12\n") +
+                  " NumberOfMatings                         , 25\n"
+                  " PercentageDifferenceInbreeding           , 0.01\n"
+                  " SizeOfPopulationOfXvectors              , 50\n"
+                  " MaximumNumberOfGenerations              , 20\n");
+}
+const std::string frontierfile = "CorvalindResults/Frontier.txt",
+                  matingfile = "CorvalindResults/MatingListFinal.txt";
+} // namespace
+
+TEST_F(corvalindinfolder, leavesresultsofacycle)
+{
+    for (const bool sexesmatter : {true, false}) {
+        writecycle(sexesmatter);
+        const commandresult result = runcommand(binfolder() + "/Corvalind");
+        ASSERT_EQ(result.status, 0) << result.err;
+        EXPECT_NE(result.out.find("wanted 0.01: reached"), std::string::npos);
+        const std::vector<std::string> frontier = readlines(frontierfile);
+        ASSERT_GT(frontier.size(), 15u);
+        double first = 0, last = 0;
+        for (std::size_t k = 1; k < frontier.size(); ++k) {
+            const std::vector<std::string> words = wordsof(frontier[k]);
+            ASSERT_EQ(words.size(), 5u);
+            EXPECT_EQ(words[0], std::to_string(k));
+            last = std::stod(words[2]);
+            if (k == 1) first = last;
+            EXPECT_EQ(words[4], k == 1                     ? "Minimum"
+                                : k + 1 == frontier.size() ? "Solution"
+                                                           : "Frontier");
+        }
+        EXPECT_NEAR(last - first, 0.01, 1e-9);
+        const std::vector<std::string> matings = readlines(matingfile);
+        ASSERT_EQ(matings.size(), 25u);
+        std::vector<double> earlier{0, 0};
+        for (const std::string &line : matings) {
+            const std::vector<double> pair = numbersof(line);
+            ASSERT_EQ(pair.size(), 2u);
+            EXPECT_LE(earlier, pair);
+            EXPECT_TRUE(pair[0] >= 1 && pair[1] <= 12 && pair[0] != pair[1]) << line;
+            EXPECT_TRUE(!sexesmatter || (std::fmod(pair[0], 3) == 0 && std::fmod(pair[1], 3) > 0));
+            earlier = pair;
+        }
+
+        // The same bytes again; with the estimates of pedigree prediction, which leaves no Ebv.txt,
+        // too, but for their last digits.
+        const std::string was = readfile(frontierfile), list = readfile(matingfile);
+        ASSERT_EQ(runcommand(binfolder() + "/Corvalind").status, 0);
+        EXPECT_EQ(readfile(frontierfile), was);
+        EXPECT_EQ(readfile(matingfile), list);
+        std::filesystem::remove("Ebv.txt");
+        const commandresult readin = runcommand(binfolder() + "/Corvalind");
+        ASSERT_EQ(readin.status, 0) << readin.err;
+        EXPECT_NE(readin.out.find("breeding values from EBVsReadIn1.txt"), std::string::npos);
+        EXPECT_EQ(readfile(matingfile), list);
+    }
+    // What can't be reached is said, and results are left.
+    writecycle(true);
+    std::string spec = readfile("CorvalindSpec.txt");
+    writefile("CorvalindSpec.txt", spec.replace(spec.find("0.01"), 4, "10.0"));
+    const commandresult result = runcommand(binfolder() + "/Corvalind");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_NE(result.out.find("wanted 10: NOT REACHED"), std::string::npos);
+    EXPECT_EQ(readlines(matingfile).size(), 25u);
+}
+
+TEST_F(corvalindinfolder, refusals)
+{
+    const std::string spec = "CorvalindSpec.txt", matrix = "GFullMatrix1-1.txt", ebv = "Ebv.txt",
+                      gender = "GenderTesting.txt", seed = "Seed.txt";
+    struct fault {
+        std::string file, find, replace, message;
+    };
+    const std::vector<fault> faults = {
+        {spec, "NumberOfMales ", "NumberOfMails ", spec + ": line 5: NumberOfMails: unknown key"},
+        {spec, "NumberOfMales ", "NumberOfFemales ", spec + ": line 6: key \"NumberOfFemales\""},
+        {spec, ",Yes", ",Perhaps", spec + ": line 3: PerformMatingsConsideringTheGender: Yes or"},
+        {spec, ",Yes", ",No", spec + ": the key numberofindividuals is missing"},
+        {spec, ", 25", ", 25\n NumberOfIndividuals ,12", spec + ": line 8: NumberOfIndividuals: "},
+        {spec, ", 25", ", 0", spec + ": line 7: NumberOfMatings: 0 is below 1"},
+        {spec, ", 0.01", ", -0.01", spec + ": line 8: PercentageDifferenceInbreeding: -0.01 is"},
+        {spec, ", 0.01", ", NaN", spec + ": line 8: PercentageDifferenceInbreeding: a number"},
+        {spec, ", 50", ", 50.5", spec + ": line 9: SizeOfPopulationOfXvectors: an integer"},
+        {spec, ",Ebv.txt", ",Ebw.txt", "Ebw.txt: can't open"},
+        {spec, ", 8", ", 9", matrix + ": line 1: fewer values than wanted: an individual and 13"},
+        {spec, ", 8", ", 7", matrix + ": line 1: more values"},
+        {matrix, "\n 112", "\n 112 0.5", matrix + ": line 12: more values"},
+        {matrix, "\n 112", "\n 112 NaN\n", matrix + ": line 12: fewer values"},
+        {matrix, "\n 103 ", "\n 103 1", matrix + ": is not symmetric: records 1 and 3"},
+        {matrix, "\n 105", "\n 105 x", matrix + ": line 5: a number is wanted"},
+        {ebv, " 104", " 94", ebv + ": line 4: individual 94, but record 4 of " + matrix},
+        {ebv, " 104 ", " 104 NaN\n", ebv + ": line 4: the breeding value is not a finite"},
+        {ebv, " 101", " 101 1\n 101", ebv + ": line 2: individual 101, but record 2"},
+        {ebv, "\n", "\n\n", ebv + ": line 2: fewer values than wanted: an individual and its"},
+        {gender, " 103 1", " 103 2", gender + ": holds 3 males and 9 females, but " + spec},
+        {gender, " 103 1", " 103 0", gender + ": line 3: gender 1 or 2 is wanted, not 0"},
+        {gender, " 103", " 203", gender + ": line 3: individual 203, but record 3"},
+        {seed, "-4711", "", seed + ": ends after line 1"},
+        {seed, "-4711", "4.5", seed + ": line 1: an integer is wanted"},
+    };
+    for (const fault &f : faults) {
+        writecycle(true);
+        ASSERT_FALSE(runbody(corvalind).stoppedearly);
+        std::string text = readfile(f.file);
+        const std::size_t at = text.find(f.find);
+        ASSERT_NE(at, std::string::npos) << f.message;
+        writefile(f.file, text.replace(at, f.find.size(), f.replace));
+        const outcome result = runbody(corvalind);
+        EXPECT_EQ(result.code(), -2) << f.message;
+        EXPECT_EQ(result.stop.reason.find(f.message), 0u) << result.stop.reason;
+        for (const std::string &file : {frontierfile, matingfile})
+            EXPECT_FALSE(std::filesystem::exists(file)) << f.message;
+    }
+
+    // Relationships that no individuals can have; a file where the folder should be.
+    writecycle(false);
+    std::string text;
+    for (int i = 1; i <= 12; ++i) {
+        text += std::to_string(100 + i);
+        for (int j = 1; j <= 12; ++j) text += i == j ? " 1" : " -0.5";
+        text += '\n';
+    }
+    writefile(matrix, text);
+    EXPECT_EQ(runbody(corvalind).stop.reason.find(matrix + ": the matrix is not positive"), 0u);
+    std::filesystem::remove_all("CorvalindResults");
+    writefile("CorvalindResults", "");
+    const commandresult result = runcommand(binfolder() + "/Corvalind");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err.find("ERROR: CorvalindResults: can't make"), 0u) << result.err;
+}
