@@ -23,12 +23,18 @@ struct subspacesolution {
     Eigen::VectorXd x, direction; // by member; direction: change of x per unit of weight
     Eigen::Vector2d mu;           // multipliers of the pools' sums
     Eigen::VectorXd product;      // Gx, by candidate from offset 0
-    double residual = 0;          // largest of Gx - weight * gain - mu over the members
+    double residual = 0; // largest of Gx - weight * gain - mu over the members, by its size
 };
 
 int64 memberat(const freefactor &f, int64 k)
 {
     return f.member[static_cast<std::size_t>(k)];
+}
+
+// Size of the terms that make up the multiplier of candidate i: what its rounding errors go by.
+double sizeofterms(const contributionprogram &p, double weight, int64 i)
+{
+    return p.all->meandiagonal + weight * std::fabs(p.gain(i));
 }
 
 // G x for contributions of the members, four columns at a time.
@@ -103,17 +109,18 @@ subspacesolution solvesubspace(const contributionprogram &p, double weight)
     s.x = weight * ofgain + ofpools * s.mu.head(c.npools);
     s.direction = ofgain - ofpools * (b.poolsmatrix * gainsums).head(c.npools);
 
-    const double enough = goodresidual * (c.meandiagonal + weight);
     Eigen::VectorXd rhs(f.size());
     for (int round = 0;; ++round) {
         multiply(p, s.x, s.product);
+        s.residual = 0;
         for (int64 k = 0; k < f.size(); ++k) {
             const int64 i = memberat(f, k);
             rhs(k) = weight * p.gain(i) + s.mu(c.pool(i) - 1) - s.product(i - 1);
+            s.residual = std::max(s.residual, std::fabs(rhs(k)) / sizeofterms(p, weight, i));
         }
         const Eigen::Vector2d sumrise = sums - poolsums(p, s.x);
-        s.residual = rhs.cwiseAbs().maxCoeff();
-        if (round == 4 || (s.residual <= enough && sumrise.cwiseAbs().maxCoeff() <= 1e-15)) break;
+        if (round == 4 || (s.residual <= goodresidual && sumrise.cwiseAbs().maxCoeff() <= 1e-15))
+            break;
         correct(p, b, rhs, sumrise, s);
     }
     return s;
@@ -134,7 +141,7 @@ void refactororstop(contributionprogram &p, const std::vector<int64> &member)
 subspacesolution solvefree(contributionprogram &p, double weight)
 {
     subspacesolution s = solvesubspace(p, weight);
-    if (s.residual <= worstresidual * (p.all->meandiagonal + weight)) return s;
+    if (s.residual <= worstresidual) return s;
     refactororstop(p, p.free->member);
     return solvesubspace(p, weight);
 }
@@ -173,11 +180,16 @@ std::vector<int64> findentrants(const contributionprogram &p, double weight,
                                 const subspacesolution &s, const std::vector<int8> &barred)
 {
     const candidates &c = *p.all;
+    std::vector<int8> outside(barred.size());
+    for (int64 i = 1; i <= c.n; ++i)
+        outside[static_cast<std::size_t>(i - 1)] =
+            p.eligible(i) && !barred[static_cast<std::size_t>(i - 1)];
+    for (const int64 i : p.free->member) outside[static_cast<std::size_t>(i - 1)] = 0;
     std::vector<std::pair<double, int64>> falling;
     for (int64 i = 1; i <= c.n; ++i) {
         const double multiplier = s.product(i - 1) - weight * p.gain(i) - s.mu(c.pool(i) - 1);
-        if (multiplier < -goodmultiplier * (c.meandiagonal + weight) && p.eligible(i) &&
-            !barred[static_cast<std::size_t>(i - 1)])
+        if (outside[static_cast<std::size_t>(i - 1)] &&
+            multiplier < -goodmultiplier * sizeofterms(p, weight, i))
             falling.emplace_back(multiplier, i);
     }
     std::sort(falling.begin(), falling.end());
@@ -252,21 +264,25 @@ contributions gather(const contributionprogram &p, double weight, const subspace
     return result;
 }
 
-// Gains on a scale of their own: less the mean of the pool, in standard deviations. Contributions
-// don't change by the former, and weights become comparable by the latter.
+// Gains on a scale of their own: less the highest of the pool, in standard deviations. The former
+// changes no contribution, and keeps what counts at high weights, small differences between the
+// best, from drowning in rounding errors; the latter makes weights comparable.
 void scalegains(contributionprogram &p)
 {
     const candidates &c = *p.all;
     p.gain = c.gain;
     double sumsq = 0;
     for (int64 q = 1; q <= c.npools; ++q) {
-        double sum = 0, n = 0;
-        for (int64 i = 1; i <= c.n; ++i)
-            if (c.pool(i) == q) sum += c.gain(i), n += 1;
+        double sum = 0, n = 0, highest = -HUGE_VAL;
         for (int64 i = 1; i <= c.n; ++i) {
             if (c.pool(i) != q) continue;
-            p.gain(i) -= sum / n;
-            sumsq += p.gain(i) * p.gain(i);
+            sum += c.gain(i), n += 1;
+            highest = std::max(highest, c.gain(i));
+        }
+        for (int64 i = 1; i <= c.n; ++i) {
+            if (c.pool(i) != q) continue;
+            p.gain(i) = c.gain(i) - highest;
+            sumsq += (c.gain(i) - sum / n) * (c.gain(i) - sum / n);
         }
     }
     p.gainunit = std::sqrt(sumsq / static_cast<double>(c.n));
@@ -300,10 +316,7 @@ contributionprogram maketopprogram(const contributionprogram &p)
     top.gain = p.gain;
     top.gainunit = p.gainunit;
     top.eligible.allocate(p.all->n, 0);
-    array1<double> highest(2, -HUGE_VAL);
-    const candidates &c = *p.all;
-    for (int64 i = 1; i <= c.n; ++i) highest(c.pool(i)) = std::max(highest(c.pool(i)), c.gain(i));
-    for (int64 i = 1; i <= c.n; ++i) top.eligible(i) = c.gain(i) == highest(c.pool(i));
+    for (int64 i = 1; i <= p.all->n; ++i) top.eligible(i) = p.gain(i) == 0;
     freeeligible(top);
     return top;
 }

@@ -31,7 +31,7 @@ struct freefactor;
 // The program, and the free set of its last solution, from which the next one starts.
 struct contributionprogram {
     const candidates *all = nullptr;
-    array1<double> gain;   // by candidate, less the mean of the pool, in standard deviations
+    array1<double> gain;   // by candidate, less the highest of the pool, in standard deviations
     double gainunit = 0;   // that standard deviation; 0 where gains don't differ
     array1<int8> eligible; // 0 for those whose contribution must be 0
     int64 nsolved = 0, nchanges = 0; // programs; changes of the free set, for the report
@@ -44,9 +44,9 @@ contributionprogram makeprogram(const candidates &c);
 contributionprogram maketopprogram(const contributionprogram &p);
 
 // Solves at a weight, which is per standard deviation of gain, as are gain and slope of the result.
-// Multipliers of contributions that are 0 are at least -1e-11, in units of the mean diagonal plus
-// the weight. Stops: an I/O error naming the relationship file where the matrix is not positive
-// semidefinite.
+// Multipliers of contributions that are 0 are at least -1e-11 times the mean diagonal plus weight
+// times how far the gain is from the highest. Stops: an I/O error naming the relationship file
+// where the matrix is not positive semidefinite.
 contributions solveprogram(contributionprogram &p, double weight);
 
 // Lets the free set be that of an earlier solution.

@@ -19,17 +19,13 @@ contributions findhighestgain(const contributionprogram &p)
     const candidates &c = *p.all;
     contributionprogram top = maketopprogram(p);
     contributions result = solveprogram(top, 0);
-    array1<double> topgain(2, 0.0), average(2, 0.0);
-    for (int64 i = 1; i <= c.n; ++i) {
+    array1<double> average(2, 0.0);
+    for (int64 i = 1; i <= c.n; ++i)
         average(c.pool(i)) += result.x(i) * result.product(i) * static_cast<double>(c.npools);
-        if (top.eligible(i)) topgain(c.pool(i)) = p.gain(i);
-    }
-    for (int64 i = 1; i <= c.n; ++i) {
-        const double below = topgain(c.pool(i)) - p.gain(i);
-        if (!top.eligible(i) && below > 0)
+    for (int64 i = 1; i <= c.n; ++i)
+        if (p.gain(i) < 0)
             result.weight =
-                std::max(result.weight, (average(c.pool(i)) - result.product(i)) / below);
-    }
+                std::max(result.weight, (average(c.pool(i)) - result.product(i)) / -p.gain(i));
     return result;
 }
 
@@ -92,7 +88,7 @@ void addpoints(contributionprogram &p, const contributions &minimum, const contr
         const double wanted = minimum.gain + static_cast<double>(k) * spacing;
         for (int attempt = 1; attempt <= 4 && at.gain < wanted - spacing / 10; ++attempt) {
             double weight = at.weight + (wanted - at.gain) / at.slope;
-            if (!(weight < best.weight)) weight = (at.weight + best.weight) / 2;
+            if (!(weight > at.weight && weight < best.weight)) weight = middleweight(at, best);
             at = solveprogram(p, weight);
         }
         const frontierpoint point = makepoint(p, at);
