@@ -27,14 +27,6 @@ void stopifunknown(const setting &line)
     complainabout(line, "unknown key");
 }
 
-const setting &needsetting(const std::string &filename, const std::vector<setting> &settings,
-                           const std::string &key)
-{
-    const setting *line = findsetting(settings, key);
-    if (!line) ioerror(filename, "the key " + key + " is missing");
-    return *line;
-}
-
 bool yesorno(const setting &line)
 {
     if (isword(line.value, "yes")) return true;
