@@ -105,13 +105,6 @@ void refusewhatisabsent(const state &s)
     };
     if (s.editing.geneditonoff) refuse("Gene editing", "GeneEditingOnOff");
     if (s.editing.genedriveonoff) refuse("Gene drive", "GeneDriveOnOff");
-    if (s.selection.optcontribselonoff)
-        refuse("Optimal contribution selection", "OptimalContributionSelectionOnOff");
-    if (s.selection.computeavercoancestryyes1no0 == 1) {
-        printline("ERROR: Average coancestry is not available in this version of Solvanto; "
-                  "ComputeAverageCoancestryYesNo must be No");
-        plainstop();
-    }
 }
 
 void writeresults(state &s)

@@ -1,5 +1,6 @@
 #include "evaluation/predictionruns.h"
 
+#include "evaluation/companionruns.h"
 #include "selection/cyclefolder.h"
 #include "shell.h"
 #include "stops.h"
@@ -92,32 +93,11 @@ void writegenomicspec(const state &s, int64 selectioncycle, int64 selectedtrait,
     out.close();
 }
 
-// Runs the program in the folder of the cycle; then come the lines of the script.
-void runprogram(const state &s, int64 selectioncycle, const std::string &program,
-                const std::vector<std::string> &afterwards)
+void runprediction(const state &s, int64 selectioncycle, const char *program,
+                   std::vector<std::string> afterwards)
 {
-    const std::string folder = cyclefolder(selectioncycle);
-    const std::string routine = "Run" + program;
-    outfile seed(folder + "Seed.txt");
-    seed.writeline(freeline(s.random.idum));
-    seed.close();
-    runshell("cp " + program + " " + folder, routine + " A");
-
-    outfile out(script);
-    out.writeline(freeline("cd " + folder));
-    out.writeline(freeline("./" + program + " > " + logname));
-    for (const std::string &line : afterwards) out.writeline(freeline(line));
-    out.writeline(freeline("cd .."));
-    out.close();
-    runshell(std::string("chmod +x ") + script, routine + " B");
-    runshell(script, routine + " C");
-    runshell("rm -f TmpQuillomere.sh", routine + " D");
-}
-
-// Where to look when a prediction program left nothing, or too little.
-std::string lookinlog(int64 selectioncycle)
-{
-    return "look in " + cyclefolder(selectioncycle) + logname + " for what the program printed";
+    writecycleseed(s, selectioncycle);
+    runcompanion({program, script, logname, std::move(afterwards), true}, selectioncycle);
 }
 
 // An integer and a real at the beginning of a record; false where they can't be read.
@@ -141,13 +121,14 @@ void readestimates(const state &s, int64 selectioncycle, const std::string &name
 {
     const std::string path = cyclefolder(selectioncycle) + name;
     if (!pathexists(path))
-        ioerror(path, "was not made by the prediction program; " + lookinlog(selectioncycle));
+        ioerror(path,
+                "was not made by the prediction program; " + lookinlog(selectioncycle, logname));
     infile in(path);
     for (int64 i = 0; i < s.selection.ntestindiv; ++i) {
         if (!in.nextrecord())
             ioerror(path, "holds " + numbertext(i) + " estimates for " +
                               numbertext(s.selection.ntestindiv) + " candidates; " +
-                              lookinlog(selectioncycle));
+                              lookinlog(selectioncycle, logname));
         in.skipwords(1);
         estimates[i] = in.real();
     }
@@ -200,9 +181,9 @@ void writequillomerespec(state &s, int64 selectioncycle, int64 selectedtrait, in
 void runquillomerep(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid)
 {
     if (runid <= 0) printline("Run ID set incorrectly");
-    runprogram(s, selectioncycle, "QuillomereP",
-               {"mv ResultAverageEstimatedPolygenicBreedingValues.txt EbvTrait" +
-                numbertext(selectedtrait) + ".txt"});
+    runprediction(s, selectioncycle, "QuillomereP",
+                  {"mv ResultAverageEstimatedPolygenicBreedingValues.txt EbvTrait" +
+                   numbertext(selectedtrait) + ".txt"});
 }
 
 void runquillomere(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid)
@@ -220,7 +201,7 @@ void runquillomere(state &s, int64 selectioncycle, int64 selectedtrait, int64 ru
         lines.push_back("cp TbvEbvCorrelation.txt TbvEbvCorrelation" + trait);
         lines.push_back("rm -f Ebv.txt SnpSolutions.txt TbvEbvCorrelation.txt");
     }
-    runprogram(s, selectioncycle, "Quillomere", lines);
+    runprediction(s, selectioncycle, "Quillomere", lines);
 }
 
 void readquillomerepebvs(state &s, int64 selectioncycle, int64 selectedtrait)
@@ -252,7 +233,8 @@ void readquillomerepebvs(state &s, int64 selectioncycle, int64 selectedtrait)
                      "warning: %s holds estimates of %lld of %lld candidates, the others count as "
                      "0; %s\n",
                      path.c_str(), static_cast<long long>(i),
-                     static_cast<long long>(sel.ntestindiv), lookinlog(selectioncycle).c_str());
+                     static_cast<long long>(sel.ntestindiv),
+                     lookinlog(selectioncycle, logname).c_str());
 }
 
 void computereadebv(state &s, int64 selectioncycle, int64 selectedtrait)

@@ -7,8 +7,10 @@
 #include "haplotypes/droplines.h"
 #include "haplotypes/selectiondrop.h"
 #include "pedigree/pedigree.h"
+#include "selection/coancestryreport.h"
 #include "selection/cyclefolder.h"
 #include "selection/nextparents.h"
+#include "selection/optimalcontributions.h"
 #include "selection/pedigreeimport.h"
 #include "selection/selectionarrays.h"
 #include "selection/selectionindex.h"
@@ -138,13 +140,12 @@ void copysirestodams(state &s, int64 startindiv, int64 endindiv)
     for (int64 i = startindiv; i <= endindiv; ++i) s.pedi.ped(i).newdam = s.pedi.ped(i).newsire;
 }
 
-void chooseparents(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
+void choosebytruncation(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
 {
     const int64 parentgen = currentgen - 1;
     const int64 nselfed = s.pop.plantbreedonoff ? s.pop.nselfedparinthisgen(parentgen) : 0;
     const int64 nrandom = s.pop.plantbreedonoff ? s.pop.nrandparinthisgen(parentgen) : 0;
     const int64 ndams = s.pop.ndaminthisgen(parentgen);
-    // With optcontribselonoff, selectnextparentsoptimcontrib takes the place of all that follows.
     if (nselfed > 0) {
         selectnextparentstruncat(s, currentgen, 1, nselfed);
         copysirestodams(s, startindiv, endindiv);
@@ -161,6 +162,15 @@ void chooseparents(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
     // With geneditonoff, runge and editgenome follow here.
 }
 
+void chooseparents(state &s, int64 selectioncycle, int64 currentgen, int64 startindiv,
+                   int64 endindiv)
+{
+    if (s.selection.optcontribselonoff)
+        selectbyoptimcontrib(s, selectioncycle, currentgen);
+    else
+        choosebytruncation(s, currentgen, startindiv, endindiv);
+}
+
 void makegeneration(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
 {
     writeoutpedigree(s);
@@ -171,7 +181,9 @@ void makegeneration(state &s, int64 currentgen, int64 startindiv, int64 endindiv
     computetotalgenicvariances(s, currentgen);
     if (s.selection.recombselonoff) computetbvrecomb(s, currentgen, startindiv, endindiv);
     computetpv(s, currentgen, startindiv, endindiv);
-    // With computeavercoancestryyes1no0, computecoancestry follows here.
+    if (s.selection.computeavercoancestryyes1no0 == 1)
+        computecoancestry(s, currentgen - s.pop.ngen, currentgen, s.selection.starttestindiv,
+                          s.selection.endtestindiv);
 }
 
 // Accuracy and moments of the generation that no cycle will judge any more.
@@ -211,7 +223,7 @@ bool runcycle(state &s, int64 currentgen, int64 endgen)
     if (imported)
         printline("");
     else
-        chooseparents(s, currentgen, startindiv, endindiv);
+        chooseparents(s, selectioncycle, currentgen, startindiv, endindiv);
     makegeneration(s, currentgen, startindiv, endindiv);
     if (currentgen == endgen) reportlastgeneration(s, selectioncycle, currentgen);
     // With genedriveonoff, writegenedriveinformation follows here in the last cycle.

@@ -8,8 +8,8 @@ namespace fs = std::filesystem;
 
 namespace
 {
-const std::set<std::string> programs{"solvanto", "macs", "Vintrecaskelle", "Quillomere",
-                                     "QuillomereP"};
+const std::set<std::string> programs{"solvanto",    "macs",     "Vintrecaskelle", "Quillomere",
+                                     "QuillomereP", "Brenvask", "Corvalind"};
 }
 
 void wholerun::SetUp()

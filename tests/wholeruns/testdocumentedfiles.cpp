@@ -92,6 +92,14 @@ TEST_F(documentation, everyfileisdocumented)
     runandnote(twotraits(smallrun()).set("SelectionMethod", "Pheno"), inputs);
     runandnote(smallrun().set("SelectionMethod", "Pheno"), inputs);
     runandnote(spectext(estimates).set("SelectionMethod", "PedigreeBlup"), inputs);
+    const auto contributions = [](spectext spec) {
+        return spec.set("OptimalContributionSelectionOnOff", "On")
+            .insertbefore("NumberOfTraits", "SizeOfXvectPopulationAndMaxNbOfGenerations ,5,100")
+            .insertbefore("NumberOfTraits", "PercentageDifferenceInbreeding ,0.05");
+    };
+    runandnote(contributions(spectext(estimates).set("ComputeAverageCoancestryYesNo", "Yes")),
+               inputs);
+    runandnote(contributions(smallrun()), inputs);
 
     EXPECT_EQ(undocumented, std::set<std::string>{});
     std::set<std::string> neverseen;
