@@ -55,3 +55,14 @@ build() {
         fail "the build failed, see $log"
     fi
 }
+
+# renewtable PAGE TABLE: puts the Markdown table of a file in place of the page's table whose title
+# line is the same.
+renewtable() {
+    local page
+    page=$(awk -v table="$2" -v title="$(head -n 1 "$2")" '
+        $0 == title { while ((getline line <table) > 0) print line; intable = 1 }
+        intable && /^\|/ { next }
+        { intable = 0; print }' "$1")
+    printf '%s\n' "$page" >"$1"
+}
