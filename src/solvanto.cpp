@@ -94,19 +94,6 @@ void printtiming(float seconds)
     printline("");
 }
 
-// Settings that a run would only meet after hours of work are refused here, right after the
-// specification has been read and judged.
-void refusewhatisabsent(const state &s)
-{
-    const auto refuse = [](const char *what, const char *setting) {
-        printline("ERROR: " + std::string(what) +
-                  " is not available in this version of Solvanto; " + setting + " must be Off");
-        plainstop();
-    };
-    if (s.editing.geneditonoff) refuse("Gene editing", "GeneEditingOnOff");
-    if (s.editing.genedriveonoff) refuse("Gene drive", "GeneDriveOnOff");
-}
-
 void writeresults(state &s)
 {
     const int64 first = s.run.specstartgen;
@@ -127,7 +114,6 @@ void solvanto(state &s)
     initiateseed(s.random);
     readinparameters(s);
     startmerge(s);
-    refusewhatisabsent(s);
 
     const bool newsimulation = s.run.specstartgen == 1;
     const bool burnin = s.run.specstartgen <= s.pop.ngen;

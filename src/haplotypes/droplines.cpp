@@ -1,5 +1,6 @@
 #include "haplotypes/droplines.h"
 
+#include "editing/genedrive.h"
 #include "haplotypes/genomefiles.h"
 
 #include <algorithm>
@@ -62,7 +63,7 @@ void finishindividual(state &s, dropwork &work, int64 chrom, int64 currentgen, i
     if (isdoubledhaploid(s, currentgen)) {
         const int64 *sireside = s.haplo.tmpgenome.gamete(indivpos, 1);
         std::copy(sireside, sireside + s.haplo.nblock, s.haplo.tmpgenome.gamete(indivpos, 2));
-        // With genedriveonoff, genedriveqtnpresence of gamete 1 is copied to gamete 2 here.
+        if (s.editing.genedriveonoff) copysireflags(s, individ);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "haplotypes/selectiondrop.h"
 
+#include "editing/genedrive.h"
 #include "haplotypes/blocks.h"
 #include "haplotypes/burnindrop.h"
 #include "haplotypes/droplines.h"
@@ -38,6 +39,23 @@ parentrows loadparents(state &s, int64 chrom, int64 currentgen, int64 startindiv
     return parents;
 }
 
+// The cycle's edits on a chromosome, in the copy of the parents that this drop works on alone: the
+// files keep their genomes as they were.
+void editparents(state &s, int64 chrom, const parentrows &parents)
+{
+    const editingdata &edit = s.editing;
+    for (int64 i = 1; i <= edit.nindedited; ++i)
+        for (int64 j = 1; j <= edit.ngeneditsperind; ++j) {
+            if (edit.genomeeditqtnchrom(i, j) != chrom) continue;
+            const siteplace place = placeofsite(edit.genomeeditqtnpos(i, j));
+            const int64 row = parents.row(edit.idofgenomeeditinds(i));
+            int64 &sireside = s.haplo.oldtmpgenome(row, place.block, 1);
+            int64 &damside = s.haplo.oldtmpgenome(row, place.block, 2);
+            genomeedition(lociperblock, sireside, damside, place.position, sireside, damside,
+                          edit.genomeeditqtnposneg(i, j));
+        }
+}
+
 // Crossing probabilities in the gametes of a parent.
 void setparentrates(state &s, int64 parent)
 {
@@ -56,7 +74,9 @@ void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv
     dropwork work;
     opendrop(s, work, chrom, startindiv);
     s.haplo.tmpgenome.fill(-99);
-    // With geneditonoff, genomeedition changes the edited parents' rows of oldtmpgenome here.
+    if (s.editing.geneditonoff) editparents(s, chrom, parents);
+    const std::vector<drivesite> drives =
+        s.editing.genedriveonoff ? drivesites(s, chrom) : std::vector<drivesite>();
 
     for (int64 i = startindiv; i <= endindiv; ++i) {
         const int64 k = i - startindiv + 1;
@@ -72,7 +92,7 @@ void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv
             }
         }
         finishindividual(s, work, chrom, currentgen, i, k);
-        // With genedriveonoff, genedriveedit makes the individual homozygous for its drives here.
+        convertdrives(s, drives, i, k);
     }
     writegenome(genomefile(chrom, currentgen), s.haplo.tmpgenome);
     closedrop(work);

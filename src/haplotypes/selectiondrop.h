@@ -13,8 +13,9 @@
 // Reads    ped, recombperindperchr, the test set (the generation before); recombcount, which holds
 //          all earlier individuals' counts and 0 for the new ones; GenomeGeneration<g>.txt of the
 //          generation before, or of the parents' generations where currentgen has its pedigree from
-//          outside (importextpedforthisgen)
-// Updates  recombcount, globalrecomblocationmax, random
+//          outside (importextpedforthisgen); the cycle's edits of parents, with geneditonoff
+// Updates  recombcount, globalrecomblocationmax, random; with genedriveonoff the drive flags of the
+//          generation
 // Draws, for each chromosome and individual: for the sire's side one for the strand to begin on and
 // those of recombinegametes; then the same for the dam's side, unless the generation is of doubled
 // haploids.

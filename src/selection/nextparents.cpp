@@ -53,7 +53,7 @@ void selectnextparentstruncat(state &s, int64 currentgen, int64 parentgender, in
     stopiftoofewparents(s, parentgender, currentgen, npargender, npargender);
     const array1<int64> selectedindividuals = rank(s, currentgen, parentgender, npargender);
     if (s.editing.geneditonoff && parentgender == 1)
-        for (int64 k = 1; k <= s.editing.indivtobeedited.size(); ++k)
+        for (int64 k = 1; k <= std::min(s.editing.indivtobeedited.size(), npargender); ++k)
             s.editing.indivtobeedited(k) = selectedindividuals(k);
 
     array1<int64> matingvec(nmatings);

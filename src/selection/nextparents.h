@@ -3,7 +3,8 @@
 // Indices: place x in the test set stands for pedigree row starttestindiv + x - 1; the rows of the
 //          new generation follow the test set.
 // Reads    estimatedbv, gender, the test set; the numbers of parents of generation currentgen - 1
-// Updates  newsire (parentgender 1) or newdam (2) of the new generation; indivtobeedited
+// Updates  newsire (parentgender 1) or newdam (2) of the new generation; with geneditonoff
+//          indivtobeedited, places of the male parents in rank order, 0 behind the last
 #pragma once
 
 #include "state.h"

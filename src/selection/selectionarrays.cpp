@@ -1,5 +1,6 @@
 #include "selection/selectionarrays.h"
 
+#include "editing/genedrive.h"
 #include "founders/stores.h"
 #include "traits/effectarrays.h"
 #include "values/valuearrays.h"
@@ -44,6 +45,7 @@ void allocateqtntbv(state &s)
                                 &edit.qtnidsortedbyabsvalrecodedid, &edit.qtnforgeneditposneg,
                                 &edit.qtnidsortedbyabsvalmutindivid})
         list->allocate(s.qtn.ntotqtn);
+    if (edit.genedriveonoff) allocatedriveflags(s);
 }
 
 void releaseqtntbv(state &s)

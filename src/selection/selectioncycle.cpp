@@ -1,5 +1,8 @@
 #include "selection/selectioncycle.h"
 
+#include "editing/edittargets.h"
+#include "editing/genedrive.h"
+#include "editing/genomeediting.h"
 #include "evaluation/predictionruns.h"
 #include "evaluation/selectionchip.h"
 #include "evaluation/trainingdata.h"
@@ -159,7 +162,10 @@ void choosebytruncation(state &s, int64 currentgen, int64 startindiv, int64 endi
         else
             selectnextparentstruncat(s, currentgen, 2, ndams);
     }
-    // With geneditonoff, runge and editgenome follow here.
+    if (s.editing.geneditonoff) {
+        runge(s, currentgen - s.pop.ngen, currentgen);
+        editgenome(s, currentgen - s.pop.ngen, currentgen);
+    }
 }
 
 void chooseparents(state &s, int64 selectioncycle, int64 currentgen, int64 startindiv,
@@ -226,7 +232,7 @@ bool runcycle(state &s, int64 currentgen, int64 endgen)
         chooseparents(s, selectioncycle, currentgen, startindiv, endindiv);
     makegeneration(s, currentgen, startindiv, endindiv);
     if (currentgen == endgen) reportlastgeneration(s, selectioncycle, currentgen);
-    // With genedriveonoff, writegenedriveinformation follows here in the last cycle.
+    if (s.editing.genedriveonoff && currentgen == endgen) writegenedriveinformation(s, currentgen);
     deallocatearraysfordrophaploselection(s, currentgen, "Selection");
     printline("");
     return true;

@@ -289,6 +289,14 @@ void notesequences(const state &s)
                     " WriteFullSequenceOutOnOff must be On from the first burn-in generation"});
 }
 
+// The key of optimal contributions refuses them when editing was switched on before it.
+void checkcontributions(const state &s)
+{
+    if (s.editing.geneditonoff && s.selection.optcontribselonoff)
+        refuse(100029,
+               {"ERROR: Optimal contribution selection is not compatible with gene editing"});
+}
+
 void checkheritabilities(const state &s)
 {
     const double recomb = s.values.heritrecomb;
@@ -354,6 +362,7 @@ void checkconsistency(specreader &r)
     checkselection(r);
     checktraits(r.s);
     notesequences(r.s);
+    checkcontributions(r.s);
     checkheritabilities(r.s);
     checkcompulsorykeys(r);
     checkreach(r);

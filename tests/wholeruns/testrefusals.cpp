@@ -15,8 +15,6 @@ TEST_F(refusals, whatthisversioncantdo)
         EXPECT_NE(result.out.find(message), std::string::npos) << result.out;
         EXPECT_FALSE(std::filesystem::exists("SimulatedData")) << message;
     };
-    refused(smallrun().set("GeneEditingOnOff", "On"), "ERROR: Gene editing is not available");
-    refused(smallrun().set("GeneDriveOnOff", "On"), "ERROR: Gene drive is not available");
     refused(smallrun().set("OptimalContributionSelectionOnOff", "On"),
             "ERROR: Optimal contribution selection is not available");
     refused(smallrun()

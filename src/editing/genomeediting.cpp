@@ -1,0 +1,132 @@
+#include "editing/genomeediting.h"
+
+#include "editing/edittargets.h"
+#include "editing/genedrive.h"
+#include "files.h"
+#include "selection/cyclefolder.h"
+#include "stops.h"
+#include "textlayout.h"
+#include "words.h"
+
+namespace
+{
+void stopiftoomanyedited(const state &s, int64 parentgen)
+{
+    const bool selfed = s.pop.plantbreedonoff && s.pop.nselfedparinthisgen(parentgen) > 0;
+    const int64 nparents =
+        selfed ? s.pop.nselfedparinthisgen(parentgen) : s.pop.nsireinthisgen(parentgen);
+    if (s.editing.nindedited <= nparents) return;
+    printline(selfed ? "ERROR: Number of plants to be edited is greater than the number of selfed "
+                       "parents"
+                     : "ERROR: Number of sires/male parents to be edited is greater than the "
+                       "number of sires/male parents");
+    stopwithcode(selfed ? 110010 : 110011);
+}
+
+outfile openinformation(int64 selectioncycle)
+{
+    outfile out(cyclefolder(selectioncycle) + "GeneEditingInformation.txt");
+    textline line;
+    puta(line, "    IdOfGenEditIndiv         GlobalQtnId   ObservedQtnGenotype   AimedQtnGenotype",
+         81);
+    out.writeline(line);
+    return out;
+}
+
+// By global number: 1 for a QTN that may be edited.
+array1<int64> readqtnforge(const state &s)
+{
+    array1<int64> qtnforgeindic(s.qtn.ntotqtn, 1);
+    if (isword(s.editing.performgeonuserqtnselection, "no")) return qtnforgeindic;
+    infile in("UserSelectedQtnToBeEdited.txt");
+    in.record();
+    for (int64 &indicator : qtnforgeindic) indicator = in.integer();
+    return qtnforgeindic;
+}
+
+// QTN genotypes of the parents to be edited alone.
+struct parentgenotypes {
+    array1<int64> columnof; // (ntestindiv) 0 for a candidate that isn't edited
+    array2<int8> genotypes; // (ntotqtn, columns)
+};
+
+parentgenotypes readgenotypes(const state &s, int64 parentgen)
+{
+    parentgenotypes parents;
+    parents.columnof.allocate(s.selection.ntestindiv);
+    int64 ncolumns = 0;
+    for (int64 k = 1; k <= s.editing.nindedited; ++k) {
+        const int64 place = s.editing.indivtobeedited(k);
+        if (place > 0 && parents.columnof(place) == 0) parents.columnof(place) = ++ncolumns;
+    }
+    parents.genotypes.allocate(s.qtn.ntotqtn, ncolumns);
+    int64 before = 0; // QTN on the chromosomes before
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+        const int64 n = s.qtn.nqtnonthischrom(h);
+        infile in(chromfolder(h) + qtnsetname(s.qtn.qtnmodel) + "QtnGenotypeGeneration" +
+                  numbertext(parentgen) + ".txt");
+        for (const int64 column : parents.columnof) {
+            in.record();
+            if (column == 0) continue;
+            in.skipwords(1);
+            in.alleles(parents.genotypes.column(column) + before, n);
+        }
+        before += n;
+    }
+    return parents;
+}
+
+void recordedit(state &s, outfile &out, int64 k, int64 nedits, int64 listed, int64 genotype)
+{
+    editingdata &edit = s.editing;
+    const int64 individ = edit.idofgenomeeditinds(k);
+    const int64 qtn = edit.qtnidsortedbyabsvalrecodedid(listed);
+    const int64 favallele = edit.qtnforgeneditposneg(listed);
+    edit.genomeeditqtnpos(k, nedits) = edit.qtnidsortedbyabsval(listed);
+    edit.genomeeditqtnchrom(k, nedits) = edit.qtnidsortedbyabsvalchrom(listed);
+    edit.genomeeditqtnposneg(k, nedits) = favallele;
+    textline line;
+    for (int64 value : {individ, qtn, genotype}) puti(line, value, 20);
+    puta(line, favallele == 1 ? "2" : "0", 10);
+    out.writeline(line);
+    if (edit.genedriveonoff) setdriveflags(s, individ, qtn);
+}
+
+// The first QTN of the list at which parent k lacks the favourable allele.
+void editparent(state &s, outfile &out, int64 k, const int8 *genotypes,
+                const array1<int64> &qtnforgeindic)
+{
+    const editingdata &edit = s.editing;
+    int64 nedits = 0;
+    for (int64 q = 1; q <= s.qtn.ntotqtn && nedits < edit.ngeneditsperind; ++q) {
+        const int64 qtn = edit.qtnidsortedbyabsvalrecodedid(q);
+        if (qtnforgeindic(qtn) != 1 ||
+            edit.qtnidsortedbyabsvalmutindivid(q) >= s.selection.starttestindiv)
+            continue;
+        const int64 genotype = genotypes[qtn - 1];
+        if (genotype == 2 * edit.qtnforgeneditposneg(q)) continue;
+        recordedit(s, out, k, ++nedits, q, genotype);
+    }
+}
+} // namespace
+
+void editgenome(state &s, int64 selectioncycle, int64 currentgen)
+{
+    editingdata &edit = s.editing;
+    const selectiondata &sel = s.selection;
+    stopiftoomanyedited(s, currentgen - 1);
+    outfile out = openinformation(selectioncycle);
+    readeditlist(s, selectioncycle, currentgen);
+    const array1<int64> qtnforgeindic = readqtnforge(s);
+    if (edit.ngeneditsperind > 0 && edit.nindedited > 0) {
+        const parentgenotypes parents = readgenotypes(s, currentgen - 1);
+        for (int64 k = 1; k <= edit.nindedited; ++k) {
+            const int64 place = edit.indivtobeedited(k);
+            if (place == 0) continue; // fewer parents were chosen than may be edited
+            edit.idofgenomeeditinds(k) = sel.endtestindiv + place - sel.ntestindiv;
+            editparent(s, out, k, parents.genotypes.column(parents.columnof(place)),
+                       qtnforgeindic);
+        }
+    }
+    out.close();
+}
