@@ -78,8 +78,7 @@ void writeqtvgefile(const std::string &path, const array1<qtv> &qtvarray,
 
 void readaddeff(const state &s, array1<qtv> &qtvarray)
 {
-    infile in(std::string("./SimulatedData/") + qtnsetname(s.qtn.qtnmodel) +
-              "QtnAdditEffects.txt");
+    infile in(std::string("./SimulatedData/") + qtnsetname(s.qtn.qtnmodel) + "QtnAdditEffects.txt");
     in.skiprecords(1);
     for (qtv &q : qtvarray) {
         in.record();

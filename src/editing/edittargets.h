@@ -14,8 +14,8 @@
 #include "state.h"
 
 struct qtv {
-    int64 id = 0;         // number in the whole genome
-    int64 snpid = 0;      // site on its chromosome
+    int64 id = 0;    // number in the whole genome
+    int64 snpid = 0; // site on its chromosome
     int64 chromosome = 0;
     double addeffnorm = 0, addeffgamma = 0;
     double addeff = 0;        // the effect that counts

@@ -124,8 +124,7 @@ void editgenome(state &s, int64 selectioncycle, int64 currentgen)
             const int64 place = edit.indivtobeedited(k);
             if (place == 0) continue; // fewer parents were chosen than may be edited
             edit.idofgenomeeditinds(k) = sel.endtestindiv + place - sel.ntestindiv;
-            editparent(s, out, k, parents.genotypes.column(parents.columnof(place)),
-                       qtnforgeindic);
+            editparent(s, out, k, parents.genotypes.column(parents.columnof(place)), qtnforgeindic);
         }
     }
     out.close();

@@ -234,7 +234,7 @@ TEST_F(readinparametersspec, checksandnotesbytheirlines)
             ++nchecks;
         }
     }
-    EXPECT_EQ(nchecks, 36);
+    EXPECT_EQ(nchecks, 37);
     // One line ends with a blank.
     expectstop(changed("SelectionMethod,GBlup; RecombinationOnOff,On; "
                        "SelectionPhenotypingStrategy,AllMales; NumberGenerationsBurnIn,1"),

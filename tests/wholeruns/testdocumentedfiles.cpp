@@ -61,7 +61,9 @@ TEST_F(documentation, everyfileisdocumented)
                    .set("WriteFullSequenceOutOnOff", "On")
                    .set("ZipSequenceOutputFilesYesNo", "Yes")
                    .set("IncludeDominanceEffectsOnOff", "On")
-                   .set("NumberOfMutationsPerChr", "2"));
+                   .set("NumberOfMutationsPerChr", "2")
+                   .set("GeneEditingOnOff", "On")
+                   .set("GeneDriveOnOff", "On"));
     writefile("RecombinationSpecifications/Chromosome1.txt", "0 0.5 0.5\n0.5 1 0.5\n");
     writefile("RecombinationSpecifications/Chromosome2.txt", "0 0.5 0.5\n0.5 1 0.5\n");
     const std::set<std::string> inputs{"RecombinationSpecifications/Chromosome1.txt",
@@ -91,7 +93,11 @@ TEST_F(documentation, everyfileisdocumented)
     runandnote(twotraits(estimates), inputs);
     runandnote(twotraits(smallrun()).set("SelectionMethod", "Pheno"), inputs);
     runandnote(smallrun().set("SelectionMethod", "Pheno"), inputs);
-    runandnote(spectext(estimates).set("SelectionMethod", "PedigreeBlup"), inputs);
+    runandnote(spectext(estimates)
+                   .set("SelectionMethod", "PedigreeBlup")
+                   .set("SelectionBasedOnRestrictedOrUnrestrictedQtn", "Restricted")
+                   .set("GeneEditingOnOff", "On"),
+               inputs);
     const auto contributions = [](spectext spec) {
         return spec.set("OptimalContributionSelectionOnOff", "On")
             .insertbefore("NumberOfTraits", "SizeOfXvectPopulationAndMaxNbOfGenerations ,5,100")
