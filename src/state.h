@@ -10,6 +10,7 @@
 #pragma once
 
 #include "arrays.h"
+#include "editing/driveflags.h"
 #include "files.h"
 #include "haplotypes/genomes.h"
 #include "pedigree/pedigreeline.h"
@@ -223,7 +224,7 @@ struct editingdata {
     std::string edittopbot, performgeonuserqtnselection;
     array1<int64> idofgenomeeditinds; // (nindedited)
     array2<int64> genomeeditqtnpos, genomeeditqtnchrom, genomeeditqtnposneg;
-    array3<int8> genedriveqtnpresence; // (all individuals, nchrom x QTN per chromosome, 2)
+    driveflags genedriveqtnpresence; // (all individuals, all QTN, 2)
     array1<int64> indivtobeedited;
     array1<int64> qtnidsortedbyabsval, qtnidsortedbyabsvalchrom, qtnidsortedbyabsvalrecodedid,
         qtnidsortedbyabsvalmutindivid, qtnforgeneditposneg; // (ntotqtn)

@@ -41,8 +41,8 @@ int64 placeofchange(const state &s, int64 currchrom, qtnspan span,
 
 void allocatedriveflags(state &s)
 {
-    array3<int8> &flags = s.editing.genedriveqtnpresence;
-    if (flags.extent2().size() < s.qtn.ntotqtn) flags.allocate(s.pop.nindivp, s.qtn.ntotqtn, 2);
+    driveflags &flags = s.editing.genedriveqtnpresence;
+    if (flags.nqtn() < s.qtn.ntotqtn) flags.allocate(s.pop.nindivp, s.qtn.ntotqtn);
 }
 
 void setdriveflags(state &s, int64 individ, int64 qtn)
@@ -54,21 +54,28 @@ void setdriveflags(state &s, int64 individ, int64 qtn)
 void definegenedriveinheritance(state &s, int64 individ, int64 parentgender, int64 currchrom,
                                 const array1<int64> &recomblocation)
 {
-    array3<int8> &flags = s.editing.genedriveqtnpresence;
+    driveflags &flags = s.editing.genedriveqtnpresence;
     const pedigreeline &row = s.pedi.ped(individ);
     const int64 parent = parentgender == 1 ? row.newsire : row.newdam;
     const qtnspan span = qtnofchrom(s, currchrom);
-    const bool crossed = recomblocation.size() > 0 && recomblocation(1) != -99;
-    const int64 change =
-        crossed ? placeofchange(s, currchrom, span, recomblocation) : span.last + 1;
-    for (int64 g = span.first; g <= span.last; ++g)
-        flags(individ, g, parentgender) = flags(parent, g, g < change ? 1 : 2);
+    const int8 *const phase1 = flags.from(parent, span.first, 1);
+    const int8 *const phase2 = flags.from(parent, span.first, 2);
+    const int64 n = span.last - span.first + 1;
+    const bool crossed = recomblocation(1) != -99;
+    // Behind a conversion both phases agree, and it doesn't matter where the source changes.
+    const int64 fromphase1 = crossed && !std::equal(phase1, phase1 + n, phase2)
+                                 ? placeofchange(s, currchrom, span, recomblocation) - span.first
+                                 : n;
+    int8 *const gamete = flags.from(individ, span.first, parentgender);
+    std::copy(phase1, phase1 + fromphase1, gamete);
+    std::copy(phase2 + fromphase1, phase2 + n, gamete + fromphase1);
 }
 
 void copysireflags(state &s, int64 individ)
 {
-    array3<int8> &flags = s.editing.genedriveqtnpresence;
-    for (int64 g = 1; g <= flags.extent2().size(); ++g) flags(individ, g, 2) = flags(individ, g, 1);
+    driveflags &flags = s.editing.genedriveqtnpresence;
+    const int8 *const sireside = flags.from(individ, 1, 1);
+    std::copy(sireside, sireside + flags.nqtn(), flags.from(individ, 1, 2));
 }
 
 std::vector<drivesite> drivesites(const state &s, int64 chrom)
@@ -107,19 +114,14 @@ void genedriveedit(int64 phasewithgenedrive, int64 *fromsire, int64 *fromdam, in
 void writegenedriveinformation(const state &s, int64 currendgen)
 {
     const editingdata &edit = s.editing;
-    const array3<int8> &flags = edit.genedriveqtnpresence;
-    const int64 nindiv = s.pop.cumindivnbtogen(currendgen);
-    array1<int8> carries(nindiv); // 1 for an individual with any flag: few, and the table is wide
-    for (int64 g = 1; g <= flags.extent2().size(); ++g)
-        for (int64 k = 1; k <= 2; ++k)
-            for (int64 i = 1; i <= nindiv; ++i) carries(i) |= flags(i, g, k);
-
+    const driveflags &flags = edit.genedriveqtnpresence;
     outfile out("./SimulatedData/GeneDriveQtnPresence.txt");
     textline line;
     puta(line, "    IndividualID        QtnWithGeneDrive        PhaseWithGeneDrive", 70);
     out.writeline(line);
-    for (int64 i = 1; i <= nindiv; ++i) {
-        if (carries(i) == 0) continue;
+    for (int64 i = 1; i <= s.pop.cumindivnbtogen(currendgen); ++i) {
+        const int8 *const own = flags.from(i, 1, 1);
+        if (std::find(own, own + 2 * flags.nqtn(), 1) == own + 2 * flags.nqtn()) continue;
         for (int64 j = 1; j <= s.qtn.ntotqtn; ++j)
             for (int64 k = 1; k <= 2; ++k) {
                 if (flags(i, edit.qtnidsortedbyabsvalrecodedid(j), k) != 1) continue;

@@ -43,7 +43,8 @@ bool isdoubledhaploid(const state &s, int64 currentgen);
 void repeatsiregamete(state &s, dropwork &work, int64 individ);
 
 // What follows an individual's gametes: its count line, its de novo mutations, and the copy of a
-// doubled haploid's gamete (behind the mutations: one on gamete 1 is copied, one on gamete 2 gone).
+// doubled haploid's gamete (behind the mutations: one on gamete 1 is copied, one on gamete 2 gone)
+// and of its drive flags.
 void finishindividual(state &s, dropwork &work, int64 chrom, int64 currentgen, int64 individ,
                       int64 indivpos);
 

@@ -346,9 +346,8 @@ void checkreach(const specreader &r)
         (s.qtn.ntotqtnrecomb == 0 ||
          s.qtn.ntotqtnrecomb != s.founders.nchrom * s.qtn.nqtnrecombperchrom))
         failkey("numberofqtnperchromforrecombination");
-    const array3<int8> &drive = s.editing.genedriveqtnpresence;
-    if (s.editing.genedriveonoff &&
-        (drive.extent1().size() != s.pop.nindivp || drive.extent2().size() != s.qtn.nqtn))
+    const driveflags &flags = s.editing.genedriveqtnpresence;
+    if (s.editing.genedriveonoff && (flags.nindiv() != s.pop.nindivp || flags.nqtn() != s.qtn.nqtn))
         failkey("genedriveonoff");
 }
 } // namespace

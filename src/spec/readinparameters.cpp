@@ -59,7 +59,7 @@ void makegenedrivearray(specreader &r)
     const int64 nsites = r.s.founders.nchrom * r.s.qtn.nqtnperchrom;
     constexpr int64 maxbytes = int64{1} << 40;
     if (nsites > 0 && nindiv > maxbytes / 2 / nsites) failkey("genedriveonoff");
-    r.s.editing.genedriveqtnpresence.allocate(nindiv, nsites, 2);
+    r.s.editing.genedriveqtnpresence.allocate(nindiv, nsites);
     r.gdchecker = true;
 }
 

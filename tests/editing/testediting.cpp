@@ -8,8 +8,8 @@
 
 namespace
 {
-// Two chromosomes with three QTN each, generations of 4, 4 and 2 individuals; generation 3 is made
-// from 4 sires.
+// Two chromosomes with two and four QTN, generations of 4, 4 and 2 individuals; generation 3 is
+// made from 4 sires.
 class editing : public infolder
 {
   protected:
@@ -19,7 +19,8 @@ class editing : public infolder
         makepopulation(s, 2, {4, 4, 2});
         s.founders.nchrom = 2;
         s.qtn.nqtn = s.qtn.ntotqtn = 6;
-        s.qtn.nqtnonthischrom.allocate(2, 3);
+        s.qtn.nqtnonthischrom.allocate(2, 2);
+        s.qtn.nqtnonthischrom(2) = 4;
         s.pop.nsireinthisgen(2) = 4;
         s.editing.nindedited = 1;
         for (const char *folderpath : {"SimulatedData", "Chromosomes/Chromosome1",
@@ -44,30 +45,35 @@ TEST_F(editing, gainsbyhand)
     s.qtn.qtnmodel = 4;
     s.qtn.nqtngamma = 2; // the normal effects count all the same
     writefile("SimulatedData/RestrictedQtnAdditEffects.txt",
-              "title\n1 1 17 0.5 9\n2 1 60 -2 9\n3 1 61 0 9\n4 2 5 1 -9\n5 2 6 -0.4 9\n6 2 9 3 0\n");
+              "title\n1 1 17 0.5 9\n2 1 60 -2 9\n3 2 4 0 9\n4 2 5 1 -9\n5 2 6 -0.4 9\n6 2 9 3 0\n");
     writefile("Chromosomes/Chromosome1/RestrictedQtnAlleleFreqGeneration2.txt",
-              "1 17 0.2\n2 60 0.75\n3 61 0.3\n");
+              "1 17 0.2\n2 60 0.75\n");
     writefile("Chromosomes/Chromosome2/RestrictedQtnAlleleFreqGeneration2.txt",
-              "1 5 1\n2 6 0.2\n3 9 0.9\n");
+              "1 4 0.3\n2 5 1\n3 6 0.2\n4 9 0.9\n");
     runge(s, 1, 3);
     const auto gains = readlines("Selection/SelectionFolder1/QtnGeneticGainAlleleFreqGener3.txt");
-    const std::string list = "Selection/SelectionFolder1/RestrictedQtnSortedForGeneEditingGener3.txt";
-    EXPECT_EQ(gains[0], "QtnGlobalID        QtnChrom        QtnSeqIdOnChrom     QtnFavAllele        "
-                        "QtnFavAlleleFreq        QtnMeanChange       QtnNewFreq");
-    EXPECT_EQ(gains[2], "                   2                   1                  60               "
-                        "    0        0.2500000000       -0.3750000000        0.3437500000");
+    const std::string list =
+        "Selection/SelectionFolder1/RestrictedQtnSortedForGeneEditingGener3.txt";
+    EXPECT_EQ(gains[0],
+              "QtnGlobalID        QtnChrom        QtnSeqIdOnChrom     QtnFavAllele        "
+              "QtnFavAlleleFreq        QtnMeanChange       QtnNewFreq");
+    EXPECT_EQ(gains[2],
+              "                   2                   1                  60               "
+              "    0        0.2500000000       -0.3750000000        0.3437500000");
     const std::vector<std::vector<double>> wanted = {
         {1, 1, 17, 1, 0.2, 0.1, 0.3},    {2, 1, 60, 0, 0.25, -0.375, 0.34375},
-        {3, 1, 61, 0, 0.7, 0, 0.7375},   {4, 2, 5, 1, 1, 0, 1},
+        {3, 2, 4, 0, 0.7, 0, 0.7375},    {4, 2, 5, 1, 1, 0, 1},
         {5, 2, 6, 0, 0.8, -0.02, 0.825}, {6, 2, 9, 1, 0.9, 0.075, 0.9125}};
     for (std::size_t q = 0; q < 6; ++q) EXPECT_EQ(numbersof(gains[q + 1]), wanted[q]);
-    EXPECT_EQ(readlines(list)[0],
-              "              LineId         GlobalQtnId             ChromId     QtnSeqIdOnChrom      "
-              "QtnEffPos1Neg0    IndivMutIndicator    GeneticGain    NewFreq");
+    EXPECT_EQ(
+        readlines(list)[0],
+        "              LineId         GlobalQtnId             ChromId     QtnSeqIdOnChrom      "
+        "QtnEffPos1Neg0    IndivMutIndicator    GeneticGain    NewFreq");
 
-    for (array1<int64> *a : {&s.editing.qtnidsortedbyabsval, &s.editing.qtnidsortedbyabsvalchrom,
-                             &s.editing.qtnidsortedbyabsvalrecodedid, &s.editing.qtnforgeneditposneg,
-                             &s.editing.qtnidsortedbyabsvalmutindivid})
+    for (array1<int64> *a :
+         {&s.editing.qtnidsortedbyabsval, &s.editing.qtnidsortedbyabsvalchrom,
+          &s.editing.qtnidsortedbyabsvalrecodedid, &s.editing.qtnforgeneditposneg,
+          &s.editing.qtnidsortedbyabsvalmutindivid})
         a->allocate(6);
     readeditlist(s, 1, 3);
     const array1<int64> &ids = s.editing.qtnidsortedbyabsvalrecodedid;
@@ -95,11 +101,12 @@ TEST_F(editing, gainsbyhand)
 // source changes; by hand, with chromosome 2 holding QTN 4 to 6 at sites 100, 130 and 50.
 TEST_F(editing, flagsfollowthegamete)
 {
+    s.qtn.nqtnonthischrom.allocate(2, 3);
     s.editing.genedriveonoff = true;
-    s.editing.genedriveqtnpresence.allocate(10, 6, 2);
+    s.editing.genedriveqtnpresence.allocate(10, 6);
     s.pedi.ped(9).newsire = 5;
     s.pedi.ped(9).newdam = 6;
-    array3<int8> &flags = s.editing.genedriveqtnpresence;
+    driveflags &flags = s.editing.genedriveqtnpresence;
     for (int64 q = 1; q <= 6; ++q) flags(5, q, 1) = flags(6, q, 2) = 1;
     editingdata &edit = s.editing;
     edit.qtnidsortedbyabsval.allocate(6);

@@ -84,7 +84,10 @@ TEST_F(NextParents, PlantsRegardlessOfGender)
     // Crossed at random: both calls, then no individual is both parents of another.
     s.pop.nselfedparinthisgen(2) = 0;
     s.pop.nrandparinthisgen(2) = 3;
+    s.editing.geneditonoff = true;
+    s.editing.indivtobeedited.allocate(4); // more than are chosen: nobody on the last place
     selectnextparentstruncat(s, 3, 1, 3);
+    EXPECT_EQ(s.editing.indivtobeedited(4), 0);
     selectnextparentstruncat(s, 3, 2, 3);
     std::vector<int64> sires = siresof(s, 3), dams = damsof(s, 3);
     for (std::size_t r = 0; r < sires.size(); ++r) EXPECT_NE(sires[r], dams[r]) << r;

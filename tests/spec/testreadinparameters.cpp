@@ -397,8 +397,8 @@ TEST_F(readinparametersspec, schemesandsetups)
     EXPECT_EQ(r.s.pop.cumindivnbtogen(5), 150);
     EXPECT_EQ(r.s.editing.genomeeditqtnpos.extent1().hi, 3);
     EXPECT_EQ(r.s.editing.genomeeditqtnpos.extent2().hi, 2);
-    EXPECT_EQ(r.s.editing.genedriveqtnpresence.extent1().hi, 150);
-    EXPECT_EQ(r.s.editing.genedriveqtnpresence.extent2().hi, 20);
+    EXPECT_EQ(r.s.editing.genedriveqtnpresence.nindiv(), 150);
+    EXPECT_EQ(r.s.editing.genedriveqtnpresence.nqtn(), 20);
 
     // One generation in all: the arrays of parents have one entry that nothing reads.
     r = readpassing(changed("NumberGenerationsBurnIn,1; NumberGenerationsSelection,0"));
