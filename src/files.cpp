@@ -546,6 +546,74 @@ void infile::alleles(int8 *values, int64 n)
     }
 }
 
+// ---------------------------------------------------------------------------- recordfile
+
+void recordfile::open(const std::string &filename)
+{
+    close();
+    name = filename;
+    descriptor = openchecked(name, O_RDONLY);
+    buffer.resize(buffersize / 4);
+    starts.assign(1, 0);
+    scanned = bufferstart = filled = 0;
+    ended = false;
+}
+
+void recordfile::close()
+{
+    if (descriptor >= 0) ::close(std::exchange(descriptor, -1));
+}
+
+// Fills the buffer from an offset of the file on, as far as the file goes.
+void recordfile::load(int64 offset)
+{
+    bufferstart = offset;
+    filled = 0;
+    while (filled < static_cast<int64>(buffer.size())) {
+        const ssize_t got =
+            ::pread(descriptor, buffer.data() + filled,
+                    buffer.size() - static_cast<std::size_t>(filled), offset + filled);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) ioerrno(name, "can't read");
+        if (got == 0) break;
+        filled += got;
+    }
+}
+
+void recordfile::findlineends()
+{
+    load(scanned);
+    const char *p = buffer.data();
+    const char *const end = p + filled;
+    while (const void *found = std::memchr(p, '\n', static_cast<std::size_t>(end - p))) {
+        p = static_cast<const char *>(found) + 1;
+        starts.push_back(bufferstart + (p - buffer.data()));
+    }
+    scanned += filled;
+    if (filled == static_cast<int64>(buffer.size())) return;
+    ended = true;
+    if (scanned > starts.back()) starts.push_back(scanned + 1); // as if its line end were there
+}
+
+std::string_view recordfile::line(int64 n)
+{
+    while (static_cast<int64>(starts.size()) <= n && !ended) findlineends();
+    if (static_cast<int64>(starts.size()) <= n)
+        ioerror(name, "holds " + std::to_string(starts.size() - 1) + " lines where line " +
+                          std::to_string(n) + " is needed");
+    const int64 start = starts[static_cast<std::size_t>(n - 1)];
+    int64 length = starts[static_cast<std::size_t>(n)] - start - 1;
+    if (start < bufferstart || start + length > bufferstart + filled) {
+        if (length > static_cast<int64>(buffer.size()))
+            buffer.resize(static_cast<std::size_t>(length));
+        load(start);
+        if (filled < length) ioerror(name, "was cut while it was read");
+    }
+    const char *const text = buffer.data() + (start - bufferstart);
+    if (length > 0 && text[length - 1] == '\r') --length;
+    return {text, static_cast<std::size_t>(length)};
+}
+
 // ---------------------------------------------------------------------------- framed records
 
 framewriter::framewriter(outfile &file, int64 nbytes, int64 limit)
@@ -714,4 +782,53 @@ void framereader::finish()
     if (remaining != 0 || inframe != 0 || more)
         ioerror(name, "a binary record is longer than expected");
     endframe();
+}
+
+int64 lengthofrecord(const std::string &filename)
+{
+    const int descriptor = openchecked(filename, O_RDONLY);
+    int64 offset = 0, nbytes = 0;
+    const auto mark = [&] {
+        std::int32_t length = 0;
+        const bool got = ::pread(descriptor, &length, 4, offset) == 4;
+        offset += 4;
+        return static_cast<int64>(got ? length : 0);
+    };
+    bool sound = true;
+    for (bool more = true; more && sound;) {
+        const int64 leading = mark(), n = std::abs(leading);
+        offset += n;
+        nbytes += n;
+        sound = std::abs(mark()) == n;
+        more = leading < 0;
+    }
+    struct stat status {
+    };
+    const bool whole = ::fstat(descriptor, &status) == 0 && status.st_size == offset;
+    ::close(descriptor);
+    if (!sound || !whole) ioerror(filename, "does not hold one whole binary record");
+    return nbytes;
+}
+
+bool samecontent(const std::string &filename1, const std::string &filename2)
+{
+    const int descriptors[2] = {openchecked(filename1, O_RDONLY), openchecked(filename2, O_RDONLY)};
+    std::vector<char> chunks[2] = {std::vector<char>(buffersize), std::vector<char>(buffersize)};
+    const auto fillchunk = [&](int i) {
+        std::size_t n = 0;
+        while (n < buffersize) {
+            const std::size_t got = readchecked(descriptors[i], i == 0 ? filename1 : filename2,
+                                                chunks[i].data() + n, buffersize - n);
+            if (got == 0) break;
+            n += got;
+        }
+        return n;
+    };
+    bool same = true;
+    for (std::size_t n = buffersize; same && n == buffersize;) {
+        n = fillchunk(0);
+        same = fillchunk(1) == n && std::memcmp(chunks[0].data(), chunks[1].data(), n) == 0;
+    }
+    for (const int descriptor : descriptors) ::close(descriptor);
+    return same;
 }

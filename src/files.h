@@ -138,6 +138,37 @@ class infile
     const char *lineend = nullptr;
 };
 
+// A file whose lines are read in any order, by their numbers from 1. Line ends are found once each,
+// as far as they are needed; that takes 8 bytes of memory for each line.
+class recordfile
+{
+  public:
+    recordfile() = default;
+    recordfile(const recordfile &) = delete;
+    recordfile &operator=(const recordfile &) = delete;
+    ~recordfile() { close(); }
+
+    // The file must exist.
+    void open(const std::string &filename);
+    void close();
+    bool isopen() const { return descriptor >= 0; }
+    const std::string &path() const { return name; }
+    // The text of line n without its line end, valid until the next call. An I/O error if the file
+    // holds fewer lines.
+    std::string_view line(int64 n);
+
+  private:
+    void load(int64 offset);
+    void findlineends();
+    int descriptor = -1;
+    std::string name;
+    std::vector<int64> starts; // offset of line n at place n - 1; of the end behind the last line
+    int64 scanned = 0;         // up to here line ends have been looked for
+    bool ended = false;        // they all have been found
+    std::vector<char> buffer;
+    int64 bufferstart = 0, filled = 0; // offset in the file of the buffer's bytes, their number
+};
+
 // Framed binary records: the length in bytes as a 32-bit little-endian integer before and after
 // the data. A record above the limit goes on in sub-records: a negative leading length says that
 // the record goes on in another frame, a negative trailing length that it continues an earlier.
@@ -239,3 +270,10 @@ class framereader
 
 // A whole record of a file at once.
 void writeframed(outfile &out, const void *bytes, int64 nbytes);
+
+// Whether two files, which must exist, hold the same bytes.
+bool samecontent(const std::string &filename1, const std::string &filename2);
+
+// Bytes of the one record that a file consists of, by the marks of its frames. An I/O error if the
+// file is cut or holds more.
+int64 lengthofrecord(const std::string &filename);

@@ -22,7 +22,7 @@ int interruptof(int status)
 }
 } // namespace
 
-bool runshell(const std::string &command, std::string_view routine)
+bool tryshell(const std::string &command)
 {
     std::fflush(stdout); // what the command prints comes after what we printed
     const int status = std::system(command.c_str());
@@ -31,10 +31,23 @@ bool runshell(const std::string &command, std::string_view routine)
             std::signal(signal, SIG_DFL);
             std::raise(signal);
         }
-        if (WIFEXITED(status) && WEXITSTATUS(status) == 0) return true;
+        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
     }
+    return false;
+}
+
+bool runshell(const std::string &command, std::string_view routine)
+{
+    if (tryshell(command)) return true;
     printline("failure : Solvanto : " + std::string(routine));
     return false;
+}
+
+std::string shellword(std::string_view text)
+{
+    std::string word = "'";
+    for (const char c : text) word += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return word + "'";
 }
 
 bool folderexists(const std::string &path)

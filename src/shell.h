@@ -9,6 +9,10 @@
 // A command that the user interrupted (SIGINT, SIGQUIT) ends this process by the same signal,
 // since the interpreter's wait hides it from the caller.
 bool runshell(const std::string &command, std::string_view routine);
+// The same without a line of its own after a failure.
+bool tryshell(const std::string &command);
+// A text as one word of a command, whatever its characters.
+std::string shellword(std::string_view text);
 
 // Whether a folder of that name exists.
 bool folderexists(const std::string &path);

@@ -269,8 +269,8 @@ inline generationspan burningenerations(const state &s)
     return {s.run.specstartgen, s.run.specendgen < s.pop.ngen ? s.run.specendgen : s.pop.ngen};
 }
 
-// Folder of a chromosome: "./Chromosomes/Chromosome<h>/".
-inline std::string chromfolder(int64 chrom)
+// Folder of a chromosome: "./Chromosomes/Chromosome<h>/", or that of another run.
+inline std::string chromfolder(int64 chrom, const std::string &runfolder = ".")
 {
-    return "./Chromosomes/Chromosome" + std::to_string(chrom) + "/";
+    return runfolder + "/Chromosomes/Chromosome" + std::to_string(chrom) + "/";
 }

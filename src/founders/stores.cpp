@@ -29,16 +29,16 @@ void releasechromarrays(state &s)
 
 namespace
 {
-void readsitesincluded(state &s, int64 chrom)
+void readsitesincluded(state &s, int64 chrom, const std::string &folder)
 {
-    infile in(chromfolder(chrom) + "SegSitesIncluded.txt");
+    infile in(folder + "SegSitesIncluded.txt");
     in.record();
     s.sites.nsegreginclglobal(chrom) = in.integer();
 }
 
-void readqtnmutationsandsnp(state &s, int64 chrom)
+void readqtnmutationsandsnp(state &s, int64 chrom, const std::string &folder)
 {
-    infile in(chromfolder(chrom) + "NbOfQtnMutationsAndSnp.txt");
+    infile in(folder + "NbOfQtnMutationsAndSnp.txt");
     const auto row = [&](array1<int64> &nqtnofset) {
         in.record();
         nqtnofset(chrom) = in.integer();
@@ -54,10 +54,10 @@ void readqtnmutationsandsnp(state &s, int64 chrom)
                     numbertext(s.sites.ndenovomutperchr) + " mutations per chromosome");
 }
 
-void readdenovoinfo(state &s, int64 chrom)
+void readdenovoinfo(state &s, int64 chrom, const std::string &folder)
 {
     if (s.sites.nmutinclglobal(chrom) <= 0) return;
-    infile in(chromfolder(chrom) + "MutDeNovoInfo.txt");
+    infile in(folder + "MutDeNovoInfo.txt");
     for (int64 j = 1; j <= s.sites.nmutinclglobal(chrom); ++j) {
         in.record();
         for (int64 field = 1; field <= 5; ++field)
@@ -65,9 +65,9 @@ void readdenovoinfo(state &s, int64 chrom)
     }
 }
 
-void readindivmutindicator(state &s, int64 chrom)
+void readindivmutindicator(state &s, int64 chrom, const std::string &folder)
 {
-    infile in(chromfolder(chrom) + "MutIndivIndicator.txt");
+    infile in(folder + "MutIndivIndicator.txt");
     int64 nrows = 0;
     while (in.nextrecord()) {
         if (in.line().find_first_not_of(" \t") == std::string_view::npos) continue;
@@ -98,13 +98,14 @@ void computetotals(state &s)
 }
 } // namespace
 
-void readsegsitesdatafromallchrom(state &s)
+void readsegsitesdatafromallchrom(state &s, const std::string &runfolder)
 {
     for (int64 chrom = 1; chrom <= s.founders.nchrom; ++chrom) {
-        readsitesincluded(s, chrom);
-        readqtnmutationsandsnp(s, chrom);
-        readdenovoinfo(s, chrom);
-        readindivmutindicator(s, chrom);
+        const std::string folder = chromfolder(chrom, runfolder);
+        readsitesincluded(s, chrom, folder);
+        readqtnmutationsandsnp(s, chrom, folder);
+        readdenovoinfo(s, chrom, folder);
+        readindivmutindicator(s, chrom, folder);
     }
     computetotals(s);
 }

@@ -33,7 +33,8 @@ void releasechromarrays(state &s);
 //   nsnp           markers of the selection chip tmpchip over all chromosomes; 0 while no chip
 //                  has been named for selection
 //   nsnpforsel     nsnp, + ntotqtn when chips are used and QTN are added to the selection chip
-void readsegsitesdatafromallchrom(state &s);
+// runfolder: where the stores lie, the working folder unless a merge looks at another run's.
+void readsegsitesdatafromallchrom(state &s, const std::string &runfolder = ".");
 
 // Fills inclsnpid, inclphysicalmap, inclmutindicator and inclmutindicatorindivid (nsegregincl
 // entries, made by the caller, who has set nsegregincl) from PhysicalMapIncluded.txt of the

@@ -3,6 +3,7 @@
 #include "founders/stores.h"
 #include "haplotypes/blocks.h"
 #include "haplotypes/burningeneration.h"
+#include "haplotypes/droplines.h"
 #include "markers/chips.h"
 #include "markers/extraction.h"
 #include "pedigree/pedigree.h"
@@ -56,7 +57,7 @@ void drophaploburninandmakearrays(state &s)
     allocatearraysfordrophaploburnin(s, "AllChrom");
     readpedigreegender(s);
     readsegsitesdatafromallchrom(s);
-    outfile locations("./SimulatedData/GlobalRecombLocationMax.txt");
+    outfile locations(highestcrossingsfile);
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         dropchromosome(s, h, span);
         locations.writeline(freeline(h, s.haplo.globalrecomblocationmax(h)));

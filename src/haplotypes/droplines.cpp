@@ -7,8 +7,7 @@
 
 void opendrop(state &s, dropwork &work, int64 chrom, int64 startindiv)
 {
-    work.tracking.openandkeep(chromfolder(chrom) + "RecombinationTracking.txt",
-                              2 * (startindiv - 1));
+    work.tracking.openandkeep(trackingfile(chrom), 2 * (startindiv - 1));
     work.counts.openandkeep(recombinationcounts, startindiv - 1);
     work.recomblocation.allocate(s.haplo.nblock, -99);
 }

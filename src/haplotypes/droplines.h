@@ -16,6 +16,8 @@
 #include <vector>
 
 constexpr const char *recombinationcounts = "SimulatedData/RecombinationCount.txt";
+// One free-form line per chromosome: chromosome, highest crossing site met so far.
+constexpr const char *highestcrossingsfile = "./SimulatedData/GlobalRecombLocationMax.txt";
 
 // The open files of a drop and its working space.
 struct dropwork {
@@ -57,6 +59,11 @@ std::vector<int64> parentsbetween(const state &s, int64 startindiv, int64 endind
 // nblock blocks: ids[r] goes to place r + 1 of g, which is made anew. Only the files of their
 // generations are read, one block of a generation at a time.
 void readgenomesof(const state &s, int64 chrom, const std::vector<int64> &ids, genomestore &g);
+
+inline std::string trackingfile(int64 chrom)
+{
+    return chromfolder(chrom) + "RecombinationTracking.txt";
+}
 
 inline std::string genomefile(int64 chrom, int64 gen)
 {

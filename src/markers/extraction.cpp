@@ -41,11 +41,18 @@ void writesnpchipsandqtnfiles(const state &s, const std::string &phasefile,
     genotypes.close();
 }
 
-// The sums were taken while the genotypes were written.
-void computeqtnallelefrequency(const std::string &path, const sitelist &sites,
-                               const std::vector<int64> &sums, int64 nindiv)
+std::string generationfile(int64 chrom, const std::string &name, int64 gen, const char *ending)
 {
-    outfile out(path);
+    return chromfolder(chrom) + name + "Generation" + numbertext(gen) + ending;
+}
+
+} // namespace
+
+// The sums are taken while the genotypes are written.
+void writeqtnallelefrequency(int64 chrom, const std::string &set, int64 gen, const sitelist &sites,
+                             const std::vector<int64> &sums, int64 nindiv)
+{
+    outfile out(generationfile(chrom, set + "AlleleFreq", gen, ".txt"));
     textline line;
     for (std::size_t q = 0; q < sites.size(); ++q) {
         puti(line, static_cast<int64>(q) + 1, 20);
@@ -56,11 +63,8 @@ void computeqtnallelefrequency(const std::string &path, const sitelist &sites,
     out.close();
 }
 
-std::string generationfile(int64 chrom, const std::string &name, int64 gen, const char *ending)
+namespace
 {
-    return chromfolder(chrom) + name + "Generation" + numbertext(gen) + ending;
-}
-
 void fillqtn(const state &s, const char *information, const std::string &name, int64 chrom,
              int64 currentgen, int64 startindiv, int64 endindiv, int64 nsites, int64 nsnponarray)
 {
@@ -69,8 +73,7 @@ void fillqtn(const state &s, const char *information, const std::string &name, i
     writesnpchipsandqtnfiles(s, generationfile(chrom, name + "Phase", currentgen, ".txt"),
                              generationfile(chrom, name + "Genotype", currentgen, ".txt"), sites,
                              startindiv, endindiv, sums);
-    computeqtnallelefrequency(generationfile(chrom, name + "AlleleFreq", currentgen, ".txt"), sites,
-                              sums, endindiv - startindiv + 1);
+    writeqtnallelefrequency(chrom, name, currentgen, sites, sums, endindiv - startindiv + 1);
 }
 } // namespace
 

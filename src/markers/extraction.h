@@ -20,6 +20,7 @@
 // Cost: the picking of the sites is hidden behind the writing, see sitepicker.h.
 #pragma once
 
+#include "markers/sitesets.h"
 #include "state.h"
 
 void fillarray(const state &s, int64 chrom, int64 chip, int64 currentgen, int64 startindiv,
@@ -30,6 +31,12 @@ void fillqtnrestricted(const state &s, int64 chrom, int64 currentgen, int64 star
                        int64 endindiv, int64 nblock, int64 nloci, int64 nsnponarray);
 void fillqtnrecombination(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
                           int64 endindiv, int64 nblock, int64 nloci, int64 nsnponarray);
+
+// Frequencies of allele 1 at the sites of a QTN set ("UnrestrictedQtn", ...) in a generation.
+//   sums    copies of allele 1 per site
+//   nindiv  individuals of the generation
+void writeqtnallelefrequency(int64 chrom, const std::string &set, int64 gen, const sitelist &sites,
+                             const std::vector<int64> &sums, int64 nindiv);
 
 // The two sequence files.
 void writeoutindivphase(const state &s, int64 chrom, int64 currentgen, int64 startindiv,

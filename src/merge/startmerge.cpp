@@ -1,8 +1,33 @@
 #include "merge/startmerge.h"
 
+#include "merge/mergedirectories.h"
+#include "merge/mergeruns.h"
 #include "stops.h"
 #include "textlayout.h"
 #include "words.h"
+
+namespace
+{
+void stopifnolist(const state &s)
+{
+    if (s.run.numberofmergeruns < 1) {
+        printline("ERROR: A merge needs NumberOfMergeRuns, the number of folders to take "
+                  "individuals from, to be positive");
+        stopwithcode(47);
+    }
+    if (trim(s.run.mergefiles).empty()) {
+        printline("ERROR: A merge needs MergeFiles, the name of the list of folders");
+        stopwithcode(48);
+    }
+}
+
+[[noreturn]] void finish(const char *message)
+{
+    printline("");
+    printline(message);
+    plainstop(0);
+}
+} // namespace
 
 void startmerge(state &s)
 {
@@ -11,10 +36,15 @@ void startmerge(state &s)
         printline("");
         return;
     }
-    if (types == "ids" || types == "directories") {
-        printline("ERROR: Merging runs is not available in this version of Solvanto; "
-                  "MergeTypes must be None");
-        plainstop();
+    if (types == "ids") {
+        stopifnolist(s);
+        mergeruns(s);
+        finish("Merge has been successful! Please re-run Solvanto from generation two.");
+    }
+    if (types == "directories") {
+        stopifnolist(s);
+        mergedirectories(s);
+        finish("Merge has been successful! Please run Solvanto from the next generation.");
     }
     printline("MergeTypes is incorrectly set, please check your specfile " + s.run.mergetypes);
     plainstop();

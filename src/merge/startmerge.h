@@ -3,7 +3,8 @@
 
 #include "state.h"
 
-// none: prints an empty line and returns, so that the run goes on. A merge that this version
-// can't do, and a setting that is no merge type (a missing one included), print a message and
-// make a plain stop.
+// none: prints an empty line and returns, so that the run goes on. ids, directories: the merge, its
+// closing message and a plain stop of status 0. A setting that is no merge type (a missing one
+// included): a message and a plain stop.
+// Stops: those of the merges; 47, 48: no folders, or no list of them, are named.
 void startmerge(state &s);

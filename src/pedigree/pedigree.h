@@ -7,6 +7,10 @@
 //                            oldglobalid, newid, newsire, newdam, path
 //   Gender.txt               3I20: generation, row, gender (1 male, 2 female)
 //   NbOfIndivInEachGen.txt   I4,3I20: generation, individuals, males, females
+//
+// The merge of individuals by a list leaves rows of four columns in Pedigree.txt, 4I20: generation,
+// row, 0, 0. They stay as they are when later runs add theirs, and are read as individuals with
+// unknown parents.
 #pragma once
 
 #include "state.h"
@@ -50,8 +54,20 @@ class pedigreeindex
     std::unordered_map<int64, int64> rows;
 };
 
-// A line of Pedigree.txt, in the file's layout, put into a row. The row isn't marked as filled.
-void readpedigreeline(infile &in, pedigreeline &row);
+// The next line of Pedigree.txt, in the file's layout, put into a row, which is number rownumber of
+// the table: the newid of a line of four columns. The row isn't marked as filled.
+void readpedigreeline(infile &in, pedigreeline &row, int64 rownumber);
+
+// Title and line of Pedigree.txt.
+void putpedigreetitle(textline &line);
+void putpedigreeline(textline &line, const pedigreeline &row);
+// Writes a whole Pedigree.txt of n individuals of generation 1 in lines of four columns.
+void writefourcolumns(int64 n);
+
+// Title and line of NbOfIndivInEachGen.txt.
+constexpr const char *generationtitle =
+    " Gen     nIndivInThisGen       nMalInThisGen       nFemInThisGen";
+void putgenerationline(textline &line, int64 gen, int64 nindiv, int64 nmal, int64 nfem);
 
 // Fills ped and globalgender up to generation specendgen, the three counts per generation and
 // cumindivnbtogen from the files. With an external pedigree the genders stay as they are.

@@ -77,7 +77,7 @@ void readearlierrows(state &s)
 {
     infile in(pedigreetable);
     in.skiprecords(1);
-    for (int64 i = 1; i <= rowsofearlierruns(s); ++i) readpedigreeline(in, s.pedi.ped(i));
+    for (int64 i = 1; i <= rowsofearlierruns(s); ++i) readpedigreeline(in, s.pedi.ped(i), i);
 }
 
 void readearliergenders(state &s)
@@ -232,16 +232,14 @@ void writegenerationcounts(const state &s)
     outfile out;
     if (s.run.specstartgen == 1) {
         out.open(generationtable);
-        out.writeline(" Gen     nIndivInThisGen       nMalInThisGen       nFemInThisGen");
+        out.writeline(generationtitle);
     } else {
         out.openandkeep(generationtable, s.run.specstartgen);
     }
     textline line;
     for (int64 j = s.run.specstartgen; j <= s.run.specendgen; ++j) {
-        puti(line, j, 4);
-        puti(line, s.pop.nindivinthisgen(j), 20);
-        puti(line, s.pop.nmalinthisgen(j), 20);
-        puti(line, s.pop.nfeminthisgen(j), 20);
+        putgenerationline(line, j, s.pop.nindivinthisgen(j), s.pop.nmalinthisgen(j),
+                          s.pop.nfeminthisgen(j));
         out.writeline(line);
     }
     out.close();

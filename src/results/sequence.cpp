@@ -10,7 +10,7 @@
 
 namespace
 {
-const std::string sequencefile = "./SimulatedData/FullSequence";
+constexpr const char *sequencemapfile = "./SimulatedData/FullSequencePhysicalMapIncluded.txt";
 constexpr int64 titlelength = 50 + 1;
 
 int64 countsites(const state &s)
@@ -68,7 +68,7 @@ void gathergeneration(const state &s, int64 gen, individualrows &rows)
 // The map file is left empty before the last generation of the simulation.
 void writemap(const state &s, int64 lasttmpgen)
 {
-    outfile out(sequencefile + "PhysicalMapIncluded.txt");
+    outfile out(sequencemapfile);
     if (lastgenisreached(s, lasttmpgen)) {
         for (int64 h = 1; h <= s.founders.nchrom; ++h) {
             infile in(chromfolder(h) + "PhysicalMapIncluded.txt");
@@ -89,9 +89,8 @@ void writeoutsequence(state &s, int64 firsttmpgen, int64 lasttmpgen)
     allocatearraysforwriteoutsnpseq(s);
     const int64 totalsites = countsites(s);
     outfile phases, genotypes;
-    openresultfile(phases, s, sequencefile + "Phase.txt", firsttmpgen, 2, totalsites, titlelength);
-    openresultfile(genotypes, s, sequencefile + "Genotype.txt", firsttmpgen, 1, totalsites,
-                   titlelength);
+    openresultfile(phases, s, sequencephasefile, firsttmpgen, 2, totalsites, titlelength);
+    openresultfile(genotypes, s, sequencegenotypefile, firsttmpgen, 1, totalsites, titlelength);
     if (firsttmpgen == 1) {
         textline title;
         puti(title, totalsites, 50);
@@ -118,8 +117,8 @@ void zipsequenceoutputfiles(state &s, int64 firsttmpgen, int64 lasttmpgen)
         }
     }
     if (!lastgenisreached(s, lasttmpgen)) return;
-    zip(sequencefile + "Phase.txt");
-    zip(sequencefile + "Genotype.txt");
-    zip(sequencefile + "PhysicalMapIncluded.txt");
+    zip(sequencephasefile);
+    zip(sequencegenotypefile);
+    zip(sequencemapfile);
     zip("./SimulatedData/AllIndividualsSnpChips/*");
 }

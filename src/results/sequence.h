@@ -13,6 +13,9 @@
 
 #include "state.h"
 
+constexpr const char *sequencephasefile = "./SimulatedData/FullSequencePhase.txt";
+constexpr const char *sequencegenotypefile = "./SimulatedData/FullSequenceGenotype.txt";
+
 // Gathers generations firsttmpgen to lasttmpgen. Draws, stops: none. A file that is missing, too
 // short or malformed is an I/O error. The files of one generation are open at a time.
 void writeoutsequence(state &s, int64 firsttmpgen, int64 lasttmpgen);

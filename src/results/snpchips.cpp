@@ -8,8 +8,6 @@
 
 namespace
 {
-const std::string folder = "./SimulatedData/AllIndividualsSnpChips";
-
 int64 countsnp(const state &s, int64 chip)
 {
     int64 nsnp = 0;
@@ -89,13 +87,12 @@ void writesnpmap(const state &s, int64 chip)
 void writeoutsnpchips(state &s, int64 firsttmpgen, int64 lasttmpgen)
 {
     allocatearraysforwriteoutsnpseq(s);
-    if (s.run.specstartgen == 1) runshell("mkdir " + folder, "WriteOutSnpChips");
+    if (s.run.specstartgen == 1) runshell(std::string("mkdir ") + chipfolder, "WriteOutSnpChips");
     for (int64 e = 1; e <= s.chips.nchip; ++e) {
-        const std::string name = folder + "/Chip" + numbertext(e);
         const int64 nsnp = countsnp(s, e);
         outfile phases, genotypes;
-        openresultfile(phases, s, name + "Phase.txt", firsttmpgen, 2, nsnp, 0);
-        openresultfile(genotypes, s, name + "Genotype.txt", firsttmpgen, 1, nsnp, 0);
+        openresultfile(phases, s, chipphasefile(e), firsttmpgen, 2, nsnp, 0);
+        openresultfile(genotypes, s, chipgenotypefile(e), firsttmpgen, 1, nsnp, 0);
         individualrows rows(phases, genotypes, nsnp);
         for (int64 j = firsttmpgen; j <= lasttmpgen; ++j) gathergeneration(s, e, j, rows);
         phases.close();

@@ -13,6 +13,16 @@
 
 #include "state.h"
 
+constexpr const char *chipfolder = "./SimulatedData/AllIndividualsSnpChips";
+inline std::string chipphasefile(int64 chip)
+{
+    return std::string(chipfolder) + "/Chip" + std::to_string(chip) + "Phase.txt";
+}
+inline std::string chipgenotypefile(int64 chip)
+{
+    return std::string(chipfolder) + "/Chip" + std::to_string(chip) + "Genotype.txt";
+}
+
 // Gathers generations firsttmpgen to lasttmpgen. Individuals are numbered by the counts; the
 // numbers in the files per chromosome are dropped.
 // Draws, stops: none. A file that is missing, too short or malformed is an I/O error. A folder that

@@ -66,14 +66,13 @@ double samplevariance(const state &s, const array3<double> &values, int64 gen, i
 
 void writevariances(const state &s, int64 currentgen)
 {
-    const std::string path = "./SimulatedData/TotalGenicAndGeneticVariancesPerGeneration.txt";
     const valuedata &v = s.values;
     outfile out;
     if (currentgen == 1) {
-        out.open(path);
+        out.open(variancetable);
         out.writeline(variancetitle(s.traits.ntraits));
     } else {
-        out.openandkeep(path, 1 + (currentgen - 1) * s.qtn.nqtnmodels);
+        out.openandkeep(variancetable, 1 + (currentgen - 1) * s.qtn.nqtnmodels);
     }
     textline line;
     for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {

@@ -3,6 +3,9 @@
 
 #include "state.h"
 
+constexpr const char *variancetable =
+    "./SimulatedData/TotalGenicAndGeneticVariancesPerGeneration.txt";
+
 // Genic: the sum over QTN of 2 p q alpha^2, and of (2 p q d)^2 for dominance, with the fixed
 // effects and the frequencies of this generation alone, from the per-chromosome
 // ...QtnAlleleFreqGeneration<g>.txt: what loci that are independent would give. Genetic: the

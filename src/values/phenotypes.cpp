@@ -10,9 +10,6 @@
 
 namespace
 {
-constexpr const char *valuetable = "./SimulatedData/PedigreeTbvTdvTpv.txt";
-constexpr const char *meanstable = "./SimulatedData/GeneticMeansPerGeneration.txt";
-
 std::string labelgroup(const state &s, const char *value)
 {
     // The fourth label has an a more than the third.

@@ -3,6 +3,9 @@
 
 #include "state.h"
 
+constexpr const char *valuetable = "./SimulatedData/PedigreeTbvTdvTpv.txt";
+constexpr const char *meanstable = "./SimulatedData/GeneticMeansPerGeneration.txt";
+
 // For generation currentgen, individuals startindiv to endindiv, whose tbv and tdv are complete:
 // tev from the Cholesky factors in SimulatedData/TraitVarianceComponentsResidualCholQtnModel<p>.txt
 // (always read back into cholcove, so a run that goes on later keeps the residual variances of

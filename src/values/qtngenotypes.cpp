@@ -48,8 +48,7 @@ void writegenotypes(const genotypeset &set, int64 startindiv)
 {
     const int64 nindiv = set.genos.extent1().size(), n = set.genos.extent2().size();
     outfile out;
-    out.openandkeepfixed(std::string("./SimulatedData/") + set.name + "QtnIndivGenotypes.txt",
-                         startindiv - 1, 20 + 2 * n + 1);
+    out.openandkeepfixed(qtngenotypefile(set.name), startindiv - 1, 20 + 2 * n + 1);
     std::vector<int8> rows(static_cast<std::size_t>(rowtile * n));
     textline id;
     for (int64 k = 1; k <= nindiv; k += rowtile) {
@@ -91,11 +90,11 @@ void writefixedqtn(state &s, int64 currentgen)
     outfile out;
     textline line;
     if (currentgen == 1) {
-        out.open("./SimulatedData/FixedQtn.txt");
+        out.open(fixedqtntable);
         puta(line, "          Generation         GlobalQtnId         FixedYes0No1", 61);
         out.writeline(line);
     } else {
-        out.openandkeep("./SimulatedData/FixedQtn.txt", 1 + (currentgen - 1) * s.qtn.ntotqtn);
+        out.openandkeep(fixedqtntable, 1 + (currentgen - 1) * s.qtn.ntotqtn);
     }
     for (int64 q = 1; q <= s.qtn.ntotqtn; ++q) {
         int64 sum = 0;

@@ -3,6 +3,15 @@
 
 #include "state.h"
 
+#include <string>
+
+constexpr const char *fixedqtntable = "./SimulatedData/FixedQtn.txt";
+// File of the genotypes of a QTN set: Unrestricted, Restricted or Recombination.
+inline std::string qtngenotypefile(const std::string &set)
+{
+    return "./SimulatedData/" + set + "QtnIndivGenotypes.txt";
+}
+
 // Fills allqtngenosunres and allqtngenosrestr (nindivinsimulrun, ntotqtn), and with recombselonoff
 // allqtngenosrecomb, for the individuals startindiv to endindiv, who are the whole of generation
 // currentgen, from Chromosomes/Chromosome<h>/...QtnGenotypeGeneration<g>.txt. Genotype: 0, 1 or 2

@@ -56,18 +56,17 @@ void standardise(state &s, int64 startindiv, int64 endindiv)
 
 void writevalues(const state &s, int64 currentgen, int64 startindiv, int64 endindiv)
 {
-    const std::string path = "./SimulatedData/PedigreeTbvRecombination.txt";
     outfile out;
     textline line;
     if (currentgen == 1) {
-        out.open(path);
+        out.open(recombinationtable);
         puta(line,
              "Generation      Indiv   Father    Mother          TbvRecombZ  RecombPerIndPerChr   "
              "RecombCountFather   RecombCountMother      TotRecombCount",
              140);
         out.writeline(line);
     } else {
-        out.openandkeep(path, startindiv);
+        out.openandkeep(recombinationtable, startindiv);
     }
     for (int64 i = startindiv; i <= endindiv; ++i) {
         int64 id, sire, dam;

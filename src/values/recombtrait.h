@@ -3,6 +3,8 @@
 
 #include "state.h"
 
+constexpr const char *recombinationtable = "./SimulatedData/PedigreeTbvRecombination.txt";
+
 // For generation currentgen, individuals startindiv to endindiv, with M = morgans, C = nchrom:
 //   tbvrecomb           sum over its QTN of effect x (x - 2f); the caller has zeroed it
 //   tbvrecombz          tbvrecomb standardised within the generation, times sqrt(vararecombt);

@@ -23,7 +23,8 @@ TEST_F(refusals, whatthisversioncantdo)
                 .set("AddQtnToTheSnpChipYesNo", "No")
                 .set("ComputeAverageCoancestryYesNo", "Yes"),
             "ERROR: Average coancestry is not available");
-    refused(smallrun().set("MergeTypes", "Ids"), "ERROR: Merging runs is not available");
+    refused(smallrun().set("MergeTypes", "Both"),
+            "MergeTypes is incorrectly set, please check your specfile Both\n");
     refused(smallrun().remove("MergeTypes"), "MergeTypes is incorrectly set");
 }
 

@@ -1,0 +1,299 @@
+#include "merge/mergechecks.h"
+
+#include "flibs/fileregistry.h"
+#include "founders/stores.h"
+#include "haplotypes/blocks.h"
+#include "haplotypes/droplines.h"
+#include "markers/sitesets.h"
+#include "merge/mergerecords.h"
+#include "pedigree/pedigree.h"
+#include "shell.h"
+#include "stops.h"
+#include "values/genicvariances.h"
+#include "values/phenotypes.h"
+#include "words.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <sys/resource.h>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+[[noreturn]] void mismatch(const std::string &where, const std::string &what, int64 found,
+                           int64 expected)
+{
+    ioerror(where, "holds " + numbertext(found) + " " + what + " where " + numbertext(expected) +
+                       " are expected");
+}
+
+void checkfile(const std::string &path)
+{
+    if (pathexists(path)) return;
+    if (pathexists(path + ".gz"))
+        ioerror(path, "was compressed by the run: uncompress " + path + ".gz");
+    ioerror(path, "is missing, and the merge needs it");
+}
+} // namespace
+
+void checkfolder(const std::string &folder)
+{
+    if (!folderexists(folder)) ioerror(folder, "is no folder");
+    for (const char *own : {"SimulatedData", "Chromosomes", "Selection"}) {
+        std::error_code error;
+        if (fs::equivalent(folder + "/" + own, own, error))
+            ioerror(folder, "is the working folder, whose files the merge replaces; run it in "
+                            "another folder");
+    }
+}
+
+// ------------------------------------------------------- numbers and sites of a folder
+
+namespace
+{
+void checkchromosomes(const state &s, const std::string &folder)
+{
+    const int64 nchrom = s.founders.nchrom;
+    for (int64 h = 1; h <= nchrom; ++h)
+        if (!folderexists(chromfolder(h, folder)))
+            ioerror(chromfolder(h, folder),
+                    "is missing; the specification has " + numbertext(nchrom) +
+                        " chromosomes, and runs whose folders are merged keep theirs");
+    if (folderexists(chromfolder(nchrom + 1, folder)))
+        ioerror(chromfolder(nchrom + 1, folder),
+                "is there, though the specification has " + numbertext(nchrom) + " chromosomes");
+}
+
+// The columns of the store of numbers: QTN, mutations, and a number for each chip.
+void checknumberofchips(const state &s, int64 chrom, const std::string &folder)
+{
+    const std::string path = chromfolder(chrom, folder) + "NbOfQtnMutationsAndSnp.txt";
+    infile in(path);
+    in.record();
+    int64 nchip = -2;
+    for (std::string_view left = trim(in.line()); !left.empty(); ++nchip)
+        left = trim(left.substr(std::min(left.find(' '), left.size())));
+    if (nchip != s.chips.nchip) mismatch(path, "chips", nchip, s.chips.nchip);
+}
+
+void checknumbers(const state &s, int64 chrom, const std::string &folder)
+{
+    const std::string where = chromfolder(chrom, folder);
+    const auto check = [&](const std::string &what, int64 found, int64 expected) {
+        if (found != expected) mismatch(where, what, found, expected);
+    };
+    check("QTN besides mutations", s.qtn.nqtnonthischrom(chrom) - s.sites.nmutinclglobal(chrom),
+          s.qtn.nqtnperchrom);
+    if (s.selection.recombselonoff)
+        check("recombination QTN", s.qtn.nqtnrecombonthischrom(chrom), s.qtn.nqtnrecombperchrom);
+    for (int64 e = 1; e <= s.chips.nchip; ++e)
+        check("SNP of chip " + numbertext(e), s.chips.nsnponthischipchrom(e, chrom),
+              s.chips.usesnpchiponoff ? s.chips.nsnpperchipperchrom(e) : 1);
+}
+
+// Sites of all chips and QTN sets, chromosome by chromosome, by the files that tell them.
+using sitesbyfile = std::map<std::string, sitelist>;
+
+sitesbyfile readfoldersites(const state &s, const std::string &folder)
+{
+    sitesbyfile sites;
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+        const auto read = [&](const std::string &name, int64 nsites) {
+            const std::string path = chromfolder(h) + name + "Information.txt";
+            sites[path] =
+                readsites(inrunfolder(folder, path), nsites, s.sites.nsegreginclglobal(h));
+        };
+        for (int64 e = 1; e <= s.chips.nchip; ++e)
+            read("Chip" + numbertext(e) + "Snp", s.chips.nsnponthischipchrom(e, h));
+        read("UnRestrictedQtn", s.qtn.nqtnonthischrom(h));
+        read("RestrictedQtn", s.qtn.nqtnonthischrom(h));
+        if (s.selection.recombselonoff) read("RecombinationQtn", s.qtn.nqtnrecombonthischrom(h));
+    }
+    return sites;
+}
+
+// Reads the folder's stores into the state, and checks the numbers in them.
+sitesbyfile checksites(state &s, const std::string &folder)
+{
+    checkfolder(folder);
+    checkchromosomes(s, folder);
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) checknumberofchips(s, h, folder);
+    readsegsitesdatafromallchrom(s, folder);
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) checknumbers(s, h, folder);
+    return readfoldersites(s, folder);
+}
+
+void checksamesites(const sitesbyfile &ofburnin, const sitesbyfile &ofsource, const mergeplan &plan,
+                    const std::string &folder)
+{
+    for (const auto &[path, sites] : ofsource)
+        if (ofburnin.at(path) != sites)
+            ioerror(inrunfolder(folder, path), "names other sites than that of " +
+                                                   plan.burninfolder +
+                                                   ": merged runs share their founders");
+}
+
+// ------------------------------------------------------- records
+
+// Bytes of the first lines, line ends included, and of the line behind them.
+void measurelines(const std::string &path, int64 titlelines, int64 &titlelength, int64 &linelength)
+{
+    infile in(path);
+    titlelength = 0;
+    for (int64 l = 1; l <= titlelines; ++l) {
+        in.record();
+        titlelength += static_cast<int64>(in.line().size()) + 1;
+    }
+    linelength = in.nextrecord() ? static_cast<int64>(in.line().size()) + 1 : 0;
+}
+
+// The file holds the records of n individuals.
+void checkrecords(const individualfile &file, const std::string &path, int64 n)
+{
+    checkfile(path);
+    const int64 nlines = n * file.linesperindiv;
+    if (file.linelength == 0) {
+        const int64 found = countlines(path);
+        if (found < nlines) mismatch(path, "lines", found, nlines);
+        return;
+    }
+    int64 titlelength, linelength;
+    measurelines(path, file.titlelines, titlelength, linelength);
+    if (n > 0 && linelength != file.linelength)
+        mismatch(path, "characters in a line", linelength - 1, file.linelength - 1);
+    const int64 found = (static_cast<int64>(fs::file_size(path)) - titlelength) / file.linelength;
+    if (found < nlines) mismatch(path, "lines of individuals", found, nlines);
+}
+
+// What is taken from a source folder.
+struct takenrecords {
+    int64 lastid = 0;
+    std::set<int64> generations;
+};
+
+takenrecords takenfrom(const mergeplan &plan, int64 folder)
+{
+    takenrecords taken;
+    for (const thing &t : plan.things) {
+        if (t.folder != folder) continue;
+        taken.lastid = std::max(taken.lastid, t.id);
+        taken.generations.insert(t.generation);
+    }
+    return taken;
+}
+
+void checkgenome(const state &s, const sourcefolder &source, int64 chrom, int64 gen)
+{
+    const std::string path = inrunfolder(source.path, genomefile(chrom, gen));
+    checkfile(path);
+    const int64 nbytes = lengthofrecord(path), bytesperblock = source.genarray(gen) * 2 * 8;
+    const int64 nblock = s.sites.nsegreginclglobal(chrom) / lociperblock;
+    if (nbytes != nblock * bytesperblock)
+        ioerror(path, "holds a record of " + numbertext(nbytes) + " bytes where " +
+                          numbertext(source.genarray(gen)) + " individuals with " +
+                          numbertext(nblock) + " blocks of sites take " +
+                          numbertext(nblock * bytesperblock));
+}
+
+void checksource(const state &s, const sourcefolder &source, const takenrecords &taken)
+{
+    const auto check = [&](const individualfile &file, const std::string &path, int64 n) {
+        checkrecords(file, inrunfolder(source.path, path), n);
+    };
+    for (const individualfile &file : wholerunfiles(s)) check(file, file.path, taken.lastid);
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+        for (const individualfile &file : chromosomefiles(s, h))
+            check(file, file.path, taken.lastid);
+        for (const int64 g : taken.generations) {
+            for (const individualfile &file : generationfiles(s, h))
+                check(file, ofgeneration(file, g), source.genarray(g));
+            checkgenome(s, source, h, g);
+        }
+    }
+}
+
+// ------------------------------------------------------- the burn-in folder
+
+// Lines of one generation of a file that grows by generation.
+void checkfirstgeneration(const std::string &path, int64 nlines)
+{
+    checkfile(path);
+    const int64 found = countlines(path) - 1;
+    if (found < nlines) mismatch(path, "lines of generations", found, nlines);
+}
+
+// What later runs read besides the records of individuals.
+void checkburnin(const state &s, const std::string &folder)
+{
+    const auto inside = [&](const std::string &path) { return inrunfolder(folder, path); };
+    checkfirstgeneration(inside(variancetable), s.qtn.nqtnmodels);
+    checkfirstgeneration(inside(meanstable), s.qtn.nqtnmodels * s.traits.ntraits);
+    std::vector<std::string> names{"GlobalRecombLocationMax.txt"};
+    for (const char *set : {"Unrestricted", "Restricted"}) {
+        for (const char *what : {"QtnInformation.txt", "QtnAdditEffects.txt"})
+            names.push_back(std::string(set) + what);
+        if (!s.qtn.dominonoff) continue;
+        for (const char *what : {"QtnDominEffects.txt", "QtnAverAlleleSubstEffects.txt"})
+            names.push_back(std::string(set) + what);
+    }
+    if (s.selection.recombselonoff) names.push_back("RecombinationQtnInformationEffects.txt");
+    for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p)
+        names.push_back("TraitVarianceComponentsResidualCholQtnModel" + numbertext(p) + ".txt");
+    for (int64 e = 1; e <= s.chips.nchip; ++e)
+        names.push_back("Chip" + numbertext(e) + "SnpInformation.txt");
+    for (const std::string &name : names) checkfile(inside("SimulatedData/" + name));
+    for (int64 h = 1; h <= s.founders.nchrom; ++h)
+        for (const char *name : {"PhysicalMapIncluded.txt", "MacsHaplotypes.txt"})
+            checkfile(chromfolder(h, folder) + name);
+    for (const individualfile &file : wholerunfiles(s)) checkrecords(file, inside(file.path), 0);
+}
+} // namespace
+
+void checkmergefolders(state &s, const mergeplan &plan)
+{
+    allocatechromarrays(s);
+    const sitesbyfile ofburnin = checksites(s, plan.burninfolder);
+    const array1<int64> nsegreginclglobal = s.sites.nsegreginclglobal;
+    const array1<int64> nqtnonthischrom = s.qtn.nqtnonthischrom;
+    checkburnin(s, plan.burninfolder);
+    std::set<std::string> checked{plan.burninfolder};
+    for (int64 f = 1; f <= static_cast<int64>(plan.sources.size()); ++f) {
+        const sourcefolder &source = plan.sources[static_cast<std::size_t>(f - 1)];
+        if (checked.insert(source.path).second) {
+            const sitesbyfile ofsource = checksites(s, source.path);
+            for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+                const std::string where = chromfolder(h, source.path);
+                if (s.sites.nsegreginclglobal(h) != nsegreginclglobal(h))
+                    mismatch(where, "included sites", s.sites.nsegreginclglobal(h),
+                             nsegreginclglobal(h));
+                if (s.qtn.nqtnonthischrom(h) != nqtnonthischrom(h))
+                    mismatch(where, "QTN", s.qtn.nqtnonthischrom(h), nqtnonthischrom(h));
+            }
+            checksamesites(ofburnin, ofsource, plan, source.path);
+        }
+        checksource(s, source, takenfrom(plan, f));
+    }
+    readsegsitesdatafromallchrom(s, plan.burninfolder);
+}
+
+void checkopenfiles(const mergeplan &plan)
+{
+    const int64 nneeded = filesneeded(plan);
+    if (nneeded > lastunitnumber - firstunitnumber + 1) {
+        printline("error! Not enough units available. ");
+        plainstop();
+    }
+    constexpr rlim_t others = 16; // standard streams, a genome, and what libraries hold
+    const rlim_t wanted = static_cast<rlim_t>(nneeded) + others;
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= wanted) return;
+    limit.rlim_cur = std::min(wanted, limit.rlim_max);
+    if (limit.rlim_cur < wanted || setrlimit(RLIMIT_NOFILE, &limit) != 0)
+        ioerror("MergeFiles", "the merge needs " + std::to_string(wanted) +
+                                  " files open at a time, and the system allows " +
+                                  std::to_string(limit.rlim_max) +
+                                  "; raise its limit (ulimit -Hn)");
+}

@@ -1,0 +1,96 @@
+#include "merge/mergefolders.h"
+
+#include "pedigree/pedigree.h"
+#include "shell.h"
+#include "stops.h"
+#include "words.h"
+
+#include <cstdio>
+
+std::string inrunfolder(const std::string &folder, const std::string &path)
+{
+    return folder + "/" + (path.starts_with("./") ? path.substr(2) : path);
+}
+
+void calcindivsingen(const std::string &pathstr, array1<int64> &genarray,
+                     array1<int64> &accumgenarray)
+{
+    const int64 ngenerations = countlines(pathstr) - 1;
+    if (ngenerations < 1) ioerror(pathstr, "holds no generation");
+    genarray.allocate(ngenerations);
+    accumgenarray.allocate(extent(0, ngenerations));
+    infile in(pathstr);
+    in.skiprecords(1);
+    for (int64 g = 1; g <= ngenerations; ++g) {
+        in.record();
+        in.integer();
+        genarray(g) = in.integer();
+        accumgenarray(g) = accumgenarray(g - 1) + genarray(g);
+    }
+}
+
+sourcefolder readsourcefolder(const std::string &path)
+{
+    sourcefolder source;
+    source.path = path;
+    calcindivsingen(inrunfolder(path, generationtable), source.genarray, source.accumgenarray);
+    return source;
+}
+
+void calculategenid(thing &onething, const array1<int64> &accumgenarray)
+{
+    onething.generation = 1;
+    while (onething.id > accumgenarray(onething.generation)) ++onething.generation;
+    onething.generationid = onething.id - accumgenarray(onething.generation - 1);
+}
+
+namespace
+{
+void removefolder(const std::string &folder, const char *failureline)
+{
+    if (folderexists(folder) && !tryshell("rm -r " + folder + " ") && failureline)
+        printline(failureline);
+}
+
+void mustcopy(const std::string &command, const std::string &from)
+{
+    if (!tryshell(command)) ioerror(from, "could not be copied into the working folder");
+}
+} // namespace
+
+void copyfromburnin(const std::string &burninfolder)
+{
+    const std::string from = shellword(burninfolder);
+    removefolder("SimulatedData", "failure : Solvanto :SimulatedData not deleted");
+    tryshell("mkdir SimulatedData");
+    mustcopy("cp -rf " + from + "/SimulatedData/* SimulatedData/.",
+             burninfolder + "/SimulatedData");
+    removefolder("Chromosomes", "failure : Solvanto: Chromosomes not deleted ");
+    tryshell("mkdir Chromosomes");
+    mustcopy("cp -rf " + from + "/Chromosomes .", burninfolder + "/Chromosomes");
+    removefolder("Selection", nullptr);
+    if (!tryshell("mkdir Selection")) {
+        std::fprintf(stderr, "Copy in copyFromBurnIn has been unsuccessful\n");
+        stopwithcode(900000);
+    }
+}
+
+std::vector<listline> readlist(const std::string &path)
+{
+    std::vector<listline> lines;
+    infile in(path);
+    while (in.nextrecord())
+        if (!trim(in.line()).empty())
+            lines.push_back({in.linenumber(), std::string(trimright(in.line()))});
+    if (lines.empty()) ioerror(path, "is empty: its first line names the folder to start from");
+    return lines;
+}
+
+void stopifotherfolders(const std::string &list, int64 expected, int64 found,
+                        const std::string &what)
+{
+    if (expected == found) return;
+    printline("ERROR: MergeFiles " + list + " should hold " + numbertext(expected) + " " + what +
+              " by NumberOfMergeRuns, and holds " + numbertext(found));
+    stopwithcode(48);
+}

@@ -1,0 +1,238 @@
+#include "merge/mergefrequencies.h"
+
+#include "markers/extraction.h"
+#include "pedigree/pedigree.h"
+#include "words.h"
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
+namespace
+{
+// A line of an information file, with what is counted.
+struct siteinformation {
+    int64 number = 0, chrom = 0, site = 0; // columns 1 to 3
+    double maf = 0, freq = 0, position = 0;
+    int64 mutation = 0, carrier = 0; // QTN only
+    double het = 0;
+};
+
+struct sitetable {
+    sitekind kind;
+    std::string information, summary, genotypes; // names of its files
+    std::string title;
+    std::vector<siteinformation> sites;
+};
+
+void readinformation(sitetable &table, const array1<int64> &nofchrom)
+{
+    infile in("SimulatedData/" + table.information);
+    in.record();
+    table.title = in.line();
+    const int64 nthingtot = std::accumulate(nofchrom.begin(), nofchrom.end(), int64{0});
+    for (int64 k = 1; k <= nthingtot; ++k) {
+        siteinformation site;
+        in.record();
+        site.number = in.integer();
+        site.chrom = in.integer();
+        site.site = in.integer();
+        in.skipwords(table.kind == sitekind::qtn ? 2 : 1); // the frequencies of before
+        site.position = in.real();
+        if (table.kind == sitekind::qtn) {
+            site.mutation = in.integer();
+            site.carrier = in.integer();
+        }
+        table.sites.push_back(site);
+    }
+}
+
+// Counts a column of genotypes by value, row by row.
+class genotypecounter
+{
+  public:
+    explicit genotypecounter(std::size_t nsites) : counts(nsites), row(nsites) {}
+    void read(infile &in)
+    {
+        in.record();
+        in.skipwords(1);
+        in.alleles(row.data(), static_cast<int64>(row.size()));
+        for (std::size_t k = 0; k < row.size(); ++k) {
+            genotypecounts &c = counts[k];
+            c.n0 += row[k] == 0;
+            c.n1 += row[k] == 1;
+            c.n2 += row[k] == 2;
+            c.nother += row[k] < 0 || row[k] > 2;
+        }
+    }
+    const genotypecounts &operator[](std::size_t k) const { return counts[k]; }
+
+  private:
+    std::vector<genotypecounts> counts;
+    std::vector<int8> row;
+};
+
+void countfrequencies(sitetable &table, int64 nindividuals)
+{
+    infile in("SimulatedData/" + table.genotypes);
+    genotypecounter counts(table.sites.size());
+    for (int64 i = 1; i <= nindividuals; ++i) counts.read(in);
+    for (std::size_t k = 0; k < table.sites.size(); ++k)
+        calcallelefreqmerge(counts[k], table.sites[k].maf, table.sites[k].het, table.sites[k].freq);
+}
+
+void putvalues(textline &line, const sitetable &table, const siteinformation &site)
+{
+    putf(line, site.maf, 20, 10);
+    if (table.kind == sitekind::qtn) putf(line, site.freq, 20, 10);
+    putf(line, site.position, 20, 10);
+    if (table.kind == sitekind::snp) return;
+    puti(line, site.mutation, 20);
+    puti(line, site.carrier, 20);
+}
+
+void writewholegenome(const sitetable &table)
+{
+    outfile out("SimulatedData/" + table.information);
+    out.writeline(textline(table.title));
+    textline line;
+    for (const siteinformation &site : table.sites) {
+        for (const int64 key : {site.number, site.chrom, site.site}) puti(line, key, 20);
+        putvalues(line, table, site);
+        out.writeline(line);
+    }
+    out.close();
+}
+
+// The folders of the chromosomes spell one name otherwise.
+std::string nameofchromosome(const std::string &information)
+{
+    return information == "UnrestrictedQtnInformation.txt" ? "UnRestrictedQtnInformation.txt"
+                                                           : information;
+}
+
+void writechromosome(const sitetable &table, int64 chrom, const std::string &infofile)
+{
+    const std::string folder = chromfolder(chrom);
+    outfile information(folder + nameofchromosome(table.information));
+    textline line;
+    double het = 0;
+    for (const siteinformation &site : table.sites) {
+        if (site.chrom != chrom) continue;
+        het += site.het;
+        puti(line, site.number, 20);
+        puti(line, site.site, 20);
+        putvalues(line, table, site);
+        information.writeline(line);
+    }
+    information.close();
+
+    outfile summary(folder + table.summary);
+    putf(line, het / static_cast<double>(table.sites.size()), 20, 10);
+    summary.writeline(line);
+    summary.close();
+
+    if (table.kind == sitekind::snp) return;
+    outfile frequencies(folder + infofile + "AlleleFreqGeneration1.txt");
+    for (const bool own : {true, false})
+        for (const siteinformation &site : table.sites) {
+            if ((site.chrom == chrom) != own) continue;
+            puti(line, site.number, 20);
+            puti(line, site.site, 20);
+            putf(line, site.freq, 20, 10);
+            frequencies.writeline(line);
+        }
+    frequencies.close();
+}
+
+array1<int64> snpofchip(const state &s, int64 chip)
+{
+    array1<int64> n(s.founders.nchrom);
+    for (int64 h = 1; h <= n.size(); ++h) n(h) = s.chips.nsnponthischipchrom(chip, h);
+    return n;
+}
+} // namespace
+
+void calculatebothsnpandqtn(const state &s, int64 nindividuals, sitekind kind, int64 chipnumber,
+                            const std::string &infofile)
+{
+    const bool snp = kind == sitekind::snp;
+    const std::string name = snp ? infofile + numbertext(chipnumber) : infofile;
+    sitetable table;
+    table.kind = kind;
+    table.information = name + (snp ? "SnpInformation.txt" : "Information.txt");
+    table.summary = name + "Summary.txt";
+    table.genotypes =
+        snp ? "AllIndividualsSnpChips/" + name + "Genotype.txt" : name + "IndivGenotypes.txt";
+    readinformation(table, snp ? snpofchip(s, chipnumber) : s.qtn.nqtnonthischrom);
+    countfrequencies(table, nindividuals);
+    writewholegenome(table);
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) writechromosome(table, h, infofile);
+}
+
+void calcallelefreqmerge(const genotypecounts &genotypes, double &maf, double &het,
+                         double &nonzeroallelefreq)
+{
+    for (int64 i = 1; i <= genotypes.nother; ++i) printline("Error in CalcAlleleFreqMerge case");
+    const auto count0 = static_cast<float>(2 * genotypes.n0 + genotypes.n1);
+    const auto count1 = static_cast<float>(2 * genotypes.n2 + genotypes.n1);
+    const float freq0 = count0 / (count0 + count1), freq1 = count1 / (count0 + count1);
+    maf = std::min(freq0, freq1);
+    het = static_cast<double>(genotypes.n1) /
+          static_cast<double>(genotypes.n0 + genotypes.n1 + genotypes.n2 + genotypes.nother);
+    nonzeroallelefreq = freq1;
+}
+
+void calculatenewnbindivigen(int64 nindividuals)
+{
+    struct generationcount {
+        int64 gen = 0, nmal = 0, nfem = 0;
+    };
+    std::vector<generationcount> generations;
+    infile in(gendertable);
+    in.skiprecords(1);
+    for (int64 i = 1; i <= nindividuals; ++i) {
+        in.record();
+        const int64 gen = in.integer();
+        in.integer();
+        if (generations.empty() || generations.back().gen != gen) generations.push_back({gen});
+        ++(in.integer() == 1 ? generations.back().nmal : generations.back().nfem);
+    }
+    outfile out(generationtable);
+    out.writeline(generationtitle);
+    textline line;
+    for (const generationcount &g : generations) {
+        putgenerationline(line, g.gen, g.nmal + g.nfem, g.nmal, g.nfem);
+        out.writeline(line);
+    }
+    out.close();
+}
+
+namespace
+{
+void writesetfrequencies(const state &s, const std::string &set, int64 nsites, int64 chrom,
+                         int64 gen, int64 nindividuals)
+{
+    const std::string folder = chromfolder(chrom);
+    const sitelist sites = readsites(folder + nameofchromosome(set + "Information.txt"), nsites,
+                                     s.sites.nsegreginclglobal(chrom));
+    infile in(folder + set + "GenotypeGeneration" + numbertext(gen) + ".txt");
+    genotypecounter counts(sites.size());
+    for (int64 i = 1; i <= nindividuals; ++i) counts.read(in);
+    std::vector<int64> sums;
+    for (std::size_t q = 0; q < sites.size(); ++q) sums.push_back(counts[q].n1 + 2 * counts[q].n2);
+    writeqtnallelefrequency(chrom, set, gen, sites, sums, nindividuals);
+}
+} // namespace
+
+void writegenerationfrequencies(const state &s, int64 gen, int64 nindividuals)
+{
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+        const auto write = [&](const char *set, const array1<int64> &nofchrom) {
+            writesetfrequencies(s, set, nofchrom(h), h, gen, nindividuals);
+        };
+        if (gen > 1) write("UnrestrictedQtn", s.qtn.nqtnonthischrom);
+        if (gen > 1) write("RestrictedQtn", s.qtn.nqtnonthischrom);
+        if (s.selection.recombselonoff) write("RecombinationQtn", s.qtn.nqtnrecombonthischrom);
+    }
+}
