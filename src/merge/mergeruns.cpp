@@ -4,6 +4,7 @@
 #include "haplotypes/droplines.h"
 #include "merge/mergechecks.h"
 #include "merge/mergefrequencies.h"
+#include "merge/mergemutations.h"
 #include "merge/mergerecords.h"
 #include "pedigree/pedigree.h"
 #include "results/sequence.h"
@@ -194,6 +195,7 @@ void refreshcounts(state &s, const mergeplan &plan)
     for (std::size_t g = 1; g <= sizes.size(); ++g)
         writegenerationfrequencies(s, static_cast<int64>(g), sizes[g - 1]);
     mergehighestcrossings(s, plan);
+    mergemutations(s, plan);
     setgenerations(s, sizes);
     if (s.editing.geneditonoff) writefixedqtns(s, static_cast<int64>(sizes.size()));
 }

@@ -20,8 +20,8 @@ void mergeruns(state &s);
 // The genomes of generation 1.
 void makemergedbinary(const state &s, const mergeplan &plan);
 // Counts the frequencies of chips and QTN and the sizes of the generations, and what else follows
-// from the individuals: highest crossing sites, and with geneditonoff the fixed QTN. Updates the
-// sizes of the generations in s.
+// from the individuals: highest crossing sites, carriers of mutations, and with geneditonoff the
+// fixed QTN. Updates the sizes of the generations in s.
 void refreshcounts(state &s, const mergeplan &plan);
 // Removes copies of the burn-in folder's files that hold its own individuals where the merge wasn't
 // asked for them: a later run can't go on from them.
