@@ -25,6 +25,7 @@ void calcindivsingen(const std::string &pathstr, array1<int64> &genarray,
         in.record();
         in.integer();
         genarray(g) = in.integer();
+        if (genarray(g) < 1) in.complain("a generation has at least one individual");
         accumgenarray(g) = accumgenarray(g - 1) + genarray(g);
     }
 }

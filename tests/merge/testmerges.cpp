@@ -560,6 +560,20 @@ TEST_F(merges, faultsinlistandfolders)
     EXPECT_FALSE(fs::exists("SimulatedData/own.txt"));
 }
 
+// The example that docs/merging.md goes through.
+TEST_F(merges, walkthrough)
+{
+    const commandresult result =
+        runcommand(sourcefolder() + "/scripts/workingfolder merging example " + binfolder() +
+                   " && cd example && ./runexample >report.txt");
+    EXPECT_EQ(result.status, 0) << result.err;
+    std::vector<double> sizes;
+    for (const auto &row : numbertable("example/SimulatedData/NbOfIndivInEachGen.txt", 1))
+        sizes.push_back(row[1]);
+    EXPECT_EQ(sizes, (std::vector<double>{80, 200, 200, 100, 100}));
+    EXPECT_TRUE(fs::exists("example/Selection/SelectionFolder4/Ebv.txt"));
+}
+
 // 5 of the first allele and 3 of the second: 0.375 in single precision is exact; a third isn't.
 TEST(mergefrequencies, ofonesite)
 {
