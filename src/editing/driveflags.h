@@ -27,10 +27,7 @@ class driveflags
     int8 operator()(int64 i, int64 q, int64 m) const { return cells(place(i, m) + q); }
     // The flags of phase m of individual i from QTN q on.
     int8 *from(int64 i, int64 q, int64 m) { return cells.data() + place(i, m) + q - 1; }
-    const int8 *from(int64 i, int64 q, int64 m) const
-    {
-        return cells.data() + place(i, m) + q - 1;
-    }
+    const int8 *from(int64 i, int64 q, int64 m) const { return cells.data() + place(i, m) + q - 1; }
 
   private:
     int64 place(int64 i, int64 m) const { return ((i - 1) * 2 + m - 1) * nqtns; }

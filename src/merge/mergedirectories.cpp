@@ -8,6 +8,7 @@
 #include "pedigree/pedigree.h"
 #include "shell.h"
 #include "stops.h"
+#include "values/coancestry.h"
 #include "values/genicvariances.h"
 #include "values/phenotypes.h"
 #include "words.h"
@@ -184,20 +185,9 @@ void writezeromeans(const state &s, int64 firstgen)
     out.close();
 }
 
-// The average coancestry: a title and a line for each selection generation.
-void writezerocoancestry(const state &s)
+void writezerocoancestries(const state &s)
 {
-    outfile out("SimulatedData/AverageCoancestry.txt");
-    textline line;
-    puta(line, "Generation      SelectionCycle     BeforeSelection      AfterSelection", 70);
-    out.writeline(line);
-    for (int64 c = 1; c <= s.pop.ngensel; ++c) {
-        puti(line, s.pop.ngen + c - 1, 10);
-        puta(line, c == 1 ? "-" : numbertext(c - 1), 20);
-        for (int i = 1; i <= 2; ++i) putf(line, 0, 20, 10);
-        out.writeline(line);
-    }
-    out.close();
+    for (int64 c = 1; c <= s.pop.ngensel; ++c) writecoancestry(s, c, {});
 }
 } // namespace
 
@@ -221,7 +211,7 @@ void mergedirectories(state &s)
     writepedigree(ped);
     writezerovariances(s, firstunknown(s, plan));
     writezeromeans(s, firstunknown(s, plan));
-    if (s.selection.computeavercoancestryyes1no0 == 1) writezerocoancestry(s);
+    if (s.selection.computeavercoancestryyes1no0 == 1) writezerocoancestries(s);
     mergerecords(s, plan);
     refreshcounts(s, plan);
     makemergedbinarydirectories(s, plan);

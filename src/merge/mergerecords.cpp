@@ -214,10 +214,7 @@ void copyrecords(fileregistry &registry, const individualfile &file, const std::
     for (const std::string &path : opened) closefile(registry, path);
     closedict(registry);
 }
-} // namespace
 
-namespace
-{
 // The merged generations, one after the other.
 std::vector<std::span<const thing>> bygeneration(const mergeplan &plan)
 {

@@ -87,8 +87,8 @@ void optimalcontributionruns::checkcoancestry()
         std::vector<double> shares(20, 0);
         for (int i = 20 * (cycle + 1) + 1; i <= 20 * (cycle + 2); ++i)
             for (const std::size_t side : {3, 4})
-                shares[static_cast<std::size_t>(
-                    ped[static_cast<std::size_t>(i)][side] - 20 * cycle - 1)] += 1.0 / 40;
+                shares[static_cast<std::size_t>(ped[static_cast<std::size_t>(i)][side] -
+                                                20 * cycle - 1)] += 1.0 / 40;
         const auto words = wordsof(lines[static_cast<std::size_t>(cycle)]);
         EXPECT_EQ(words[0], std::to_string(cycle + 1));
         EXPECT_EQ(words[1], cycle == 1 ? "-" : std::to_string(cycle - 1));
@@ -99,7 +99,8 @@ void optimalcontributionruns::checkcoancestry()
     const auto last = wordsof(lines[4]);
     EXPECT_EQ(last[0] + " " + last[1] + " " + last[3], "5 3 -");
     EXPECT_NEAR(std::stod(last[2]),
-                averagerelationship(numbertable(infolderof(3) + "GFullMatrix1-1.txt"), equal), 1e-9);
+                averagerelationship(numbertable(infolderof(3) + "GFullMatrix1-1.txt"), equal),
+                1e-9);
     EXPECT_NEAR(std::stod(wordsof(lines[1])[2]), 0, 1e-3); // the base of all cycles
     EXPECT_GT(std::stod(last[2]), std::stod(wordsof(lines[2])[2]));
 }
