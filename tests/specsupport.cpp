@@ -80,6 +80,13 @@ spectext &spectext::insertbefore(const std::string &key, const std::string &line
     return splice(findpresent(key), 0, line);
 }
 
+spectext &spectext::addrow(const std::string &key, const std::string &row)
+{
+    std::size_t i = findpresent(key) + 1;
+    while (i < lines.size() && lines[i].find_first_of("-0123456789") == 0) ++i;
+    return splice(i, 0, row);
+}
+
 spectext &spectext::append(const std::string &line)
 {
     return splice(lines.size(), 0, line);
@@ -132,4 +139,15 @@ spectext goodspec()
         "SelectionMethod,Tbv; TrainingSetSizeForRandomPhenotypesStrat,20; NumberOfTraits,1;"
         "IndexWeights,1; TraitHeritability,0.5; TraitGeneticVariance,1; -0.3 1.0; -0.1 1.0");
     return good;
+}
+
+spectext smallrun()
+{
+    return goodspec()
+        .set("NumberOfHaplotypes", "40")
+        .set("ChromosomeLengthBasesMaCS", "External,10000000")
+        .set("ChromosomeLengthMorgansMaCS", "External,1.0")
+        .set("ChromosomeLengthMorgansSolvanto", "External,1.0")
+        .set("MutationRateMaCS", "External,2.5e-8")
+        .set("EffectivePopulationSizeBaseMaCS", "External,100");
 }

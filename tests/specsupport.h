@@ -19,6 +19,8 @@ class spectext
     // Another line in the place of the key's.
     spectext &replace(const std::string &key, const std::string &line);
     spectext &insertbefore(const std::string &key, const std::string &line);
+    // Another row behind those that stand below the key of a matrix.
+    spectext &addrow(const std::string &key, const std::string &row);
     spectext &append(const std::string &line);
     // Moves the key's line right before or behind another key's.
     spectext &movebefore(const std::string &key, const std::string &other);
@@ -43,3 +45,5 @@ spectext documentedspec();
 // with heritability 0.5, nothing switched on that needs further files. For a run of burn-in alone
 // set NumberGenerationsSelection to 0.
 spectext goodspec();
+// A specification of a small run: the good one, with founders of about 400 sites a chromosome.
+spectext smallrun();

@@ -1,10 +1,9 @@
 // runsupport.h - whole runs of the program in a test's folder, and the trees that they leave.
 #pragma once
 
+#include "filetree.h"
 #include "specsupport.h"
 #include "testsupport.h"
-
-#include <map>
 
 // A test that runs the program in its empty folder.
 class wholerun : public infolder
@@ -19,13 +18,9 @@ class wholerun : public infolder
     void mustrun(const spectext &spec, int64 seed);
 };
 
-// A specification of a small run: the good one, with founders of about 400 sites a chromosome.
-spectext smallrun();
-
-// The files of the working folder by their paths, the programs and their copies left out.
-using filetree = std::map<std::string, std::string>;
+// The files of the working folder.
 filetree readtree();
-// Fails with the first difference by file, line and column.
+// Fails with the first difference of every file that differs.
 void expectsametree(const filetree &was, const filetree &is);
 
 // A table of numbers: the words of a file's lines behind its title lines.
