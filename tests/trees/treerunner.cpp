@@ -1,0 +1,167 @@
+// treerunner - runs the cases of the stored trees (README.md), for the tests and for scripts/trees.
+//   treerunner check CASE            compares the files of its runs with the stored sums
+//   treerunner renew CASE            stores the sums
+//   treerunner compare OLDBIN CASE   compares with the files that another build's programs leave
+//   treerunner make CASE FOLDER      runs it in a new folder, to be looked at
+// --anymachine as first argument leaves to the processor what setcommonmachine takes from it.
+// Status 0: the same, or done; 1: another result; 2: it couldn't be told.
+
+#include "trees/treecase.h"
+
+#include "testsupport.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <stdexcept>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+// A new folder that is removed again.
+struct temporaryfolder {
+    temporaryfolder() : path((fs::temp_directory_path() / "solvantotreeXXXXXX").string())
+    {
+        if (!mkdtemp(path.data())) throw std::runtime_error("can't make the folder " + path);
+    }
+    ~temporaryfolder()
+    {
+        std::error_code error;
+        fs::remove_all(path, error);
+    }
+    temporaryfolder(const temporaryfolder &) = delete;
+    temporaryfolder &operator=(const temporaryfolder &) = delete;
+    std::string path;
+};
+
+// Those of the paths that differ: first those that the run left, as it wrote them, then those that
+// it didn't leave.
+std::vector<std::string> inwritingorder(const std::vector<std::string> &differing,
+                                        const treeofrun &tree)
+{
+    std::vector<std::string> ordered;
+    for (const std::string &path : tree.writingorder)
+        if (std::binary_search(differing.begin(), differing.end(), path)) ordered.push_back(path);
+    for (const std::string &path : differing)
+        if (!tree.files.contains(path)) ordered.push_back(path);
+    return ordered;
+}
+
+void printothers(const std::vector<std::string> &paths)
+{
+    constexpr std::size_t most = 20;
+    if (paths.size() > 1) std::printf("differing too:\n");
+    for (std::size_t i = 1; i < std::min(paths.size(), most); ++i)
+        std::printf("  %s\n", paths[i].c_str());
+    if (paths.size() > most) std::printf("  and %zu more\n", paths.size() - most);
+}
+
+bool check(const std::string &name)
+{
+    const std::vector<filetree> wanted = readsums(name);
+    const temporaryfolder folder;
+    std::size_t nruns = 0;
+    bool same = true;
+    runtreecase(name, binfolder(), folder.path, [&](const treeofrun &tree) {
+        const filetree sums = sumsof(tree.files);
+        const filetree none, &want = nruns < wanted.size() ? wanted[nruns] : none;
+        ++nruns;
+        const auto paths = inwritingorder(differingpaths(want, sums), tree);
+        if (paths.empty()) return true;
+        same = false;
+        const char *how = !want.contains(paths[0])   ? "is new"
+                          : !sums.contains(paths[0]) ? "is missing"
+                                                     : "differs";
+        std::printf("%s, run %zu: the first file that differs from its sum:\n%s %s\n", name.c_str(),
+                    nruns, paths[0].c_str(), how);
+        printothers(paths);
+        std::printf("scripts/trees compare %s shows the place\n", name.c_str());
+        return false;
+    });
+    if (same && nruns < wanted.size()) {
+        std::printf("%s: sums of %zu runs, %zu were made\n", name.c_str(), wanted.size(), nruns);
+        return false;
+    }
+    return same;
+}
+
+bool renew(const std::string &name)
+{
+    const std::vector<filetree> before = readsums(name);
+    std::vector<filetree> sums;
+    const temporaryfolder folder;
+    runtreecase(name, binfolder(), folder.path, [&](const treeofrun &tree) {
+        sums.push_back(sumsof(tree.files));
+        const std::string &report = tree.files.at("report.txt");
+        if (!report.starts_with("status 0\n"))
+            std::printf("%s, run %zu ended with %s\n", name.c_str(), sums.size(),
+                        report.substr(0, report.find('\n')).c_str());
+        return true;
+    });
+    if (sums == before) return true;
+    writesums(name, sums);
+    std::printf("%s: %s\n", name.c_str(), before.empty() ? "sums are new" : "sums are renewed");
+    return true;
+}
+
+bool compare(const std::string &oldbin, const std::string &name)
+{
+    std::vector<filetree> old;
+    {
+        const temporaryfolder folder;
+        runtreecase(name, oldbin, folder.path, [&](const treeofrun &tree) {
+            old.push_back(tree.files);
+            return true;
+        });
+    }
+    const temporaryfolder folder;
+    std::size_t nruns = 0;
+    bool same = true;
+    runtreecase(name, binfolder(), folder.path, [&](const treeofrun &tree) {
+        const filetree &was = old.at(nruns++);
+        const auto paths = inwritingorder(differingpaths(was, tree.files), tree);
+        same = paths.empty();
+        if (same) return true;
+        std::printf("%s, run %zu: the first file that differs:\n%s\n", name.c_str(), nruns,
+                    firstdifference(paths[0], was, tree.files).c_str());
+        printothers(paths);
+        return false;
+    });
+    if (same) std::printf("%s: all files of %zu runs are the same\n", name.c_str(), nruns);
+    return same;
+}
+
+bool make(const std::string &name, const std::string &folder)
+{
+    fs::create_directories(folder);
+    if (!fs::is_empty(folder)) throw std::runtime_error("the folder " + folder + " is not empty");
+    const std::string path = fs::canonical(folder);
+    runtreecase(name, binfolder(), path, [](const treeofrun &) { return true; });
+    return true;
+}
+
+bool command(std::vector<std::string> words)
+{
+    if (!words.empty() && words[0] == "--anymachine")
+        words.erase(words.begin());
+    else
+        setcommonmachine();
+    const std::size_t n = words.size();
+    if (n == 2 && words[0] == "check") return check(words[1]);
+    if (n == 2 && words[0] == "renew") return renew(words[1]);
+    if (n == 3 && words[0] == "compare") return compare(words[1], words[2]);
+    if (n == 3 && words[0] == "make") return make(words[1], words[2]);
+    throw std::invalid_argument("check CASE, renew CASE, compare OLDBIN CASE or make CASE FOLDER");
+}
+} // namespace
+
+int main(int argc, char **argv)
+{
+    try {
+        return command({argv + 1, argv + argc}) ? 0 : 1;
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "ERROR: %s\n", error.what());
+        return 2;
+    }
+}
