@@ -5,6 +5,7 @@
 #include "testsupport.h"
 
 #include <filesystem>
+#include <tuple>
 
 namespace
 {
@@ -160,6 +161,22 @@ TEST_F(editing, conversioncopiesoneallele)
             EXPECT_EQ(unpacked(fromsire), sire);
             EXPECT_EQ(unpacked(fromdam), dam);
         }
+    // By flags: the alleles 0 from the sire and 1 from the dam, and the flags, behind conversion.
+    for (const auto &[phase1, phase2, alleles] :
+         {std::tuple(0, 0, "01"), {1, 0, "00"}, {0, 1, "11"}, {1, 1, "00"}}) {
+        s.editing.genedriveqtnpresence.allocate(9, 6);
+        s.editing.genedriveqtnpresence(9, 4, 1) = static_cast<int8>(phase1);
+        s.editing.genedriveqtnpresence(9, 4, 2) = static_cast<int8>(phase2);
+        s.haplo.tmpgenome.allocate(1, 2);
+        s.haplo.tmpgenome.fill(0);
+        s.haplo.tmpgenome(1, 2, 2) = 1; // site 120
+        convertdrives(s, {{60, 3}, {120, 4}}, 9, 1);
+        for (const int64 m : {1, 2}) {
+            EXPECT_EQ(s.haplo.tmpgenome(1, 2, m), alleles[m - 1] - '0');
+            EXPECT_EQ(s.editing.genedriveqtnpresence(9, 4, m), phase1 + phase2 > 0 ? 1 : 0);
+            EXPECT_EQ(s.editing.genedriveqtnpresence(9, 3, m), 0);
+        }
+    }
     const outcome bad = runbody([] { genedriveedit(3, nullptr, nullptr, 1); });
     EXPECT_EQ(bad.code(), -1);
     EXPECT_EQ(bad.output, "MAJOR ERROR IN GENE DRIVE\n");
