@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 
 namespace
 {
-const std::set<std::string> programs{"solvanto", "macs", "Vintrecaskelle", "Quillomere",
+const std::set<std::string> programs{"solvanto",    "macs",     "Vintrecaskelle", "Quillomere",
                                      "QuillomereP", "Brenvask", "Corvalind"};
 
 // Offset of the line that holds the offset at.

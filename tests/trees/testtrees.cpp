@@ -12,19 +12,7 @@ namespace
 using names = std::set<std::string>;
 
 // Keys of features that have no case yet. Who builds one adds a case, and takes its keys out.
-const names keystocome{"mergetypes",
-                       "numberofmergeruns",
-                       "mergefiles",
-                       "geneeditingonoff",
-                       "edittoporbottom",
-                       "numberofeditedindividuals",
-                       "numberofgeneeditsperindividual",
-                       "performgeonuserqtnselectionyesno",
-                       "genedriveonoff",
-                       "computeaveragecoancestryyesno",
-                       "optimalcontributionselectiononoff",
-                       "sizeofxvectpopulationandmaxnbofgenerations",
-                       "percentagedifferenceinbreeding"};
+const names keystocome{};
 
 // A key of the page on the specification, and the words that it may take, if it says so.
 struct documentedkey {
