@@ -16,6 +16,18 @@ void allocatechromarrays(state &s)
     s.chips.nsnponthischipchrom.allocate(s.chips.nchip, nchrom);
 }
 
+void makechromarrays(state &s, arrayscope &arrays)
+{
+    allocatechromarrays(s);
+    arrays.hold(s.sites.nsegreginclglobal);
+    arrays.hold(s.sites.nmutinclglobal);
+    arrays.hold(s.sites.denovoinfo);
+    arrays.hold(s.sites.indivmutindicator);
+    arrays.hold(s.qtn.nqtnonthischrom);
+    arrays.hold(s.qtn.nqtnrecombonthischrom);
+    arrays.hold(s.chips.nsnponthischipchrom);
+}
+
 void releasechromarrays(state &s)
 {
     s.sites.nsegreginclglobal.release();

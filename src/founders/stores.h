@@ -7,6 +7,7 @@
 // that has no place in the arrays is an I/O error.
 #pragma once
 
+#include "arrayscope.h"
 #include "state.h"
 
 // Makes the arrays that many stages hold alike, all entries 0:
@@ -14,11 +15,12 @@
 //   nsnponthischipchrom                                                         (nchip, nchrom)
 //   denovoinfo                                                   (nchrom, ndenovomutperchr, 5)
 //   indivmutindicator                                                         (nchrom, nindivp)
+void makechromarrays(state &s, arrayscope &arrays);
+// The same for a caller who frees them himself.
 void allocatechromarrays(state &s);
-// Frees them.
 void releasechromarrays(state &s);
 
-// Fills the arrays of allocatechromarrays, which the caller has made, for all chromosomes:
+// Fills the arrays of makechromarrays, which the caller has made, for all chromosomes:
 //   SegSitesIncluded.txt        nsegreginclglobal
 //   NbOfQtnMutationsAndSnp.txt  nqtnonthischrom, nmutinclglobal, nsnponthischipchrom; with
 //                               recombselonoff on, from its second row, nqtnrecombonthischrom

@@ -7,17 +7,32 @@
 #include "markers/chips.h"
 #include "markers/extraction.h"
 #include "pedigree/pedigree.h"
-#include "words.h"
 
 #include <algorithm>
 
 namespace
 {
-void prepareforchromosome(state &s, int64 chrom)
+void makesitearrays(state &s, arrayscope &arrays)
+{
+    const int64 nsites = s.sites.nsegregincl;
+    arrays.make(s.chips.snponarrays, nsites);
+    arrays.make(s.chips.minorallelefreq, nsites);
+    arrays.make(s.sites.inclsnpid, nsites);
+    arrays.make(s.sites.inclphysicalmap, nsites);
+    arrays.make(s.sites.inclmutindicator, nsites);
+    arrays.make(s.sites.inclmutindicatorindivid, nsites);
+    arrays.make(s.haplo.recombrateperblock, s.haplo.nblock);
+    arrays.make(s.haplo.recombfactperblock, s.haplo.nblock);
+    arrays.hold(s.haplo.haplotypes); // read by the first generation with an unknown parent
+    arrays.hold(s.haplo.tmpgenome);
+    arrays.hold(s.haplo.oldtmpgenome);
+}
+
+void prepareforchromosome(state &s, arrayscope &arrays, int64 chrom)
 {
     s.sites.nsegregincl = s.sites.nsegreginclglobal(chrom);
     s.haplo.nblock = s.sites.nsegregincl / lociperblock;
-    allocatearraysfordrophaploburnin(s, "PerChrom");
+    makesitearrays(s, arrays);
     readsegsitesdataperchrom(s, chrom);
     s.haplo.globalrecomblocationmax(chrom) = 1;
 }
@@ -37,7 +52,8 @@ void dropgeneration(state &s, int64 chrom, int64 gen, bool parentsloaded)
 
 void dropchromosome(state &s, int64 chrom, generationspan span)
 {
-    prepareforchromosome(s, chrom);
+    arrayscope arrays;
+    prepareforchromosome(s, arrays, chrom);
     for (int64 j = span.first; j <= span.last; ++j) {
         dropgeneration(s, chrom, j, j > span.first);
         // The generation just made has the parents of the next: no need to read its file.
@@ -47,14 +63,17 @@ void dropchromosome(state &s, int64 chrom, generationspan span)
     puta(line, "  Haplotypes dropped in burnin generations for chromosome", 57);
     puti(line, chrom, 4);
     printline(line);
-    deallocatearraysfordrophaploburnin(s, "PerChrom");
 }
 } // namespace
 
 void drophaploburninandmakearrays(state &s)
 {
     const generationspan span = burningenerations(s);
-    allocatearraysfordrophaploburnin(s, "AllChrom");
+    arrayscope arrays;
+    makepedigreearrays(s, arrays);
+    makechromarrays(s, arrays);
+    arrays.make(s.haplo.globalrecomblocationmax, s.founders.nchrom);
+    arrays.make(s.haplo.recombcount, s.pop.nindivp, 2);
     readpedigreegender(s);
     readsegsitesdatafromallchrom(s);
     outfile locations(highestcrossingsfile);
@@ -64,7 +83,6 @@ void drophaploburninandmakearrays(state &s)
     }
     locations.close();
     printline(" ");
-    deallocatearraysfordrophaploburnin(s, "AllChrom");
 }
 
 void extractgeneration(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
@@ -82,52 +100,4 @@ void extractgeneration(const state &s, int64 chrom, int64 currentgen, int64 star
                              s.qtn.nqtnrecombonthischrom(chrom));
     if (s.run.fullseqoutonoff)
         writeoutindivphase(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock);
-}
-
-void allocatearraysfordrophaploburnin(state &s, std::string_view part)
-{
-    if (isword(part, "allchrom")) {
-        s.pedi.ped.allocate(s.pop.nindivp);
-        s.pedi.globalgender.allocate(s.pop.nindivp);
-        s.pop.nmalinthisgen.allocate(s.pop.ngen + s.pop.ngensel);
-        s.pop.nfeminthisgen.allocate(s.pop.ngen + s.pop.ngensel);
-        allocatechromarrays(s);
-        s.haplo.globalrecomblocationmax.allocate(s.founders.nchrom);
-        s.haplo.recombcount.allocate(s.pop.nindivp, 2);
-        return;
-    }
-    const int64 nsites = s.sites.nsegregincl;
-    s.chips.snponarrays.allocate(nsites);
-    s.chips.minorallelefreq.allocate(nsites);
-    s.sites.inclsnpid.allocate(nsites);
-    s.sites.inclphysicalmap.allocate(nsites);
-    s.sites.inclmutindicator.allocate(nsites);
-    s.sites.inclmutindicatorindivid.allocate(nsites);
-    s.haplo.recombrateperblock.allocate(s.haplo.nblock);
-    s.haplo.recombfactperblock.allocate(s.haplo.nblock);
-}
-
-void deallocatearraysfordrophaploburnin(state &s, std::string_view part)
-{
-    if (isword(part, "allchrom")) {
-        s.pedi.ped.release();
-        s.pedi.globalgender.release();
-        s.pop.nmalinthisgen.release();
-        s.pop.nfeminthisgen.release();
-        releasechromarrays(s);
-        s.haplo.globalrecomblocationmax.release();
-        s.haplo.recombcount.release();
-        return;
-    }
-    s.haplo.haplotypes.release(); // read by the first generation with an unknown parent
-    s.haplo.tmpgenome.release();
-    s.haplo.oldtmpgenome.release();
-    s.chips.snponarrays.release();
-    s.chips.minorallelefreq.release();
-    s.sites.inclsnpid.release();
-    s.sites.inclphysicalmap.release();
-    s.sites.inclmutindicator.release();
-    s.sites.inclmutindicatorindivid.release();
-    s.haplo.recombrateperblock.release();
-    s.haplo.recombfactperblock.release();
 }

@@ -18,10 +18,6 @@
 // Stops: those of the routines it calls.
 void drophaploburninandmakearrays(state &s);
 
-// The arrays of the stage ("AllChrom") and of one chromosome ("PerChrom"), and their freeing.
-void allocatearraysfordrophaploburnin(state &s, std::string_view part);
-void deallocatearraysfordrophaploburnin(state &s, std::string_view part);
-
 // Writes the chip, QTN and sequence files of a generation that tmpgenome holds.
 void extractgeneration(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
                        int64 endindiv);

@@ -16,7 +16,6 @@ void closedrop(dropwork &work)
 {
     work.tracking.close();
     work.counts.close();
-    work.recomblocation.release();
 }
 
 namespace

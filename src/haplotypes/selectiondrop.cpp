@@ -1,5 +1,6 @@
 #include "haplotypes/selectiondrop.h"
 
+#include "arrayscope.h"
 #include "editing/genedrive.h"
 #include "haplotypes/blocks.h"
 #include "haplotypes/burnindrop.h"
@@ -68,6 +69,8 @@ void setparentrates(state &s, int64 parent)
 void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
                        int64 endtestindiv)
 {
+    arrayscope arrays;
+    arrays.hold(s.haplo.oldtmpgenome);
     const parentrows parents =
         loadparents(s, chrom, currentgen, startindiv, endindiv, endtestindiv);
     setrecombfactors(s, chrom);
@@ -96,20 +99,17 @@ void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv
     }
     writegenome(genomefile(chrom, currentgen), s.haplo.tmpgenome);
     closedrop(work);
-    s.haplo.oldtmpgenome.release();
 }
 
 void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
 {
     for (int64 chrom = 1; chrom <= s.founders.nchrom; ++chrom) {
         s.haplo.nblock = s.sites.nsegreginclglobal(chrom) / lociperblock;
-        s.haplo.tmpgenome.allocate(s.pop.nindivinthisgen(currentgen), s.haplo.nblock);
-        s.haplo.recombrateperblock.allocate(s.haplo.nblock);
-        s.haplo.recombfactperblock.allocate(s.haplo.nblock);
+        arrayscope arrays;
+        arrays.make(s.haplo.tmpgenome, s.pop.nindivinthisgen(currentgen), s.haplo.nblock);
+        arrays.make(s.haplo.recombrateperblock, s.haplo.nblock);
+        arrays.make(s.haplo.recombfactperblock, s.haplo.nblock);
         genedropselection(s, chrom, currentgen, startindiv, endindiv, s.selection.endtestindiv);
         extractgeneration(s, chrom, currentgen, startindiv, endindiv);
-        s.haplo.tmpgenome.release();
-        s.haplo.recombrateperblock.release();
-        s.haplo.recombfactperblock.release();
     }
 }

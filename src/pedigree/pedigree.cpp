@@ -3,6 +3,14 @@
 #include "shell.h"
 #include "words.h"
 
+void makepedigreearrays(state &s, arrayscope &arrays)
+{
+    arrays.make(s.pedi.ped, s.pop.nindivp);
+    arrays.make(s.pedi.globalgender, s.pop.nindivp);
+    arrays.make(s.pop.nmalinthisgen, s.pop.ngen + s.pop.ngensel);
+    arrays.make(s.pop.nfeminthisgen, s.pop.ngen + s.pop.ngensel);
+}
+
 void initline(pedigreeline &row, int64 oldglobalid, int64 newid, int64 newsire, int64 newdam,
               int64 generation, const std::string &path)
 {

@@ -13,6 +13,7 @@
 // unknown parents.
 #pragma once
 
+#include "arrayscope.h"
 #include "state.h"
 
 #include <string>
@@ -24,6 +25,10 @@ constexpr const char *generationtable = "SimulatedData/NbOfIndivInEachGen.txt";
 
 // Bytes of a line of Pedigree.txt, and of its title, line end included.
 constexpr int64 pedigreelinelength = 5 * 20 + 1 + 512 + 1, pedigreetitlelength = 6 * 20 + 1;
+
+// Makes the table and what goes with it, all entries 0: ped and globalgender (nindivp),
+// nmalinthisgen and nfeminthisgen (ngen+ngensel).
+void makepedigreearrays(state &s, arrayscope &arrays);
 
 // Fills a row that has not been filled before, otherwise does nothing. path: working directory
 // of the run that makes the row; the present one if it isn't given.
