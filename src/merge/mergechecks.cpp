@@ -254,7 +254,6 @@ void checkburnin(const state &s, const std::string &folder)
 
 void checkmergefolders(state &s, const mergeplan &plan)
 {
-    allocatechromarrays(s);
     const sitesbyfile ofburnin = checksites(s, plan.burninfolder);
     const array1<int64> nsegreginclglobal = s.sites.nsegreginclglobal;
     const array1<int64> nqtnonthischrom = s.qtn.nqtnonthischrom;

@@ -12,7 +12,7 @@ void checkfolder(const std::string &folder);
 // Checks the burn-in folder and all source folders of the plan: they hold the files needed, with
 // the numbers of chromosomes, chips, SNP and QTN of the specification, the same sites and traits,
 // and records of all individuals that are taken. Fills, for the burn-in folder, the arrays of
-// allocatechromarrays, which are made here.
+// makechromarrays, which the caller has made.
 // Reads    the specification's numbers of chromosomes, chips, QTN and traits
 void checkmergefolders(state &s, const mergeplan &plan);
 

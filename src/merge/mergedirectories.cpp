@@ -1,5 +1,6 @@
 #include "merge/mergedirectories.h"
 
+#include "founders/stores.h"
 #include "haplotypes/blocks.h"
 #include "haplotypes/droplines.h"
 #include "merge/mergechecks.h"
@@ -204,6 +205,8 @@ void mergedirectories(state &s)
 {
     array1<pedigreeline> ped;
     const mergeplan plan = mergepedigree(s, mergereadpaths(s), ped);
+    arrayscope arrays;
+    makechromarrays(s, arrays);
     checkmergefolders(s, plan);
     checkopenfiles(plan);
 

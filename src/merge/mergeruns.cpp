@@ -1,5 +1,6 @@
 #include "merge/mergeruns.h"
 
+#include "founders/stores.h"
 #include "haplotypes/blocks.h"
 #include "haplotypes/droplines.h"
 #include "merge/mergechecks.h"
@@ -105,6 +106,8 @@ void copyselection(const std::string &folder)
 void mergeruns(state &s)
 {
     const mergeplan plan = readplan(s);
+    arrayscope arrays;
+    makechromarrays(s, arrays);
     checkmergefolders(s, plan);
     checkopenfiles(plan);
 
@@ -171,14 +174,13 @@ void writefixedqtns(state &s, int64 ngenerations)
 {
     for (int64 g = 1; g <= ngenerations; ++g) {
         const int64 n = s.pop.nindivinthisgen(g);
-        s.qtn.allqtngenosunres.allocate(n, s.qtn.ntotqtn);
-        s.qtn.allqtngenosrestr.allocate(n, s.qtn.ntotqtn);
-        if (s.selection.recombselonoff) s.qtn.allqtngenosrecomb.allocate(n, s.qtn.ntotqtnrecomb);
+        arrayscope arrays;
+        arrays.make(s.qtn.allqtngenosunres, n, s.qtn.ntotqtn);
+        arrays.make(s.qtn.allqtngenosrestr, n, s.qtn.ntotqtn);
+        if (s.selection.recombselonoff)
+            arrays.make(s.qtn.allqtngenosrecomb, n, s.qtn.ntotqtnrecomb);
         compileqtngenotypes(s, g, firstindivofgen(s, g), lastindivofgen(s, g));
     }
-    s.qtn.allqtngenosunres.release();
-    s.qtn.allqtngenosrestr.release();
-    s.qtn.allqtngenosrecomb.release();
 }
 } // namespace
 

@@ -1,7 +1,5 @@
 #include "results/gathering.h"
 
-#include "founders/stores.h"
-
 #include <cstring>
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -25,17 +23,6 @@ void store(char *to, word value)
     std::memcpy(to, &value, 8);
 }
 } // namespace
-
-void allocatearraysforwriteoutsnpseq(state &s)
-{
-    allocatechromarrays(s);
-    readsegsitesdatafromallchrom(s);
-}
-
-void deallocatearraysforwriteoutsnpseq(state &s)
-{
-    releasechromarrays(s);
-}
 
 void openresultfile(outfile &out, const state &s, const std::string &path, int64 firsttmpgen,
                     int64 linesperindiv, int64 nsites, int64 titlelength)

@@ -1,15 +1,10 @@
-// gathering.h - what chip and sequence output share: rows of alleles as text, and the arrays of the
-// stage.
+// gathering.h - what chip and sequence output share: rows of alleles as text.
 //
 // A row is I20, nI2 and a line end. In a row the text of an allele is " 0" or " 1", so that the
 // genotype row is formed from both gametes' rows by adding bytes.
 #pragma once
 
 #include "state.h"
-
-// The arrays of the founder stores, made and filled, and freed again.
-void allocatearraysforwriteoutsnpseq(state &s);
-void deallocatearraysforwriteoutsnpseq(state &s);
 
 // Opens a result file: anew for generation 1, else behind the lines of the generations before.
 //   linesperindiv  2 for phases, 1 for genotypes

@@ -1,5 +1,6 @@
 #include "results/sequence.h"
 
+#include "founders/stores.h"
 #include "results/gathering.h"
 #include "shell.h"
 #include "stops.h"
@@ -86,7 +87,9 @@ void writemap(const state &s, int64 lasttmpgen)
 
 void writeoutsequence(state &s, int64 firsttmpgen, int64 lasttmpgen)
 {
-    allocatearraysforwriteoutsnpseq(s);
+    arrayscope arrays;
+    makechromarrays(s, arrays);
+    readsegsitesdatafromallchrom(s);
     const int64 totalsites = countsites(s);
     outfile phases, genotypes;
     openresultfile(phases, s, sequencephasefile, firsttmpgen, 2, totalsites, titlelength);
@@ -102,7 +105,6 @@ void writeoutsequence(state &s, int64 firsttmpgen, int64 lasttmpgen)
     writemap(s, lasttmpgen);
     phases.close();
     genotypes.close();
-    deallocatearraysforwriteoutsnpseq(s);
 }
 
 void zipsequenceoutputfiles(state &s, int64 firsttmpgen, int64 lasttmpgen)
