@@ -157,8 +157,9 @@ void barelookups(const array2<int8> *const *genos, array2<double> &sums)
 void comparebreedingvalues(state &s)
 {
     s.values.nindivinsimulrun = nindiv;
-    allocatearraysforcomputevaravareandtpv(s, "AllGen");
-    allocatearraysforcomputevaravareandtpv(s, "PerGen");
+    arrayscope arrays;
+    makevaluearrays(s, arrays);
+    makegenotypetables(s, arrays);
     std::mt19937 draws(2);
     for (array2<int8> *genos : {&s.qtn.allqtngenosunres, &s.qtn.allqtngenosrestr})
         for (int8 &x : *genos) x = static_cast<int8>(draws() % 3);
@@ -170,8 +171,6 @@ void comparebreedingvalues(state &s)
         [&] { barelookups(genos, sums); });
     volatile double keep = sums(1, 1) + sums(nindiv, 4);
     static_cast<void>(keep);
-    deallocatearraysforcomputevaravareandtpv(s, "PerGen");
-    deallocatearraysforcomputevaravareandtpv(s, "AllGen");
 }
 
 // Output files of the values stage.

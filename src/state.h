@@ -154,7 +154,7 @@ struct qtndata {
     array2<double> domdegnormalunres, domdegnormalrestr, domdeggammaunrestr, domdeggammarestr;
     array2<double> domeffnormalunres, domeffnormalrestr, domeffgammaunres, domeffgammarestr;
     array2<double> alphanormalunres, alphanormalrestr, alphagammaunrestr, alphagammarestr;
-    array1<double> addeffrecomb, varageniclocrecomb; // (ntotqtnrecomb)
+    array1<double> addeffrecomb; // (ntotqtnrecomb)
     // (nindivinsimulrun, ntotqtn or ntotqtnrecomb) genotypes of the individuals at hand
     array2<int8> allqtngenosunres, allqtngenosrestr, allqtngenosrecomb;
 };
@@ -169,16 +169,14 @@ struct traitsettings {
 
 // Values and variances. Lifetime: Stage.
 struct valuedata {
-    int64 nindivinsimulrun = 0;        // individuals of the generation at hand
-    array3<double> tbv, tdv, tev, tpv; // (nindivp, nqtnmodels, ntraits)
-    array1<double> tbvrecomb, tbvrecombz, recombeta, recombperindperchr; // (nindivp)
+    int64 nindivinsimulrun = 0;   // individuals of the generation at hand
+    array3<double> tbv, tdv, tpv; // (nindivp, nqtnmodels, ntraits)
+    array1<double> tbvrecomb, tbvrecombz, recombperindperchr; // (nindivp)
     double recombmeanz = 0, recombstddevz = 0;
     double heritrecomb = 0;
     array2<double> vara, vard, vare; // (nqtnmodels, ntraits)
     array3<double> cova, covd;       // (nqtnmodels, ntraits, ntraits)
     double vararecomb = 0, varerecomb = 0, vararecombt = 0;
-    array2<double> varagenic, vardgenic, varagenetic, vardgenetic; // (nqtnmodels, ntraits)
-    array3<double> varagenicloc, vardgenicloc;                     // (ntotqtn, nqtnmodels, ntraits)
 };
 
 // Selection. Lifetime: the reader's values Run, the others Stage or one selection cycle.

@@ -13,6 +13,7 @@
 #include "stops.h"
 #include "values/qtngenotypes.h"
 #include "values/recombtrait.h"
+#include "values/valuearrays.h"
 #include "words.h"
 
 #include <algorithm>
@@ -173,12 +174,9 @@ void setgenerations(state &s, const std::vector<int64> &sizes)
 void writefixedqtns(state &s, int64 ngenerations)
 {
     for (int64 g = 1; g <= ngenerations; ++g) {
-        const int64 n = s.pop.nindivinthisgen(g);
         arrayscope arrays;
-        arrays.make(s.qtn.allqtngenosunres, n, s.qtn.ntotqtn);
-        arrays.make(s.qtn.allqtngenosrestr, n, s.qtn.ntotqtn);
-        if (s.selection.recombselonoff)
-            arrays.make(s.qtn.allqtngenosrecomb, n, s.qtn.ntotqtnrecomb);
+        s.values.nindivinsimulrun = s.pop.nindivinthisgen(g);
+        makegenotypetables(s, arrays);
         compileqtngenotypes(s, g, firstindivofgen(s, g), lastindivofgen(s, g));
     }
 }

@@ -214,14 +214,14 @@ bool runcycle(state &s, int64 currentgen, int64 endgen)
     const int64 selectioncycle = currentgen - s.pop.ngen;
     const bool imported = s.run.selflexibilityonoff && s.run.importextpedforthisgen == currentgen;
     computedescriptvariablesforselection(s, selectioncycle, currentgen);
-    allocatearraysfordrophaploselection(s, currentgen, "Selection");
+    arrayscope arrays;
+    makecyclearrays(s, currentgen, arrays);
     if (imported && s.run.importstage == 2)
         importexternalpedforcurrentselgen(s, selectioncycle, currentgen);
     for (int64 t = 1; t <= s.traits.ntraits; ++t) evaluatetrait(s, selectioncycle, currentgen, t);
     computeselectionindex(s, selectioncycle, currentgen);
     if (imported && s.run.importstage == 1) {
         importexternalpedforcurrentselgen(s, selectioncycle, currentgen);
-        deallocatearraysfordrophaploselection(s, currentgen, "Selection");
         return false;
     }
     const int64 startindiv = s.selection.endtestindiv + 1;
@@ -233,7 +233,6 @@ bool runcycle(state &s, int64 currentgen, int64 endgen)
     makegeneration(s, currentgen, startindiv, endindiv);
     if (currentgen == endgen) reportlastgeneration(s, selectioncycle, currentgen);
     if (s.editing.genedriveonoff && currentgen == endgen) writegenedriveinformation(s, currentgen);
-    deallocatearraysfordrophaploselection(s, currentgen, "Selection");
     printline("");
     return true;
 }
@@ -269,11 +268,13 @@ void printoutselectiondetails(const state &s)
 void drophaploselection(state &s)
 {
     if (s.run.specendgen <= s.pop.ngen) return; // nothing of selection belongs to this run
-    allocatearraysfordrophaploselection(s, 0, "ChromPedi");
+    arrayscope arrays;
+    makepedigreearrays(s, arrays);
+    makechromarrays(s, arrays);
     readpedigreegender(s);
     if (!isword(s.pedi.pedigreestatus, "internal")) readgenders(s);
     readsegsitesdatafromallchrom(s);
-    allocatearraysfordrophaploselection(s, 0, "QtnTbvGEd");
+    makestagearrays(s, arrays);
 
     int64 startgen = s.pop.ngen + 1, endgen = s.pop.ngen + s.pop.ngensel;
     if (s.run.genflexibilityonoff) {
@@ -285,7 +286,4 @@ void drophaploselection(state &s)
     for (int64 currentgen = startgen; currentgen <= endgen; ++currentgen)
         if (!runcycle(s, currentgen, endgen)) break;
     writeglobalrecomblocationmax(s);
-
-    deallocatearraysfordrophaploselection(s, 0, "QtnTbvGEd");
-    deallocatearraysfordrophaploselection(s, 0, "ChromPedi");
 }

@@ -1,22 +1,15 @@
 // effectarrays.h - the arrays of QTN effects that several stages make alike, and those of the
-// effect stage.
+// effect stage. All entries 0.
 #pragma once
 
+#include "arrayscope.h"
 #include "state.h"
 
-#include <string_view>
-
 // The eight arrays of additive and average substitution effects (ntotqtn, ntraits).
-void allocateadditivearrays(state &s);
-void releaseadditivearrays(state &s);
+void makeadditivearrays(state &s, arrayscope &arrays);
 // The four arrays of dominance effects (ntotqtn, ntraits).
-void allocatedominancearrays(state &s);
-void releasedominancearrays(state &s);
+void makedominancearrays(state &s, arrayscope &arrays);
 
-// Arrays of the effect stage. "ChromData": counts and mutations by chromosome, those that
-// readsegsitesdatafromallchrom fills; any other word ("SimulData"): everything whose extents that
-// reading settles (per QTN, per QTN and trait, variances). Dominance arrays only with dominonoff,
-// recombination arrays only with recombselonoff.
-void allocatearraysforsimulateqtneffects(state &s, std::string_view part);
-// Frees both groups.
-void deallocatearraysforsimulateqtneffects(state &s);
+// What the effect stage fills, per QTN and per QTN and trait, when the numbers of QTN are known;
+// dominance arrays only with dominonoff, recombination arrays only with recombselonoff.
+void makeeffectarrays(state &s, arrayscope &arrays);

@@ -36,24 +36,24 @@ classcounts countlargest(const double *sorted, int64 n, double total)
     return counts;
 }
 
-// Sorts the variances ascending, and gives their sum from the smallest upward.
-double sortandsum(double *variances, int64 n)
+// The number of QTN in each class. Sums from the smallest variance upward.
+classcounts classify(array1<double> &variances)
 {
-    hpsortreal(n, variances);
+    const int64 n = variances.size();
+    hpsortreal(n, variances.data());
     double total = 0;
-    for (int64 k = 0; k < n; ++k) total += variances[k];
-    return total;
+    for (const double variance : variances) total += variance;
+    return countlargest(variances.data(), n, total);
 }
 
 classcounts classifymodel(state &s, int64 p, int64 j)
 {
     const qtnmodelview model = viewofmodel(s, p);
     const array2<double> &effects = s.qtn.dominonoff ? model.alpha : model.addeff;
-    double *const variances = s.values.varagenicloc.column(p, j);
+    array1<double> variances(s.qtn.ntotqtn);
     for (int64 q = 1; q <= s.qtn.ntotqtn; ++q)
-        s.values.varagenicloc(q, p, j) = locusgenicvariance(model.freq(q), effects(q, j));
-    s.values.varagenic(p, j) = sortandsum(variances, s.qtn.ntotqtn);
-    return countlargest(variances, s.qtn.ntotqtn, s.values.varagenic(p, j));
+        variances(q) = locusgenicvariance(model.freq(q), effects(q, j));
+    return classify(variances);
 }
 
 void putclassrow(textline &line, double fraction, const array1<classcounts> &counts, std::size_t a)
@@ -87,18 +87,17 @@ void printclasses(const state &s, int64 j, const array1<classcounts> &counts)
     printfree("     ");
 }
 
-void classifyrecombination(state &s)
+void classifyrecombination(const state &s)
 {
-    qtndata &d = s.qtn;
+    const qtndata &d = s.qtn;
     outfile out("./SimulatedData/ProportionOfVariationExplainedByNumberOfQtnRecombination.txt");
     textline line;
     puta(line, "         PercentVarExplained      nQtnRecomb", 44);
     out.writeline(line);
+    array1<double> variances(d.ntotqtnrecomb);
     for (int64 q = 1; q <= d.ntotqtnrecomb; ++q)
-        d.varageniclocrecomb(q) = locusgenicvariance(d.allqtnfreqrecomb(q), d.addeffrecomb(q));
-    const double total = sortandsum(d.varageniclocrecomb.data(), d.ntotqtnrecomb);
-    array1<classcounts> counts(1);
-    counts(1) = countlargest(d.varageniclocrecomb.data(), d.ntotqtnrecomb, total);
+        variances(q) = locusgenicvariance(d.allqtnfreqrecomb(q), d.addeffrecomb(q));
+    const array1<classcounts> counts(1, classify(variances));
     for (std::size_t a = 0; a < nclasses; ++a) {
         putclassrow(line, classthresh[a], counts, a);
         out.writeline(line);

@@ -113,9 +113,10 @@ void readqtninformation(state &s)
 
 void simulateqtneffects(state &s)
 {
-    allocatearraysforsimulateqtneffects(s, "ChromData");
+    arrayscope arrays;
+    makechromarrays(s, arrays);
     readsegsitesdatafromallchrom(s);
-    allocatearraysforsimulateqtneffects(s, "SimulData");
+    makeeffectarrays(s, arrays);
     readqtninformation(s);
     workoutcovvariances(s, "Additive");
     drawadditiveeffects(s);
@@ -130,5 +131,4 @@ void simulateqtneffects(state &s)
     }
     if (s.selection.recombselonoff) compileqtnrecombination(s);
     classifyqtns(s);
-    deallocatearraysforsimulateqtneffects(s);
 }

@@ -179,7 +179,8 @@ void computegeneration(state &s, int64 gen)
 {
     const int64 startindiv = firstindivofgen(s, gen), endindiv = lastindivofgen(s, gen);
     s.values.nindivinsimulrun = s.pop.nindivinthisgen(gen);
-    allocatearraysforcomputevaravareandtpv(s, "PerGen");
+    arrayscope arrays;
+    makegenotypetables(s, arrays);
     compileqtngenotypes(s, gen, startindiv, endindiv);
     computetbv(s, startindiv, endindiv);
     if (s.qtn.dominonoff) computetdv(s, startindiv, endindiv);
@@ -191,18 +192,19 @@ void computegeneration(state &s, int64 gen)
         printoutvarcomponents(s);
     }
     computetpv(s, gen, startindiv, endindiv);
-    deallocatearraysforcomputevaravareandtpv(s, "PerGen");
 }
 } // namespace
 
 void computetbvvaravareandburnintpv(state &s)
 {
     const generationspan span = burningenerations(s);
-    allocatearraysforcomputevaravareandtpv(s, "AllGen");
+    arrayscope arrays;
+    makepedigreearrays(s, arrays);
+    makechromarrays(s, arrays);
+    makevaluearrays(s, arrays);
     readpedigreegender(s);
     readsegsitesdatafromallchrom(s);
     for (int64 gen = span.first; gen <= span.last; ++gen) computegeneration(s, gen);
-    deallocatearraysforcomputevaravareandtpv(s, "AllGen");
 }
 
 void computevaravardvare(state &s, int64 startindiv, int64 endindiv)

@@ -41,18 +41,20 @@ void readfrequencies(const state &s, const char *set, int64 currentgen, array1<d
     }
 }
 
-void computeloci(state &s, int64 p, int64 j)
+// The variances of a generation, (nqtnmodels, ntraits).
+struct generationvariances {
+    array2<double> additgenic, domingenic, additgenetic, domingenetic;
+};
+
+void sumloci(const state &s, int64 p, int64 j, generationvariances &v)
 {
     const qtnmodelview model = viewofmodel(s, p);
-    valuedata &v = s.values;
     for (int64 q = 1; q <= s.qtn.ntotqtn; ++q) {
         const double f = model.freq(q);
-        v.varagenicloc(q, p, j) = locusgenicvariance(f, model.alpha(q, j));
-        v.varagenic(p, j) += v.varagenicloc(q, p, j);
+        v.additgenic(p, j) += locusgenicvariance(f, model.alpha(q, j));
         if (!s.qtn.dominonoff) continue;
         const double deviation = 2 * f * (1 - f) * model.domeff(q, j);
-        v.vardgenicloc(q, p, j) = deviation * deviation;
-        v.vardgenic(p, j) += v.vardgenicloc(q, p, j);
+        v.domingenic(p, j) += deviation * deviation;
     }
 }
 
@@ -64,9 +66,8 @@ double samplevariance(const state &s, const array3<double> &values, int64 gen, i
     return var;
 }
 
-void writevariances(const state &s, int64 currentgen)
+void writevariances(const state &s, int64 currentgen, const generationvariances &v)
 {
-    const valuedata &v = s.values;
     outfile out;
     if (currentgen == 1) {
         out.open(variancetable);
@@ -79,7 +80,7 @@ void writevariances(const state &s, int64 currentgen)
         puti(line, currentgen, 10);
         puti(line, p, 10);
         for (const array2<double> *variances :
-             {&v.varagenic, &v.vardgenic, &v.varagenetic, &v.vardgenetic})
+             {&v.additgenic, &v.domingenic, &v.additgenetic, &v.domingenetic})
             for (int64 j = 1; j <= s.traits.ntraits; ++j) putf(line, (*variances)(p, j), 20, 10);
         out.writeline(line);
     }
@@ -89,20 +90,19 @@ void writevariances(const state &s, int64 currentgen)
 
 void computetotalgenicvariances(state &s, int64 currentgen)
 {
-    valuedata &v = s.values;
-    for (array2<double> *a : {&v.varagenic, &v.vardgenic, &v.varagenetic, &v.vardgenetic})
-        a->fill(0);
-    v.varagenicloc.fill(0);
-    v.vardgenicloc.fill(0);
     readfrequencies(s, "Unrestricted", currentgen, s.qtn.allqtnfrequnres);
     readfrequencies(s, "Restricted", currentgen, s.qtn.allqtnfreqrestr);
     readsubstitutioneffects(s);
     if (s.qtn.dominonoff) readdominanceeffects(s);
+    generationvariances v;
+    for (array2<double> *a : {&v.additgenic, &v.domingenic, &v.additgenetic, &v.domingenetic})
+        a->allocate(s.qtn.nqtnmodels, s.traits.ntraits);
     for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p)
         for (int64 j = 1; j <= s.traits.ntraits; ++j) {
-            computeloci(s, p, j);
-            v.varagenetic(p, j) = samplevariance(s, v.tbv, currentgen, p, j);
-            if (s.qtn.dominonoff) v.vardgenetic(p, j) = samplevariance(s, v.tdv, currentgen, p, j);
+            sumloci(s, p, j, v);
+            v.additgenetic(p, j) = samplevariance(s, s.values.tbv, currentgen, p, j);
+            if (s.qtn.dominonoff)
+                v.domingenetic(p, j) = samplevariance(s, s.values.tdv, currentgen, p, j);
         }
-    writevariances(s, currentgen);
+    writevariances(s, currentgen, v);
 }

@@ -11,8 +11,7 @@ constexpr const char *variancetable =
 // ...QtnAlleleFreqGeneration<g>.txt: what loci that are independent would give. Genetic: the
 // sample variance of tbv and tdv, which are complete by now, over the generation's individuals.
 // The difference shows what selection and linkage do.
-// Fills varagenicloc, vardgenicloc, varagenic, vardgenic, varagenetic, vardgenetic; leaves the
-// frequencies of this generation in allqtnfrequnres and allqtnfreqrestr. Extends
+// Leaves the frequencies of this generation in allqtnfrequnres and allqtnfreqrestr. Extends
 // SimulatedData/TotalGenicAndGeneticVariancesPerGeneration.txt by a line per QTN model,
 // (2I10, 4 x ntraits F20.10), title with generation 1.
 // Stop 110003: fewer than two individuals.

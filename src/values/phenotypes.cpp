@@ -53,7 +53,6 @@ void drawphenotypes(state &s, int64 p, int64 startindiv, int64 endindiv)
             z(j) = gasdev(s.random);
             double residual = 0;
             for (int64 h = 1; h <= j; ++h) residual += s.traits.cholcove(p, j, h) * z(h);
-            v.tev(i, p, j) = residual;
             v.tpv(i, p, j) = (v.tbv(i, p, j) + v.tdv(i, p, j)) + residual;
         }
 }

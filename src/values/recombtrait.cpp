@@ -49,8 +49,7 @@ void standardise(state &s, int64 startindiv, int64 endindiv)
         v.tbvrecombz(i) =
             varies ? ((v.tbvrecomb(i) - v.recombmeanz) / v.recombstddevz) * std::sqrt(v.vararecombt)
                    : 0;
-        v.recombeta(i) = std::log(maplength) + v.tbvrecombz(i);
-        v.recombperindperchr(i) = std::exp(v.recombeta(i)) / nchrom;
+        v.recombperindperchr(i) = std::exp(std::log(maplength) + v.tbvrecombz(i)) / nchrom;
     }
 }
 

@@ -9,8 +9,8 @@ constexpr const char *recombinationtable = "./SimulatedData/PedigreeTbvRecombina
 //   tbvrecomb           sum over its QTN of effect x (x - 2f); the caller has zeroed it
 //   tbvrecombz          tbvrecomb standardised within the generation, times sqrt(vararecombt);
 //                       0 for all when the generation has no variance
-//   recombeta           log(M C) + tbvrecombz
-//   recombperindperchr  exp(recombeta) / C: the rate, in Morgans, of the gametes that it gives
+//   recombperindperchr  exp(log(M C) + tbvrecombz) / C: the rate, in Morgans, of the gametes that
+//   it gives
 // vararecombt = (heritrecomb / (M C)) / (1 - heritrecomb), so that with the residual variance
 // 1 / (M C) of the crossovers themselves the trait has its heritability; nothing is drawn.
 // recombcount of all individuals so far comes from RecombinationCount.txt.

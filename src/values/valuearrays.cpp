@@ -1,115 +1,32 @@
 #include "values/valuearrays.h"
 
-#include "founders/stores.h"
 #include "traits/effectarrays.h"
-#include "words.h"
 
-void allocatevariances(state &s)
+void makevaluearrays(state &s, arrayscope &arrays)
 {
     valuedata &v = s.values;
     const int64 nmodels = s.qtn.nqtnmodels, ntraits = s.traits.ntraits;
-    for (array3<double> *a : {&v.varagenicloc, &v.vardgenicloc})
-        a->allocate(s.qtn.ntotqtn, nmodels, ntraits);
-    for (array2<double> *a :
-         {&v.varagenic, &v.vardgenic, &v.varagenetic, &v.vardgenetic, &v.vara, &v.vard, &v.vare})
-        a->allocate(nmodels, ntraits);
-    for (array3<double> *a : {&v.cova, &v.covd}) a->allocate(nmodels, ntraits, ntraits);
+    for (array2<double> *a : {&v.vara, &v.vard, &v.vare}) arrays.make(*a, nmodels, ntraits);
+    for (array3<double> *a : {&v.cova, &v.covd}) arrays.make(*a, nmodels, ntraits, ntraits);
+    for (array3<double> *a : {&v.tbv, &v.tdv, &v.tpv})
+        arrays.make(*a, s.pop.nindivp, nmodels, ntraits);
+    for (array1<double> *a : {&v.recombperindperchr, &v.tbvrecomb, &v.tbvrecombz})
+        arrays.make(*a, s.pop.nindivp);
+    arrays.make(s.haplo.recombcount, s.pop.nindivp, 2);
+
+    arrays.make(s.qtn.allqtnfrequnres, s.qtn.ntotqtn);
+    arrays.make(s.qtn.allqtnfreqrestr, s.qtn.ntotqtn);
+    makeadditivearrays(s, arrays);
+    if (s.qtn.dominonoff) makedominancearrays(s, arrays);
+    if (!s.selection.recombselonoff) return;
+    arrays.make(s.qtn.allqtnfreqrecomb, s.qtn.ntotqtnrecomb);
+    arrays.make(s.qtn.addeffrecomb, s.qtn.ntotqtnrecomb);
 }
 
-void releasevariances(state &s)
+void makegenotypetables(state &s, arrayscope &arrays)
 {
-    valuedata &v = s.values;
-    for (array3<double> *a : {&v.varagenicloc, &v.vardgenicloc, &v.cova, &v.covd}) a->release();
-    for (array2<double> *a :
-         {&v.varagenic, &v.vardgenic, &v.varagenetic, &v.vardgenetic, &v.vara, &v.vard, &v.vare})
-        a->release();
-}
-
-void allocatevalues(state &s)
-{
-    valuedata &v = s.values;
-    for (array3<double> *a : {&v.tbv, &v.tdv, &v.tev, &v.tpv})
-        a->allocate(s.pop.nindivp, s.qtn.nqtnmodels, s.traits.ntraits);
-    for (array1<double> *a : {&v.recombeta, &v.recombperindperchr, &v.tbvrecomb, &v.tbvrecombz})
-        a->allocate(s.pop.nindivp);
-}
-
-void releasevalues(state &s)
-{
-    valuedata &v = s.values;
-    for (array3<double> *a : {&v.tbv, &v.tdv, &v.tev, &v.tpv}) a->release();
-    for (array1<double> *a : {&v.recombeta, &v.recombperindperchr, &v.tbvrecomb, &v.tbvrecombz})
-        a->release();
-}
-
-namespace
-{
-void allocateallgen(state &s)
-{
-    s.pedi.ped.allocate(s.pop.nindivp);
-    s.pedi.globalgender.allocate(s.pop.nindivp);
-    s.pop.nmalinthisgen.allocate(s.pop.ngen + s.pop.ngensel);
-    s.pop.nfeminthisgen.allocate(s.pop.ngen + s.pop.ngensel);
-    allocatechromarrays(s);
-    s.qtn.allqtnfrequnres.allocate(s.qtn.ntotqtn);
-    s.qtn.allqtnfreqrestr.allocate(s.qtn.ntotqtn);
-    allocateadditivearrays(s);
-    if (s.qtn.dominonoff) allocatedominancearrays(s);
-    allocatevariances(s);
-    allocatevalues(s);
-    if (s.selection.recombselonoff) {
-        s.haplo.recombcount.allocate(s.pop.nindivp, 2);
-        s.qtn.allqtnfreqrecomb.allocate(s.qtn.ntotqtnrecomb);
-        s.qtn.addeffrecomb.allocate(s.qtn.ntotqtnrecomb);
-    }
-}
-
-void releaseallgen(state &s)
-{
-    s.pedi.ped.release();
-    s.pedi.globalgender.release();
-    s.pop.nmalinthisgen.release();
-    s.pop.nfeminthisgen.release();
-    releasechromarrays(s);
-    s.qtn.allqtnfrequnres.release();
-    s.qtn.allqtnfreqrestr.release();
-    releaseadditivearrays(s);
-    releasedominancearrays(s);
-    releasevariances(s);
-    releasevalues(s);
-    s.haplo.recombcount.release();
-    s.qtn.allqtnfreqrecomb.release();
-    s.qtn.addeffrecomb.release();
-}
-} // namespace
-
-void allocategenotypetables(state &s)
-{
-    s.qtn.allqtngenosunres.allocate(s.values.nindivinsimulrun, s.qtn.ntotqtn);
-    s.qtn.allqtngenosrestr.allocate(s.values.nindivinsimulrun, s.qtn.ntotqtn);
+    arrays.make(s.qtn.allqtngenosunres, s.values.nindivinsimulrun, s.qtn.ntotqtn);
+    arrays.make(s.qtn.allqtngenosrestr, s.values.nindivinsimulrun, s.qtn.ntotqtn);
     if (s.selection.recombselonoff)
-        s.qtn.allqtngenosrecomb.allocate(s.values.nindivinsimulrun, s.qtn.ntotqtnrecomb);
-}
-
-void releasegenotypetables(state &s)
-{
-    s.qtn.allqtngenosunres.release();
-    s.qtn.allqtngenosrestr.release();
-    s.qtn.allqtngenosrecomb.release();
-}
-
-void allocatearraysforcomputevaravareandtpv(state &s, std::string_view data)
-{
-    if (isword(data, "allgen"))
-        allocateallgen(s);
-    else
-        allocategenotypetables(s);
-}
-
-void deallocatearraysforcomputevaravareandtpv(state &s, std::string_view data)
-{
-    if (isword(data, "allgen"))
-        releaseallgen(s);
-    else
-        releasegenotypetables(s);
+        arrays.make(s.qtn.allqtngenosrecomb, s.values.nindivinsimulrun, s.qtn.ntotqtnrecomb);
 }

@@ -171,7 +171,7 @@ TEST_F(effectstage, filesholdtheplaindraws)
         ASSERT_EQ(result.code(), 0) << result.stop.reason;
         EXPECT_EQ(s.random.idum, slow.after);
         EXPECT_FALSE(s.qtn.addeffnormalunres.allocated() || s.qtn.nqtnonthischrom.allocated() ||
-                     s.qtn.domdeggammarestr.allocated() || s.values.varagenic.allocated());
+                     s.qtn.domdeggammarestr.allocated());
 
         for (int set = 0; set < 2; ++set) {
             const std::string name = set == 0 ? "Unrestricted" : "Restricted";
@@ -281,7 +281,8 @@ TEST(effectdistributions, momentsareasaskedfor)
     s.qtn.dominonoff = true;
     s.qtn.domdegmean = 0.2;
     s.qtn.domdegvar = 0.5;
-    allocatearraysforsimulateqtneffects(s, "SimulData");
+    arrayscope arrays;
+    makeeffectarrays(s, arrays);
     s.qtn.qtngamma.fill(1);
     workoutcovvariances(s, "Additive");
     simuladditiveeffects(s, s.qtn.allqtnmutindunres, s.qtn.addeffnormalunres,
@@ -395,7 +396,8 @@ TEST_F(effectstage, classesofqtn)
     qtninputs in;
     state s = in.settings();
     s.qtn.ntotqtn = s.qtn.ntotqtngamma = 100;
-    allocatearraysforsimulateqtneffects(s, "SimulData");
+    arrayscope arrays;
+    makeeffectarrays(s, arrays);
     s.qtn.allqtnfrequnres.fill(0.5);
     s.qtn.allqtnfreqrestr.fill(0.5);
     s.qtn.addeffnormalunres.fill(0.25);

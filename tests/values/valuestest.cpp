@@ -1,4 +1,5 @@
 // Routines of the values stage one by one.
+#include "pedigree/pedigree.h"
 #include "sortstat.h"
 #include "testsupport.h"
 #include "traits/covariances.h"
@@ -28,18 +29,22 @@ class values : public infolder
     }
 };
 
-// A state with one generation of n individuals, value arrays made, pedigree numbered.
-state onegeneration(int64 n, int64 ntraits)
-{
-    qtninputs in;
-    in.sizes = {n};
-    state s = in.settings(ntraits);
-    s.qtn.ntotqtn = 2;
-    allocatearraysforcomputevaravareandtpv(s, "AllGen");
-    for (int64 i = 1; i <= n; ++i) s.pedi.ped(i).newid = i;
-    s.values.nindivinsimulrun = n;
-    return s;
-}
+// One generation of n individuals, value arrays made, pedigree numbered.
+struct onegeneration {
+    onegeneration(int64 n, int64 ntraits)
+    {
+        qtninputs in;
+        in.sizes = {n};
+        s = in.settings(ntraits);
+        s.qtn.ntotqtn = 2;
+        makepedigreearrays(s, arrays);
+        makevaluearrays(s, arrays);
+        for (int64 i = 1; i <= n; ++i) s.pedi.ped(i).newid = i;
+        s.values.nindivinsimulrun = n;
+    }
+    state s;
+    arrayscope arrays;
+};
 } // namespace
 
 // Sizes around the squares of 16 and the tiles of 512.
@@ -76,7 +81,8 @@ TEST(qtntables, transposingandsummingintiles)
 TEST_F(values, residualcovariancesandheritability)
 {
     const int64 n = 20000;
-    state s = onegeneration(n, 3);
+    onegeneration generation(n, 3);
+    state &s = generation.s;
     for (int64 i = 1; i <= n; ++i)
         for (int64 p = 1; p <= 4; ++p)
             for (int64 j = 1; j <= 3; ++j)
@@ -86,6 +92,9 @@ TEST_F(values, residualcovariancesandheritability)
     s.traits.cholcove.fill(-1); // taken back from the files
     computetpv(s, 1, 1, n);
     const double count = static_cast<double>(n);
+    const auto residual = [&](int64 i, int64 p, int64 j) {
+        return s.values.tpv(i, p, j) - s.values.tbv(i, p, j);
+    };
     for (int64 p = 1; p <= 4; ++p)
         for (int64 j = 1; j <= 3; ++j) {
             const double h = s.traits.herit(j), ve = s.values.vare(p, j);
@@ -94,7 +103,7 @@ TEST_F(values, residualcovariancesandheritability)
                         5 * static_cast<double>(p) * std::sqrt(2 / count));
             for (int64 k = 1; k <= j; ++k) {
                 double sum = 0;
-                for (int64 i = 1; i <= n; ++i) sum += s.values.tev(i, p, j) * s.values.tev(i, p, k);
+                for (int64 i = 1; i <= n; ++i) sum += residual(i, p, j) * residual(i, p, k);
                 const double vk = s.values.vare(p, k);
                 const double wanted = (j == k ? 1.0 : -0.2) * std::sqrt(ve * vk);
                 EXPECT_NEAR(sum / count, wanted,
@@ -111,7 +120,8 @@ TEST_F(values, residualcovariancesandheritability)
 // Five traits: a matrix row goes on in a new line behind four numbers.
 TEST_F(values, covariancerowsoffourcolumns)
 {
-    state s = onegeneration(6, 5);
+    onegeneration generation(6, 5);
+    state &s = generation.s;
     for (double &x : s.values.tbv) x = gasdev(s.random);
     computevaravardvare(s, 1, 6);
     const outcome result = runbody([&] { printoutvarcomponents(s); });
@@ -140,8 +150,10 @@ TEST_F(values, recombinationtraitbyhand)
     s.qtn.ntotqtn = 2;
     s.qtn.ntotqtnrecomb = 1;
     s.values.nindivinsimulrun = 4;
-    allocatearraysforcomputevaravareandtpv(s, "AllGen");
-    allocatearraysforcomputevaravareandtpv(s, "PerGen");
+    arrayscope arrays;
+    makepedigreearrays(s, arrays);
+    makevaluearrays(s, arrays);
+    makegenotypetables(s, arrays);
     for (int64 i = 1; i <= 8; ++i) s.pedi.ped(i).newid = i;
     writefile("SimulatedData/RecombinationQtnInformationEffects.txt",
               "title\n 1 1 7 0.5 0.5 0.25 1.0\n");
@@ -184,7 +196,8 @@ TEST_F(values, fixedqtn)
     s.qtn.ntotqtn = 3;
     s.qtn.qtnmodel = 4;
     s.values.nindivinsimulrun = 2;
-    allocategenotypetables(s);
+    arrayscope arrays;
+    makegenotypetables(s, arrays);
     s.qtn.allqtngenosrestr(1, 2) = s.qtn.allqtngenosrestr(2, 2) = 2;
     s.qtn.allqtngenosrestr(1, 3) = 1;
     writefixedqtn(s, 1);
@@ -204,31 +217,32 @@ namespace
 {
 // Test individuals 3 to 6 of eight, tbv 1, 2, 3, 4 and phenotypes 2, 1, 4, 3 (correlation 0.6) in
 // each trait under model 2.
-state candidates(int64 ntraits)
-{
-    state s = onegeneration(8, ntraits);
-    s.qtn.qtnmodel = 2;
-    s.pop.ngensel = 3;
-    s.selection.starttestindiv = 3;
-    s.selection.endtestindiv = 6;
-    s.selection.ntestindiv = 4;
-    s.selection.estimatedbvtrait.allocate(4, ntraits);
-    s.selection.estimatedbvrecomb.allocate(4);
-    const double tpv[] = {2, 1, 4, 3};
-    for (int64 j = 1; j <= ntraits; ++j)
-        for (int64 x = 1; x <= 4; ++x) {
-            s.values.tbv(x + 2, 2, j) = static_cast<double>(x);
-            s.values.tpv(x + 2, 2, j) = tpv[x - 1];
-            s.values.tbvrecombz(x + 2) = 0.1 * static_cast<double>(x);
-        }
-    return s;
-}
+struct candidates : onegeneration {
+    explicit candidates(int64 ntraits) : onegeneration(8, ntraits)
+    {
+        s.qtn.qtnmodel = 2;
+        s.pop.ngensel = 3;
+        s.selection.starttestindiv = 3;
+        s.selection.endtestindiv = 6;
+        s.selection.ntestindiv = 4;
+        s.selection.estimatedbvtrait.allocate(4, ntraits);
+        s.selection.estimatedbvrecomb.allocate(4);
+        const double tpv[] = {2, 1, 4, 3};
+        for (int64 j = 1; j <= ntraits; ++j)
+            for (int64 x = 1; x <= 4; ++x) {
+                s.values.tbv(x + 2, 2, j) = static_cast<double>(x);
+                s.values.tpv(x + 2, 2, j) = tpv[x - 1];
+                s.values.tbvrecombz(x + 2) = 0.1 * static_cast<double>(x);
+            }
+    }
+};
 } // namespace
 
 // Variance of 1, 2, 3, 4: 5/3.
 TEST_F(values, accuracyofonetrait)
 {
-    state s = candidates(1);
+    candidates test(1);
+    state &s = test.s;
     s.selection.selmethindicator = 3;
     s.selection.selontbvyes1no0 = 2;
     const outcome result = runbody([&] { computebvaccuracyandmoments(s, 1, 1); });
@@ -270,7 +284,8 @@ TEST_F(values, accuracyofonetrait)
 
 TEST_F(values, accuracyofseveraltraitsandrecombination)
 {
-    state s = candidates(2);
+    candidates test(2);
+    state &s = test.s;
     s.selection.selmethindicator = 2;
     s.selection.selontbvyes1no0 = 1;
     const outcome result = runbody([&] {
@@ -285,11 +300,12 @@ TEST_F(values, accuracyofseveraltraitsandrecombination)
     EXPECT_EQ(result.output,
               "     Trait              EBVacc             TBVmean              TBVvar\n" + rows);
 
-    s = candidates(1);
-    s.selection.selmethindicator = 2;
-    s.selection.selontbvyes1no0 = 1;
-    s.selection.recombselonoff = true;
-    const outcome recombination = runbody([&] { computebvaccuracyandmoments(s, 8, 1); });
+    candidates testwithrate(1);
+    state &r = testwithrate.s;
+    r.selection.selmethindicator = 2;
+    r.selection.selontbvyes1no0 = 1;
+    r.selection.recombselonoff = true;
+    const outcome recombination = runbody([&] { computebvaccuracyandmoments(r, 8, 1); });
     const auto lines = readlines("Selection/AccuracyOfBreedingValueSelectionCycle8.txt");
     EXPECT_EQ(lines[0].size(), 141U);
     // Mean over x = 1 to 4 of exp(log(1.5 x 2) + 0.1 x) = 3.876192...
