@@ -23,17 +23,6 @@ void factor(array2<double> &matrix, int64 n, const char *which)
     stopwithcode(11000);
 }
 
-void workoutadditive(state &s)
-{
-    traitsettings &t = s.traits;
-    for (int64 j = 1; j <= t.ntraits; ++j)
-        for (int64 h = 1; h <= t.ntraits; ++h) {
-            t.covaspec(j, h) = t.coraspec(j, h) * std::sqrt(t.varaspec(j) * t.varaspec(h));
-            t.cholcovaspec(j, h) = t.covaspec(j, h);
-        }
-    factor(t.cholcovaspec, t.ntraits, "Genetic");
-}
-
 void workoutresidual(state &s, int64 p)
 {
     traitsettings &t = s.traits;
@@ -61,12 +50,19 @@ void writeresidualfactor(const state &s, int64 p)
 }
 } // namespace
 
-void workoutcovvariances(state &s, std::string_view variancetype)
+void workoutgeneticcovariances(state &s)
 {
-    if (isword(variancetype, "additive")) {
-        workoutadditive(s);
-        return;
-    }
+    traitsettings &t = s.traits;
+    for (int64 j = 1; j <= t.ntraits; ++j)
+        for (int64 h = 1; h <= t.ntraits; ++h) {
+            t.covaspec(j, h) = t.coraspec(j, h) * std::sqrt(t.varaspec(j) * t.varaspec(h));
+            t.cholcovaspec(j, h) = t.covaspec(j, h);
+        }
+    factor(t.cholcovaspec, t.ntraits, "Genetic");
+}
+
+void workoutresidualcovariances(state &s)
+{
     for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {
         workoutresidual(s, p);
         writeresidualfactor(s, p);

@@ -3,16 +3,14 @@
 
 #include "state.h"
 
-#include <string_view>
-
-// "Additive": covaspec(j,h) = coraspec(j,h) x sqrt(varaspec(j) x varaspec(h)), and its lower
-// Cholesky factor in cholcovaspec. The diagonal of coraspec multiplies like every other entry.
-//
-// Any other word ("Residual"): the same for each QTN model p from core and vare(p,:), in cove and
-// cholcove; each factor is written to
-// SimulatedData/TraitVarianceComponentsResidualCholQtnModel<p>.txt, free-form, record j with the
-// entries (j,1) to (j,j). Every later generation takes the factors from these files.
-//
 // Factors stand in the lower triangle with the diagonal; the strict upper triangle keeps the
 // covariances. Draws: none. Stop 11000 with a message: a matrix isn't positive definite.
-void workoutcovvariances(state &s, std::string_view variancetype);
+
+// covaspec(j,h) = coraspec(j,h) x sqrt(varaspec(j) x varaspec(h)), and its lower Cholesky factor in
+// cholcovaspec. The diagonal of coraspec multiplies like every other entry.
+void workoutgeneticcovariances(state &s);
+
+// The same for each QTN model p from core and vare(p,:), in cove and cholcove; each factor is
+// written to SimulatedData/TraitVarianceComponentsResidualCholQtnModel<p>.txt, free-form, record j
+// with the entries (j,1) to (j,j). Every later generation takes the factors from these files.
+void workoutresidualcovariances(state &s);

@@ -118,7 +118,7 @@ void simulateqtneffects(state &s)
     readsegsitesdatafromallchrom(s);
     makeeffectarrays(s, arrays);
     readqtninformation(s);
-    workoutcovvariances(s, "Additive");
+    workoutgeneticcovariances(s);
     drawadditiveeffects(s);
     if (s.qtn.dominonoff) drawdominanceeffects(s);
     if (s.selection.recombselonoff) simuleffectsforrecombination(s);

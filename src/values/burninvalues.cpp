@@ -188,7 +188,7 @@ void computegeneration(state &s, int64 gen)
     if (s.selection.recombselonoff) computetbvrecomb(s, gen, startindiv, endindiv);
     if (gen == 1) {
         computevaravardvare(s, startindiv, endindiv);
-        workoutcovvariances(s, "Residual");
+        workoutresidualcovariances(s);
         printoutvarcomponents(s);
     }
     computetpv(s, gen, startindiv, endindiv);

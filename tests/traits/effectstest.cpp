@@ -284,7 +284,7 @@ TEST(effectdistributions, momentsareasaskedfor)
     arrayscope arrays;
     makeeffectarrays(s, arrays);
     s.qtn.qtngamma.fill(1);
-    workoutcovvariances(s, "Additive");
+    workoutgeneticcovariances(s);
     simuladditiveeffects(s, s.qtn.allqtnmutindunres, s.qtn.addeffnormalunres,
                          s.qtn.addeffgammaunrestr);
     simuldominanceeffects(s, s.qtn.addeffnormalunres, s.qtn.addeffgammaunrestr,
@@ -341,7 +341,7 @@ TEST_F(effectstage, choleskyfactors)
     s.traits.varaspec(2) = 8;
     s.traits.coraspec(2, 2) = 1.25;
     s.traits.coraspec(1, 2) = s.traits.coraspec(2, 1) = 2 / std::sqrt(32.0);
-    workoutcovvariances(s, "Additive");
+    workoutgeneticcovariances(s);
     EXPECT_DOUBLE_EQ(s.traits.covaspec(2, 2), 10);
     EXPECT_DOUBLE_EQ(s.traits.cholcovaspec(1, 1), 2);
     EXPECT_DOUBLE_EQ(s.traits.cholcovaspec(2, 1), 1);
@@ -352,7 +352,7 @@ TEST_F(effectstage, choleskyfactors)
     s.values.vare.allocate(2, 2, 1.0);
     s.values.vare(2, 1) = s.values.vare(2, 2) = 6.25;
     s.traits.core(1, 2) = s.traits.core(2, 1) = 0.6;
-    workoutcovvariances(s, "Residual");
+    workoutresidualcovariances(s);
     EXPECT_EQ(readfile("SimulatedData/TraitVarianceComponentsResidualCholQtnModel1.txt"),
               " 1.0\n 0.6 0.8\n");
     EXPECT_EQ(readfile("SimulatedData/TraitVarianceComponentsResidualCholQtnModel2.txt"),
@@ -361,12 +361,12 @@ TEST_F(effectstage, choleskyfactors)
         std::filesystem::exists("SimulatedData/TraitVarianceComponentsResidualCholQtnModel3.txt"));
 
     s.traits.coraspec.fill(0);
-    outcome stop = runbody([&] { workoutcovvariances(s, "Additive"); });
+    outcome stop = runbody([&] { workoutgeneticcovariances(s); });
     EXPECT_EQ(stop.code(), 11000);
     EXPECT_EQ(stop.output, "Cholesky Decomposition failed: Genetic correlation matrix specified is "
                            "not positive definite. Please check specfile.\n");
     s.values.vare(2, 2) = 0;
-    stop = runbody([&] { workoutcovvariances(s, "Residual"); });
+    stop = runbody([&] { workoutresidualcovariances(s); });
     EXPECT_EQ(stop.code(), 11000);
     EXPECT_EQ(stop.output, "Cholesky Decomposition failed: Residual correlation matrix specified "
                            "is not positive definite. Please check specfile.\n");

@@ -88,7 +88,7 @@ TEST_F(values, residualcovariancesandheritability)
             for (int64 j = 1; j <= 3; ++j)
                 s.values.tbv(i, p, j) = std::sqrt(static_cast<double>(p)) * gasdev(s.random);
     computevaravardvare(s, 1, n);
-    workoutcovvariances(s, "Residual");
+    workoutresidualcovariances(s);
     s.traits.cholcove.fill(-1); // taken back from the files
     computetpv(s, 1, 1, n);
     const double count = static_cast<double>(n);
