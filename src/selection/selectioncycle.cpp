@@ -81,12 +81,12 @@ void computetrainingvariance(state &s, int64 selectedtrait)
 {
     const selectiondata &sel = s.selection;
     if (sel.selmethindicator == 2) {
-        computeselectionvara(s, selectedtrait, "Training", sel.starttrainindiv, sel.endtrainindiv);
+        computetrainingvara(s, selectedtrait, sel.starttrainindiv, sel.endtrainindiv);
         return;
     }
     const int64 pedtmpfirstgen = firstpedigreegen(s);
-    computeselectionvara(s, selectedtrait, "Training", firstindivofgen(s, pedtmpfirstgen),
-                         lastindivofgen(s, pedtmpfirstgen));
+    computetrainingvara(s, selectedtrait, firstindivofgen(s, pedtmpfirstgen),
+                        lastindivofgen(s, pedtmpfirstgen));
 }
 
 // The run for the recombination trait comes first: the trait's results stay under the common names.

@@ -18,6 +18,24 @@ double samplevariance(const double *values, int64 n)
     return squares / static_cast<double>(n - 1);
 }
 
+double varianceorzero(const double *values, int64 n)
+{
+    const double variance = samplevariance(values, n);
+    if (variance > static_cast<double>(1.0e-25f)) return variance;
+    printline(" WARNING: SelectionVarA smaller than 1E-25, set to 0.0");
+    return 0;
+}
+
+void computetestvara(state &s, int64 selectedtrait)
+{
+    selectiondata &sel = s.selection;
+    const int64 n = sel.endtestindiv - sel.starttestindiv + 1;
+    sel.selectionvarate(selectedtrait) =
+        varianceorzero(sel.estimatedbvtrait.column(selectedtrait), n);
+    if (sel.recombselonoff)
+        sel.selectionvararecombte = samplevariance(sel.estimatedbvrecomb.data(), n);
+}
+
 void switchrecombweight(state &s, int64 currentgen)
 {
     selectiondata &sel = s.selection;
@@ -56,25 +74,14 @@ void writeselectionindex(const state &s, int64 selectioncycle)
 }
 } // namespace
 
-void computeselectionvara(state &s, int64 selectedtrait, std::string_view dataset, int64 firstid,
-                          int64 lastid)
+void computetrainingvara(state &s, int64 selectedtrait, int64 firstid, int64 lastid)
 {
     selectiondata &sel = s.selection;
-    const bool training = tlc(dataset) == "training";
-    const int64 nid = lastid - firstid + 1;
-    double variance =
-        samplevariance(training ? s.values.tbv.column(s.qtn.qtnmodel, selectedtrait) + firstid - 1
-                                : sel.estimatedbvtrait.column(selectedtrait),
-                       nid);
-    if (!(variance > static_cast<double>(1.0e-25f))) {
-        variance = 0;
-        printline(" WARNING: SelectionVarA smaller than 1E-25, set to 0.0");
-    }
-    (training ? sel.selectionvaratr : sel.selectionvarate)(selectedtrait) = variance;
+    const int64 n = lastid - firstid + 1;
+    const double *const tbv = s.values.tbv.column(s.qtn.qtnmodel, selectedtrait);
+    sel.selectionvaratr(selectedtrait) = varianceorzero(tbv + firstid - 1, n);
     if (sel.recombselonoff)
-        (training ? sel.selectionvararecombtr : sel.selectionvararecombte) = samplevariance(
-            training ? s.values.tbvrecombz.data() + firstid - 1 : sel.estimatedbvrecomb.data(),
-            nid);
+        sel.selectionvararecombtr = samplevariance(s.values.tbvrecombz.data() + firstid - 1, n);
 }
 
 void computeselectionindex(state &s, int64 selectioncycle, int64 currentgen)
@@ -82,7 +89,7 @@ void computeselectionindex(state &s, int64 selectioncycle, int64 currentgen)
     selectiondata &sel = s.selection;
     const bool severaltraits = s.traits.ntraits > 1;
     for (int64 t = 1; t <= s.traits.ntraits; ++t) {
-        computeselectionvara(s, t, "Test", sel.starttestindiv, sel.endtestindiv);
+        computetestvara(s, t);
         if (sel.recombselonoff) {
             switchrecombweight(s, currentgen);
             addrecombindex(s);

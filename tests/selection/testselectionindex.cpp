@@ -101,7 +101,7 @@ TEST_F(SelectionIndex, TrainingVarianceIsThatOfTrueValues)
         s.values.tbv(i + 3, 2, 2) = static_cast<double>(i);
         s.values.tbvrecombz(i + 3) = 2 * static_cast<double>(i);
     }
-    computeselectionvara(s, 2, "Training", 4, 7);
+    computetrainingvara(s, 2, 4, 7);
     EXPECT_DOUBLE_EQ(s.selection.selectionvaratr(2), 5.0 / 3);
     EXPECT_DOUBLE_EQ(s.selection.selectionvararecombtr, 20.0 / 3);
 }
