@@ -99,11 +99,10 @@ int64 readphases()
 // The pass of a cycle under selection on true values: phases read, genotypes written.
 void writetestfile(state &s)
 {
-    selectionchipfiles files;
-    selectmpchipsfiles(s, files, 1, "Open_");
-    chromsnpchipsandqtnfiles(s, files, "Open_", 1);
-    determineselectmpchips(s, files, 1, "Test_", 1, ncandidates);
-    selectmpchipsfiles(s, files, 1, "Close");
+    selectionchipfiles files = openchipfiles(s, 1);
+    generationphases phases = openphases(s, 1);
+    writetestchip(s, files, phases, 1, ncandidates);
+    closechipfiles(files);
 }
 
 double processorseconds()

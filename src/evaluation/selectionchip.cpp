@@ -10,11 +10,6 @@
 
 namespace
 {
-bool isaction(std::string_view action, std::string_view word)
-{
-    return tlc(action) == word;
-}
-
 // The next n alleles of both phases of an individual, from place at (from 0) on.
 void readphases(infile &in, array2<int8> &phases, int64 at, int64 n)
 {
@@ -25,18 +20,18 @@ void readphases(infile &in, array2<int8> &phases, int64 at, int64 n)
     }
 }
 
-void readindividual(state &s, selectionchipfiles &files)
+void readindividual(state &s, generationphases &phases)
 {
     int64 at = 0;
-    for (std::size_t h = 0; h < files.chip.size(); ++h) {
+    for (std::size_t h = 0; h < phases.chip.size(); ++h) {
         const int64 n = s.chips.nsnponthischipchrom(s.chips.tmpchip, static_cast<int64>(h) + 1);
-        readphases(files.chip[h], s.selection.allphase, at, n);
+        readphases(phases.chip[h], s.selection.allphase, at, n);
         at += n;
     }
     at = 0;
-    for (std::size_t h = 0; h < files.qtn.size(); ++h) {
+    for (std::size_t h = 0; h < phases.qtn.size(); ++h) {
         const int64 n = s.qtn.nqtnonthischrom(static_cast<int64>(h) + 1);
-        readphases(files.qtn[h], s.selection.allphaseqtn, at, n);
+        readphases(phases.qtn[h], s.selection.allphaseqtn, at, n);
         at += n;
     }
 }
@@ -107,60 +102,12 @@ void countalleles(const array2<int8> &phases, int64 *counts, int64 n)
     const int8 *a = phases.column(1), *b = phases.column(2);
     for (int64 j = 0; j < n; ++j) counts[j] += a[j] + b[j];
 }
-} // namespace
-
-void selectmpchipsfiles(state &s, selectionchipfiles &files, int64 selectioncycle,
-                        std::string_view action)
-{
-    const std::string chip = cyclefolder(selectioncycle) + "TmpChip" + numbertext(s.chips.tmpchip);
-    const auto handle = [&](outfile &file, const char *name) {
-        if (isaction(action, "open_")) file.open(chip + name);
-        if (isaction(action, "flush")) file.flush();
-        if (isaction(action, "close")) file.close();
-    };
-    if (s.selection.selontbvyes1no0 == 0) {
-        handle(files.genotypetrain, "GenotypeTrain.txt");
-        handle(files.phasetrain, "PhaseTrain.txt");
-    }
-    handle(files.genotypetest, "GenotypeTest.txt");
-}
-
-void chromsnpchipsandqtnfiles(state &s, selectionchipfiles &files, std::string_view action,
-                              int64 tmpgenid)
-{
-    files.chip.clear();
-    files.qtn.clear();
-    if (!isaction(action, "open_")) return;
-    const bool unrestricted = s.qtn.qtnmodel == 1 || s.qtn.qtnmodel == 3;
-    const std::string ending = "PhaseGeneration" + numbertext(tmpgenid) + ".txt";
-    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        files.chip.emplace_back(chromfolder(h) + "Chip" + numbertext(s.chips.tmpchip) + ending);
-        if (areqtnadded(s))
-            files.qtn.emplace_back(chromfolder(h) +
-                                   (unrestricted ? "UnrestrictedQtn" : "RestrictedQtn") + ending);
-    }
-}
-
-void determineselectmpchips(state &s, selectionchipfiles &files, [[maybe_unused]] int64 tmpgenid,
-                            std::string_view dataset, int64 startindiv, int64 endindiv)
-{
-    const bool training = isaction(dataset, "train");
-    for (int64 i = startindiv; i <= endindiv; ++i) {
-        readindividual(s, files);
-        if (training)
-            writeselectmpchips(s, files, i, i - s.selection.starttrainindiv + 1);
-        else
-            writeselectmpvalidchip(s, files, i);
-    }
-    for (infile &in : files.chip) in.rewind();
-    for (infile &in : files.qtn) in.rewind();
-}
-
-void writeselectmpchips(state &s, selectionchipfiles &files, int64 individ, int64 indivpos)
+// Under genomic prediction only individuals with a phenotype train.
+void writetrainingindividual(state &s, selectionchipfiles &files, int64 individ)
 {
     selectiondata &sel = s.selection;
     const bool genomic = sel.selmethindicator == 2;
-    if (genomic && sel.phenvaltrain(indivpos) == -99) return;
+    if (genomic && sel.phenvaltrain(individ - sel.starttrainindiv + 1) == -99) return;
     writegenotyperecord(s, files.genotypetrain, individ);
     writephaserecord(s, files.phasetrain, individ, 1);
     writephaserecord(s, files.phasetrain, individ, 2);
@@ -170,8 +117,62 @@ void writeselectmpchips(state &s, selectionchipfiles &files, int64 individ, int6
         countalleles(sel.allphaseqtn, sel.fixedsnp.data() + s.chips.nsnp, s.qtn.ntotqtn);
 }
 
-void writeselectmpvalidchip(state &s, selectionchipfiles &files, int64 individ)
+void rewind(generationphases &phases)
 {
-    if (individ < s.selection.starttestindiv || individ > s.selection.endtestindiv) return;
-    writegenotyperecord(s, files.genotypetest, individ);
+    for (infile &in : phases.chip) in.rewind();
+    for (infile &in : phases.qtn) in.rewind();
+}
+} // namespace
+
+selectionchipfiles openchipfiles(const state &s, int64 selectioncycle)
+{
+    const std::string chip = cyclefolder(selectioncycle) + "TmpChip" + numbertext(s.chips.tmpchip);
+    selectionchipfiles files;
+    if (s.selection.selontbvyes1no0 == 0) {
+        files.genotypetrain.open(chip + "GenotypeTrain.txt");
+        files.phasetrain.open(chip + "PhaseTrain.txt");
+    }
+    files.genotypetest.open(chip + "GenotypeTest.txt");
+    return files;
+}
+
+void closechipfiles(selectionchipfiles &files)
+{
+    for (outfile *file : {&files.genotypetrain, &files.phasetrain, &files.genotypetest})
+        file->close();
+}
+
+generationphases openphases(const state &s, int64 gen)
+{
+    const bool unrestricted = s.qtn.qtnmodel == 1 || s.qtn.qtnmodel == 3;
+    const std::string ending = "PhaseGeneration" + numbertext(gen) + ".txt";
+    generationphases phases;
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+        phases.chip.emplace_back(chromfolder(h) + "Chip" + numbertext(s.chips.tmpchip) + ending);
+        if (areqtnadded(s))
+            phases.qtn.emplace_back(chromfolder(h) +
+                                    (unrestricted ? "UnrestrictedQtn" : "RestrictedQtn") + ending);
+    }
+    return phases;
+}
+
+void writetrainingchip(state &s, selectionchipfiles &files, generationphases &phases,
+                       int64 startindiv, int64 endindiv)
+{
+    for (int64 i = startindiv; i <= endindiv; ++i) {
+        readindividual(s, phases);
+        writetrainingindividual(s, files, i);
+    }
+    rewind(phases);
+}
+
+void writetestchip(state &s, selectionchipfiles &files, generationphases &phases, int64 startindiv,
+                   int64 endindiv)
+{
+    for (int64 i = startindiv; i <= endindiv; ++i) {
+        readindividual(s, phases);
+        if (i >= s.selection.starttestindiv && i <= s.selection.endtestindiv)
+            writegenotyperecord(s, files.genotypetest, i);
+    }
+    rewind(phases);
 }

@@ -17,29 +17,30 @@
 
 #include "state.h"
 
-#include <string_view>
 #include <vector>
 
-// The files that are open in a pass over the generations.
+// The files of a cycle.
 struct selectionchipfiles {
     outfile genotypetrain, phasetrain, genotypetest;
-    std::vector<infile> chip, qtn; // of one generation, entry h - 1 for chromosome h
 };
+// Opens them; those of the training only under selection on estimates.
+selectionchipfiles openchipfiles(const state &s, int64 selectioncycle);
+// Closes those that are open.
+void closechipfiles(selectionchipfiles &files);
 
-// action "Open_", "Flush" or "Close" for the output files of a cycle.
-void selectmpchipsfiles(state &s, selectionchipfiles &files, int64 selectioncycle,
-                        std::string_view action);
-// action "Open_" opens the input files of generation tmpgenid, any other closes them.
-void chromsnpchipsandqtnfiles(state &s, selectionchipfiles &files, std::string_view action,
-                              int64 tmpgenid);
-// Passes over the individuals startindiv to endindiv, from the first of the open generation on, and
-// goes back to the files' start behind them. dataset "Train": writeselectmpchips, "Test_":
-// writeselectmpvalidchip. An I/O error where a record has too few alleles.
-void determineselectmpchips(state &s, selectionchipfiles &files, int64 tmpgenid,
-                            std::string_view dataset, int64 startindiv, int64 endindiv);
-// Writes the individual in allphase and allphaseqtn to the training files; indivpos is its place in
-// the training range. Under genomic prediction only if it has a phenotype, and then its alleles are
+// The phases of one generation, open as long as the record is there: entry h - 1 for chromosome h.
+struct generationphases {
+    std::vector<infile> chip, qtn;
+};
+generationphases openphases(const state &s, int64 gen);
+
+// Both pass over the individuals startindiv to endindiv, the first of them the first of the
+// generation, and go back to the start of its phases behind them. An I/O error where a record has
+// too few alleles.
+// Training files: under genomic prediction only individuals with a phenotype, whose alleles are
 // added to the counts in fixedsnp.
-void writeselectmpchips(state &s, selectionchipfiles &files, int64 individ, int64 indivpos);
-// Writes it to the test file, if it belongs to the test set.
-void writeselectmpvalidchip(state &s, selectionchipfiles &files, int64 individ);
+void writetrainingchip(state &s, selectionchipfiles &files, generationphases &phases,
+                       int64 startindiv, int64 endindiv);
+// Test file: only individuals of the test set.
+void writetestchip(state &s, selectionchipfiles &files, generationphases &phases, int64 startindiv,
+                   int64 endindiv);

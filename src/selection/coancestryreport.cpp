@@ -26,9 +26,8 @@ std::string writelastgenotypes(state &s, int64 selectioncycle, int64 currentgen,
     const std::string name = "TmpChip" + numbertext(s.chips.tmpchip) + "GenotypeLastGeneration.txt";
     selectionchipfiles files;
     files.genotypetest.open(cyclefolder(selectioncycle) + name);
-    chromsnpchipsandqtnfiles(s, files, "Open_", currentgen);
-    determineselectmpchips(s, files, currentgen, "Test_", firstindiv, lastindiv);
-    chromsnpchipsandqtnfiles(s, files, "Close", currentgen);
+    generationphases phases = openphases(s, currentgen);
+    writetestchip(s, files, phases, firstindiv, lastindiv);
     files.genotypetest.close();
     return name;
 }

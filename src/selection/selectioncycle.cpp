@@ -58,21 +58,18 @@ void writeglobalrecomblocationmax(const state &s)
 void writechipdata(state &s, int64 selectioncycle, int64 currentgen)
 {
     const selectiondata &sel = s.selection;
-    selectionchipfiles files;
-    selectmpchipsfiles(s, files, selectioncycle, "Open_");
+    selectionchipfiles files = openchipfiles(s, selectioncycle);
     for (int64 m = 1; m <= currentgen - 1; ++m) {
         const bool train =
             sel.selontbvyes1no0 == 0 && m >= sel.firsttmptraingen && m <= sel.lasttmptraingen;
         const bool test = m == currentgen - 1;
         if (!train && !test) continue;
         const int64 startindiv = firstindivofgen(s, m), endindiv = lastindivofgen(s, m);
-        chromsnpchipsandqtnfiles(s, files, "Open_", m);
-        if (train) determineselectmpchips(s, files, m, "Train", startindiv, endindiv);
-        if (test) determineselectmpchips(s, files, m, "Test_", startindiv, endindiv);
-        chromsnpchipsandqtnfiles(s, files, "Close", m);
-        selectmpchipsfiles(s, files, selectioncycle, "Flush");
+        generationphases phases = openphases(s, m);
+        if (train) writetrainingchip(s, files, phases, startindiv, endindiv);
+        if (test) writetestchip(s, files, phases, startindiv, endindiv);
     }
-    selectmpchipsfiles(s, files, selectioncycle, "Close");
+    closechipfiles(files);
 }
 
 // Starting value of the prediction: the variance of true values, under prediction by pedigree of

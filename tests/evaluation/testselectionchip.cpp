@@ -81,17 +81,14 @@ class SelectionChip : public infolder
     }
     void pass()
     {
-        selectmpchipsfiles(s, files, 1, "Open_");
+        selectionchipfiles files = openchipfiles(s, 1);
         for (int64 g = 1; g <= 2; ++g) {
-            chromsnpchipsandqtnfiles(s, files, "Open_", g);
+            generationphases phases = openphases(s, g);
             const int64 first = firstindivofgen(s, g), last = lastindivofgen(s, g);
-            if (s.selection.selontbvyes1no0 == 0)
-                determineselectmpchips(s, files, g, "Train", first, last);
-            if (g == 2) determineselectmpchips(s, files, g, "Test_", first, last);
-            chromsnpchipsandqtnfiles(s, files, "Close", g);
-            selectmpchipsfiles(s, files, 1, "Flush");
+            if (s.selection.selontbvyes1no0 == 0) writetrainingchip(s, files, phases, first, last);
+            if (g == 2) writetestchip(s, files, phases, first, last);
         }
-        selectmpchipsfiles(s, files, 1, "Close");
+        closechipfiles(files);
     }
     std::string filesof(const std::string &kind) const
     {
@@ -99,7 +96,6 @@ class SelectionChip : public infolder
     }
 
     state s;
-    selectionchipfiles files;
     std::mt19937 draw{3};
     std::map<std::string, std::array<std::vector<int>, 20>> alleles;
 };
