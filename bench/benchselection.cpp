@@ -154,7 +154,6 @@ int main()
     s.chips.nsnp = nsnp;
     s.chips.nsnponthischipchrom.allocate(1, 1, nsnp);
     s.selection.selontbvyes1no0 = 1;
-    s.selection.allphase.allocate(nsnp, 2);
     s.selection.starttestindiv = 1;
     s.selection.endtestindiv = ncandidates;
 

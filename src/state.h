@@ -210,9 +210,8 @@ struct selectiondata {
     array2<double> estimatedbvtrait;                                 // (ntestindiv, ntraits)
     array1<double> selectionvaratr, selectionvarate;                 // (ntraits)
     double selectionvararecombtr = 0, selectionvararecombte = 0;
-    array2<int8> allphase, allphaseqtn; // (nsnp, 2), (ntotqtn, 2) one individual
-    array1<int64> fixedsnp;             // (nsnp, or nsnp+ntotqtn when QTN are added)
-    outfile accuracyfile;               // open from the first trait of a cycle to its index
+    array1<int64> fixedsnp; // (nsnp, or nsnp+ntotqtn when QTN are added)
+    outfile accuracyfile;   // open from the first trait of a cycle to its index
 };
 
 // Gene editing and gene drive. Lifetime: Run for what the reader makes, otherwise Stage.

@@ -20,18 +20,18 @@ void readphases(infile &in, array2<int8> &phases, int64 at, int64 n)
     }
 }
 
-void readindividual(state &s, generationphases &phases)
+void readindividual(const state &s, generationphases &phases)
 {
     int64 at = 0;
     for (std::size_t h = 0; h < phases.chip.size(); ++h) {
         const int64 n = s.chips.nsnponthischipchrom(s.chips.tmpchip, static_cast<int64>(h) + 1);
-        readphases(phases.chip[h], s.selection.allphase, at, n);
+        readphases(phases.chip[h], phases.snpalleles, at, n);
         at += n;
     }
     at = 0;
     for (std::size_t h = 0; h < phases.qtn.size(); ++h) {
         const int64 n = s.qtn.nqtnonthischrom(static_cast<int64>(h) + 1);
-        readphases(phases.qtn[h], s.selection.allphaseqtn, at, n);
+        readphases(phases.qtn[h], phases.qtnalleles, at, n);
         at += n;
     }
 }
@@ -81,19 +81,21 @@ char *putgenotypes(char *to, const array2<int8> &phases, int64 n)
     return to;
 }
 
-void writegenotyperecord(const state &s, outfile &out, int64 individ)
+void writegenotyperecord(const state &s, outfile &out, const generationphases &phases,
+                         int64 individ)
 {
     char *p = beginrecord(out, individ, nloci(s));
-    p = putgenotypes(p, s.selection.allphase, s.chips.nsnp);
-    if (areqtnadded(s)) p = putgenotypes(p, s.selection.allphaseqtn, s.qtn.ntotqtn);
+    p = putgenotypes(p, phases.snpalleles, s.chips.nsnp);
+    if (areqtnadded(s)) p = putgenotypes(p, phases.qtnalleles, s.qtn.ntotqtn);
     endrecord(out, p, nloci(s));
 }
 
-void writephaserecord(const state &s, outfile &out, int64 individ, int64 m)
+void writephaserecord(const state &s, outfile &out, const generationphases &phases, int64 individ,
+                      int64 m)
 {
     char *p = beginrecord(out, individ, nloci(s));
-    p = putalleles(p, s.selection.allphase.column(m), s.chips.nsnp);
-    if (areqtnadded(s)) p = putalleles(p, s.selection.allphaseqtn.column(m), s.qtn.ntotqtn);
+    p = putalleles(p, phases.snpalleles.column(m), s.chips.nsnp);
+    if (areqtnadded(s)) p = putalleles(p, phases.qtnalleles.column(m), s.qtn.ntotqtn);
     endrecord(out, p, nloci(s));
 }
 
@@ -103,18 +105,19 @@ void countalleles(const array2<int8> &phases, int64 *counts, int64 n)
     for (int64 j = 0; j < n; ++j) counts[j] += a[j] + b[j];
 }
 // Under genomic prediction only individuals with a phenotype train.
-void writetrainingindividual(state &s, selectionchipfiles &files, int64 individ)
+void writetrainingindividual(state &s, selectionchipfiles &files, const generationphases &phases,
+                             int64 individ)
 {
     selectiondata &sel = s.selection;
     const bool genomic = sel.selmethindicator == 2;
     if (genomic && sel.phenvaltrain(individ - sel.starttrainindiv + 1) == -99) return;
-    writegenotyperecord(s, files.genotypetrain, individ);
-    writephaserecord(s, files.phasetrain, individ, 1);
-    writephaserecord(s, files.phasetrain, individ, 2);
+    writegenotyperecord(s, files.genotypetrain, phases, individ);
+    writephaserecord(s, files.phasetrain, phases, individ, 1);
+    writephaserecord(s, files.phasetrain, phases, individ, 2);
     if (!genomic) return;
-    countalleles(sel.allphase, sel.fixedsnp.data(), s.chips.nsnp);
+    countalleles(phases.snpalleles, sel.fixedsnp.data(), s.chips.nsnp);
     if (areqtnadded(s))
-        countalleles(sel.allphaseqtn, sel.fixedsnp.data() + s.chips.nsnp, s.qtn.ntotqtn);
+        countalleles(phases.qtnalleles, sel.fixedsnp.data() + s.chips.nsnp, s.qtn.ntotqtn);
 }
 
 void rewind(generationphases &phases)
@@ -147,6 +150,8 @@ generationphases openphases(const state &s, int64 gen)
     const bool unrestricted = s.qtn.qtnmodel == 1 || s.qtn.qtnmodel == 3;
     const std::string ending = "PhaseGeneration" + numbertext(gen) + ".txt";
     generationphases phases;
+    phases.snpalleles.allocate(s.chips.nsnp, 2);
+    if (areqtnadded(s)) phases.qtnalleles.allocate(s.qtn.ntotqtn, 2);
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         phases.chip.emplace_back(chromfolder(h) + "Chip" + numbertext(s.chips.tmpchip) + ending);
         if (areqtnadded(s))
@@ -161,7 +166,7 @@ void writetrainingchip(state &s, selectionchipfiles &files, generationphases &ph
 {
     for (int64 i = startindiv; i <= endindiv; ++i) {
         readindividual(s, phases);
-        writetrainingindividual(s, files, i);
+        writetrainingindividual(s, files, phases, i);
     }
     rewind(phases);
 }
@@ -172,7 +177,7 @@ void writetestchip(state &s, selectionchipfiles &files, generationphases &phases
     for (int64 i = startindiv; i <= endindiv; ++i) {
         readindividual(s, phases);
         if (i >= s.selection.starttestindiv && i <= s.selection.endtestindiv)
-            writegenotyperecord(s, files.genotypetest, i);
+            writegenotyperecord(s, files.genotypetest, phases, i);
     }
     rewind(phases);
 }

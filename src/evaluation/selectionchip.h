@@ -31,6 +31,7 @@ void closechipfiles(selectionchipfiles &files);
 // The phases of one generation, open as long as the record is there: entry h - 1 for chromosome h.
 struct generationphases {
     std::vector<infile> chip, qtn;
+    array2<int8> snpalleles, qtnalleles; // (nsnp, 2), (ntotqtn, 2) of the individual at hand
 };
 generationphases openphases(const state &s, int64 gen);
 

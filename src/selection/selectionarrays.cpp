@@ -19,8 +19,6 @@ void makecyclearrays(state &s, int64 currentgen, arrayscope &arrays)
 {
     selectiondata &sel = s.selection;
     const bool qtnadded = sel.addqtntosnpchip == 1;
-    arrays.make(sel.allphase, s.chips.nsnp, 2, -99);
-    if (qtnadded) arrays.make(sel.allphaseqtn, s.qtn.ntotqtn, 2, -99);
     arrays.make(sel.fixedsnp, s.chips.nsnp + (qtnadded ? s.qtn.ntotqtn : 0));
     arrays.make(sel.selectionvaratr, s.traits.ntraits);
     arrays.make(sel.selectionvarate, s.traits.ntraits);

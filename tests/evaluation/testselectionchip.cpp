@@ -29,8 +29,6 @@ class SelectionChip : public infolder
         s.qtn.nqtnonthischrom.allocate(2);
         s.qtn.nqtnonthischrom(1) = 3;
         s.qtn.nqtnonthischrom(2) = 17;
-        s.selection.allphase.allocate(61, 2, -99);
-        s.selection.allphaseqtn.allocate(20, 2, -99);
         s.selection.fixedsnp.allocate(81);
         settest(s, 2, {0, 0, 0, 0});
         s.selection.starttrainindiv = 1;
