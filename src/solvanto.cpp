@@ -53,31 +53,6 @@ void makedirectories(const state &s)
     runshell("mkdir Selection", "MakeDirectories");
 }
 
-void deallocatearraysfromspecfileread(state &s)
-{
-    s.pop.cumindivnbtogen.release();
-    s.pop.nindivinthisgen.release();
-    s.pop.createdhinthisgen.release();
-    s.pop.nsireinthisgen.release();
-    s.pop.ndaminthisgen.release();
-    s.pop.nrandparinthisgen.release();
-    s.pop.nselfedparinthisgen.release();
-    s.chips.nsnpperchipperchrom.release();
-    s.editing.idofgenomeeditinds.release();
-    s.editing.genomeeditqtnpos.release();
-    s.editing.genomeeditqtnchrom.release();
-    s.editing.genomeeditqtnposneg.release();
-    s.editing.genedriveqtnpresence.release();
-    s.traits.indexwt.release();
-    s.traits.herit.release();
-    s.traits.coraspec.release();
-    s.traits.core.release();
-    s.traits.covaspec.release();
-    s.traits.cove.release();
-    s.traits.cholcovaspec.release();
-    s.traits.cholcove.release();
-}
-
 namespace
 {
 float cpuseconds()
@@ -131,6 +106,5 @@ void solvanto(state &s)
     if (s.run.specendgen == s.pop.ngensel + s.pop.ngen && isword(s.run.keepchromdata, "no"))
         runshell("rm -r Chromosomes", "Solvanto: ");
 
-    deallocatearraysfromspecfileread(s);
     printtiming(cpuseconds() - start);
 }

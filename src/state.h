@@ -2,9 +2,10 @@
 //
 // Every routine of the system takes the state as its first argument, so that a test can hold
 // several simulations. Lifetimes:
-//   Run    made by readinparameters, freed by deallocatearraysfromspecfileread; scalars that the
-//          reader sets hold for the whole run;
-//   Stage  made when a stage begins and freed when it ends. A later stage fills its arrays again
+//   Run    made by readinparameters, and there as long as the state; scalars that the reader sets
+//          hold for the whole run;
+//   Stage  made when a stage begins and freed when it ends (arrayscope.h). A later stage fills its
+//   arrays again
 //          from the files, so nothing in an array passes from stage to stage.
 // Units: positions relative to the chromosome (0 to 1); lengths in Morgans; frequencies 0 to 1.
 #pragma once
@@ -242,9 +243,6 @@ struct state {
     selectiondata selection;
     editingdata editing;
 };
-
-// Frees the arrays that the specification reader made.
-void deallocatearraysfromspecfileread(state &s);
 
 // First and last individual (pedigree rows) of a generation.
 inline int64 firstindivofgen(const state &s, int64 gen)
