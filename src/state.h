@@ -119,7 +119,7 @@ struct chipsettings {
     int64 nchip = 0;
     array1<int64> nsnpperchipperchrom; // (nchip)
     double minsnpfreq = 0, maxsnpfreq = 0;
-    std::string chipsarenested;        // yes or no
+    bool nestedonoff = false;          // each chip holds the smaller ones
     int64 snpchipinclqtn = 0;          // 1 chips include QTN, 2 they don't, 3 at random
     int64 tmpchip = 0;                 // the chip used for selection
     array2<int64> nsnponthischipchrom; // (nchip, nchrom)

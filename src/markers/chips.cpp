@@ -42,10 +42,9 @@ void drawsnponarrays(state &s)
 // Largest place at which a chip was full.
 int64 makechips(state &s, int64 chrom)
 {
-    const bool nested = isword(s.chips.chipsarenested, "yes");
     int64 lastsnppos = 0;
     for (int64 e = 1; e <= s.chips.nchip; ++e) {
-        if (!nested) drawsnponarrays(s);
+        if (!s.chips.nestedonoff) drawsnponarrays(s);
         lastsnppos =
             std::max(lastsnppos, makearray(s, chrom, e, s.chips.nsnponthischipchrom(e, chrom)));
     }

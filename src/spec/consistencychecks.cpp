@@ -46,13 +46,14 @@ void checkgenerationsandscheme(const specreader &r)
                         "computation of BV) or 2 (to import the external pedigree and continue)"});
 }
 
-void checkchips(chipsettings &chips)
+void checkchips(const specreader &r)
 {
+    chipsettings &chips = r.s.chips;
     if (chips.snpchipinclqtn == 0)
         refuse(100009,
                {"ERROR: SnpChipIncludesQtn is incorrectly set", "Should be Yes, No or Random"});
-    if (chips.nchip == 1) chips.chipsarenested = "yes";
-    if (isword(chips.chipsarenested, "no") && chips.snpchipinclqtn != 3)
+    if (chips.nchip == 1) chips.nestedonoff = true;
+    if (chips.nchip != 1 && isword(r.nestedchips, "no") && chips.snpchipinclqtn != 3)
         refuse(100010, {"ERROR: SNP chips must be nested to allow controlling",
                         "the inclusion of QTN in the SNP chip(s)",
                         "SnpChipsAreNestedYesNo should be changed to Yes, or",
@@ -355,7 +356,7 @@ void checkreach(const specreader &r)
 void checkconsistency(specreader &r)
 {
     checkgenerationsandscheme(r);
-    checkchips(r.s.chips);
+    checkchips(r);
     checkqtn(r.s);
     checkediting(r.s);
     checkselection(r);

@@ -7,7 +7,7 @@
 // Runs the tests in their order; a test that fails prints its lines and stops, a note only
 // prints. Returns if the run may start.
 //
-// Sets nqtn, nqtngamma, nqtnmodels, chipsarenested and tmpchip (of a single chip), and with
+// Sets nqtn, nqtngamma, nqtnmodels, nestedonoff and tmpchip (of a single chip), and with
 // selection generations addqtntosnpchip, selmethindicator, selontbvyes1no0, qtnmodel; with
 // selection on estimated values also selphenstrat, fixtraindataonoff, fixedtrainselcycle,
 // computeavercoancestryyes1no0.

@@ -55,7 +55,7 @@ void readusesnpchip(specreader &r)
     chips.nchip = 1;
     chips.minsnpfreq = 0;
     chips.maxsnpfreq = 1;
-    chips.chipsarenested = "yes";
+    chips.nestedonoff = true;
     chips.tmpchip = 1;
     r.b6 = true;
 }
@@ -148,7 +148,9 @@ const speckey keys[] = {
      }},
     {"snpchipsarenestedyesno", 66, "snpchipsarenestedyesno not set properly",
      [](specreader &r) {
-         if (!r.b6) r.s.chips.chipsarenested = valueword(r, 1);
+         if (r.b6) return;
+         r.nestedchips = valueword(r, 1);
+         r.s.chips.nestedonoff = valueis(r, "yes");
      }},
     {"idofchipusedforselection", 67, "idofchipusedforselection not set properly",
      [](specreader &r) {

@@ -42,7 +42,7 @@ void setchromosome(state &s, int64 n)
     s.chips.nsnponthischipchrom.allocate(2, 2);
     s.chips.nsnponthischipchrom(1, 2) = 20; // the larger chip comes first
     s.chips.nsnponthischipchrom(2, 2) = 10;
-    s.chips.chipsarenested = "Yes";
+    s.chips.nestedonoff = true;
     s.chips.snpchipinclqtn = 3;
     s.chips.minsnpfreq = 0.2;
     s.chips.maxsnpfreq = 0.4;
@@ -95,13 +95,13 @@ sites firstfitting(const sites &list, std::size_t place, std::size_t n, conditio
 TEST_F(markerchoice, oneListDecides)
 {
     for (const int64 inclqtn : {1, 2, 3}) {
-        for (const char *nested : {"yes", "no"}) {
-            if (inclqtn != 3 && std::string(nested) == "no") continue;
+        for (const bool nested : {true, false}) {
+            if (inclqtn != 3 && !nested) continue;
             state s;
             setchromosome(s, 240);
             setmutation(s, 60, 5);
             setmutation(s, 61, 6);
-            s.chips.chipsarenested = nested;
+            s.chips.nestedonoff = nested;
             s.chips.snpchipinclqtn = inclqtn;
             s.selection.recombselonoff = true;
             randomstream stream = s.random;
@@ -121,7 +121,7 @@ TEST_F(markerchoice, oneListDecides)
             sites list = draw(), chip[2];
             std::size_t lastplace = 0;
             for (int e = 0; e < 2; ++e) {
-                if (std::string(nested) == "no") list = draw();
+                if (!nested) list = draw();
                 const std::size_t n = e == 0 ? 20 : 10;
                 chip[e] = firstfitting(list, 1, n, onchip);
                 for (std::size_t i = 0; i < list.size(); ++i)
@@ -130,7 +130,7 @@ TEST_F(markerchoice, oneListDecides)
             }
             EXPECT_EQ(sitesof("Chip1SnpInformation.txt"), chip[0]);
             EXPECT_EQ(sitesof("Chip2SnpInformation.txt"), chip[1]);
-            if (std::string(nested) == "yes") {
+            if (nested) {
                 EXPECT_EQ(common(chip[0], chip[1]), chip[1]);
             }
             const std::size_t firstplace = inclqtn == 2 ? lastplace + 1 : 1;
