@@ -219,7 +219,7 @@ struct selectiondata {
 struct editingdata {
     bool geneditonoff = false, genedriveonoff = false;
     int64 nindedited = 0, ngeneditsperind = 0;
-    std::string edittopbot, performgeonuserqtnselection;
+    bool userqtnonoff = true;         // only QTN of the user's list are edited
     array1<int64> idofgenomeeditinds; // (nindedited)
     array2<int64> genomeeditqtnpos, genomeeditqtnchrom, genomeeditqtnposneg;
     driveflags genedriveqtnpresence; // (all individuals, all QTN, 2)

@@ -37,7 +37,7 @@ outfile openinformation(int64 selectioncycle)
 array1<int64> readqtnforge(const state &s)
 {
     array1<int64> qtnforgeindic(s.qtn.ntotqtn, 1);
-    if (isword(s.editing.performgeonuserqtnselection, "no")) return qtnforgeindic;
+    if (!s.editing.userqtnonoff) return qtnforgeindic;
     infile in("UserSelectedQtnToBeEdited.txt");
     in.record();
     for (int64 &indicator : qtnforgeindic) indicator = in.integer();

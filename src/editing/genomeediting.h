@@ -6,7 +6,7 @@
 //
 // Files: UserSelectedQtnToBeEdited.txt in the working folder, read free-form: for each QTN in
 // global order 1 if it may be edited, anything else if not; wanted unless
-// performgeonuserqtnselection says no. GeneEditingInformation.txt in the folder of the cycle: a
+// userqtnonoff is off. GeneEditingInformation.txt in the folder of the cycle: a
 // title, then one line per edit, 3I20,A10: individual, QTN, genotype found, genotype aimed at.
 #pragma once
 
@@ -15,7 +15,7 @@
 // Chooses the edits of the cycle that makes generation currentgen: the nindedited best male
 // parents, or selfed parents, in rank order, and for each of them the first ngeneditsperind QTN of
 // the sorted list that may be edited and at which it isn't homozygous for the favourable allele. An
-// individual that needs fewer edits has empty slots. edittopbot has no effect.
+// individual that needs fewer edits has empty slots. EditTopOrBottom has no effect.
 // Reads    indivtobeedited, the test set; the sorted list of runge and the QTN genotypes of
 //          generation currentgen - 1, from their files
 // Updates  the list arrays; idofgenomeeditinds, genomeeditqtnpos, genomeeditqtnchrom (0 for an

@@ -21,7 +21,7 @@ void readgeneediting(specreader &r)
     if (editing.geneditonoff) return;
     editing.nindedited = 0;
     editing.ngeneditsperind = 0;
-    editing.performgeonuserqtnselection = "no";
+    editing.userqtnonoff = false;
     r.b9 = true;
 }
 
@@ -55,7 +55,7 @@ const speckey keys[] = {
     // Box 9
     {"geneeditingonoff", 91, "GeneEditingOnOff not set properly", readgeneediting},
     {"edittoporbottom", 92, "EditTopOrBottom not set properly",
-     [](specreader &r) { r.s.editing.edittopbot = valueword(r, 1); }},
+     [](specreader &r) { valueword(r, 1); }},
     {"numberofeditedindividuals", 93, "NumberOfEditedIndividuals not set properly",
      [](specreader &r) {
          if (r.b9) return;
@@ -73,7 +73,9 @@ const speckey keys[] = {
      }},
     {"performgeonuserqtnselectionyesno", 95, "PerformGEOnUserQtnSelectionYesNo not set properly",
      [](specreader &r) {
-         if (!r.b9) r.s.editing.performgeonuserqtnselection = valueword(r, 1);
+         if (r.b9) return;
+         valueword(r, 1);
+         r.s.editing.userqtnonoff = !valueis(r, "no");
      }},
     {"genedriveonoff", 96, "GeneDriveOnOff not set properly",
      [](specreader &r) { r.s.editing.genedriveonoff = valueis(r, "on"); }},
