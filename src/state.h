@@ -180,6 +180,9 @@ struct valuedata {
     double vararecomb = 0, varerecomb = 0, vararecombt = 0;
 };
 
+// What the effects of the recombination QTN are drawn from.
+enum class effectdistribution { normal, gamma };
+
 // Selection. Lifetime: the reader's values Run, the others Stage or one selection cycle.
 struct selectiondata {
     int64 selmethindicator = 0; // 1 pedigree prediction, 2 genomic prediction, 3 phenotypes
@@ -198,7 +201,7 @@ struct selectiondata {
     bool recombselonoff = false;
     double recombindexwt = 0, recombindexwtlatergen = 0;
     int64 ngenselectonrec = 0;
-    std::string recombdistrib;
+    effectdistribution recombdistrib = effectdistribution::normal;
     double shaperecomb = 0, scalerecomb = 0;
     int64 firsttmptraingen = 0, lasttmptraingen = 0;
     int64 starttrainindiv = 0, endtrainindiv = 0, ntrainindivmax = 0;

@@ -38,7 +38,7 @@ void checkgenerationsandscheme(const specreader &r)
         if (isword(r.animalbreeding, "on") && isword(r.plantbreeding, "on"))
             refuse(100003, {"ERROR: AnimalBreedingOnOff or PlantBreedingOnOff must be Off"});
     }
-    if (!iseither(s.selection.recombdistrib, "normal", "gamma"))
+    if (!iseither(r.recombdistribution, "normal", "gamma"))
         refuse(100004, {"ERROR: The recombination distribution is incorrectly set",
                         "Should be Normal or Gamma"});
     if (s.run.selflexibilityonoff && s.run.importstage != 1 && s.run.importstage != 2)

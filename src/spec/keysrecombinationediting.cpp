@@ -44,10 +44,14 @@ const speckey keys[] = {
     {"latergenrecombinationindexweight", 86, "LaterGenRecombinationIndexWeight not set properly",
      [](specreader &r) { r.s.selection.recombindexwtlatergen = valuereal(r, 1); }},
     {"distributionofqtnforrecombination", 87, "DistributionOfQtnForRecombination not set properly",
-     [](specreader &r) { r.s.selection.recombdistrib = valueword(r, 1); }},
+     [](specreader &r) {
+         r.recombdistribution = valueword(r, 1);
+         r.s.selection.recombdistrib =
+             valueis(r, "gamma") ? effectdistribution::gamma : effectdistribution::normal;
+     }},
     {"shapeandscaleofgammadist", 88, "ShapeAndScaleOfGammaDist not set properly",
      [](specreader &r) {
-         if (!isword(r.s.selection.recombdistrib, "gamma")) return;
+         if (r.s.selection.recombdistrib != effectdistribution::gamma) return;
          needcount(r, 2);
          r.s.selection.shaperecomb = valuereal(r, 1);
          r.s.selection.scalerecomb = valuereal(r, 2);

@@ -93,7 +93,7 @@ void computeaverageallelesubsteffects(const state &s, const array1<double> &qtnf
 
 void simuleffectsforrecombination(state &s)
 {
-    const bool normal = isword(s.selection.recombdistrib, "normal");
+    const bool normal = s.selection.recombdistrib == effectdistribution::normal;
     const double c = singlesqrt(static_cast<double>(s.qtn.ntotqtnrecomb));
     s.qtn.addeffrecomb.fill(0);
     for (int64 q = 1; q <= s.qtn.ntotqtnrecomb; ++q) {

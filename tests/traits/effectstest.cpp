@@ -83,7 +83,7 @@ struct slowstage {
         const float nr = static_cast<float>(in.recombination.site.size());
         for (std::size_t q = 0; q < in.recombination.site.size(); ++q) {
             const double root = std::sqrt(nr);
-            if (s.selection.recombdistrib == "Normal") {
+            if (s.selection.recombdistrib == effectdistribution::normal) {
                 recombination.push_back(gasdev(random) / root);
                 continue;
             }
@@ -164,7 +164,7 @@ TEST_F(effectstage, filesholdtheplaindraws)
         s.qtn.domdegmean = 0.3;
         s.qtn.domdegvar = 0.8;
         s.selection.recombselonoff = true;
-        if (full) s.selection.recombdistrib = "Gamma";
+        if (full) s.selection.recombdistrib = effectdistribution::gamma;
         in.write(s);
         const slowstage slow(s, in, 11);
         const outcome result = runbody([&] { simulateqtneffects(s); });

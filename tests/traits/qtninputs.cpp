@@ -77,7 +77,6 @@ state qtninputs::settings(int64 ntraits) const
             s.traits.core(j, h) = j == h ? 1.0 : -0.2;
         }
     }
-    s.selection.recombdistrib = "Normal";
     s.selection.shaperecomb = 0.5;
     s.selection.scalerecomb = 2.0;
     s.values.heritrecomb = 0.3;
