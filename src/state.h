@@ -185,11 +185,11 @@ enum class effectdistribution { normal, gamma };
 
 // Selection. Lifetime: the reader's values Run, the others Stage or one selection cycle.
 struct selectiondata {
-    int64 selmethindicator = 0; // 1 pedigree prediction, 2 genomic prediction, 3 phenotypes
-    int64 selontbvyes1no0 = 2;  // 1 true values, 0 estimates, 2 until set and for phenotypes
-    int64 addqtntosnpchip = 0;  // 1 QTN are added to the selection chip, 2 not, 0 unset
-    std::string useexternsnpsol;
-    int64 selphenstrat = 0; // 1 to 6, phenotyping strategy
+    int64 selmethindicator = 0;  // 1 pedigree prediction, 2 genomic prediction, 3 phenotypes
+    int64 selontbvyes1no0 = 2;   // 1 true values, 0 estimates, 2 until set and for phenotypes
+    int64 addqtntosnpchip = 0;   // 1 QTN are added to the selection chip, 2 not, 0 unset
+    bool externsolonoff = false; // SNP solutions come from outside
+    int64 selphenstrat = 0;      // 1 to 6, phenotyping strategy
     int64 firsttraingenrp = 0, lasttraingenrp = 0, ntrainindiv = 0;
     bool fixtraindataonoff = false;
     int64 fixedtrainselcycle = 0;

@@ -26,7 +26,7 @@ inline bool istrainingfixed(const state &s, int64 selectioncycle)
 }
 inline bool aresolutionsinforce(const state &s, int64 selectioncycle)
 {
-    return istrainingfixed(s, selectioncycle) || isword(s.selection.useexternsnpsol, "yes");
+    return istrainingfixed(s, selectioncycle) || s.selection.externsolonoff;
 }
 
 // Loci of the selection files: SNPs of the selection chip, with the QTN behind them if added.

@@ -194,9 +194,9 @@ void checkphenotypingstrategy(const state &s)
                         "for recombination using AllMales as selection strategy"});
 }
 
-void checkexternalsolutions(const state &s, int64 code)
+void checkexternalsolutions(const specreader &r, int64 code)
 {
-    if (!iseither(s.selection.useexternsnpsol, "yes", "no"))
+    if (!iseither(r.externalsolutions, "yes", "no"))
         refuse(code, {"ERROR: UseExternalSnpSolutions must Yes or No"});
 }
 
@@ -225,8 +225,8 @@ void checkestimatedvalues(specreader &r)
                         "to avoid that the selection chip includes twice the QTN"});
     if (s.chips.snpchipinclqtn == 3 && s.selection.addqtntosnpchip == 1)
         printline(" NOTE: Selection chip might include some QTN twice");
-    checkexternalsolutions(s, 100019);
-    if (isword(s.selection.useexternsnpsol, "yes")) {
+    checkexternalsolutions(r, 100019);
+    if (s.selection.externsolonoff) {
         printlines({"  NOTE: EBV will be computed using external SNP solutions",
                     "  Please provide the required files in the Solvanto directory"});
     } else {
@@ -249,7 +249,7 @@ void checkselection(specreader &r)
     }
     setaddqtntosnpchip(r);
     setselectionmethod(r);
-    checkexternalsolutions(r.s, 100013);
+    checkexternalsolutions(r, 100013);
     setqtnmodel(r);
     checkphenotypicselection(r);
     if (r.s.selection.selontbvyes1no0 == 0) checkestimatedvalues(r);
@@ -271,7 +271,7 @@ void checktraits(const state &s)
             refuse(100031,
                    {"ERROR: Multitrait simulation is not allowed when performing gene editing",
                     onetrait});
-        if (isword(s.selection.useexternsnpsol, "yes"))
+        if (s.selection.externsolonoff)
             refuse(100032, {"ERROR: Multitrait simulation is not allowed when using external SNP "
                             "solutions",
                             onetrait});

@@ -43,7 +43,10 @@ const speckey keys[] = {
     {"addqtntothesnpchipyesno", 104, "AddQtnToTheSnpChipYesNo not set properly",
      [](specreader &r) { r.addqtntochip = valueword(r, 1); }},
     {"useexternalsnpsolutionsyesno", 105, "UseExternalSnpSolutionsYesNo not set properly",
-     [](specreader &r) { r.s.selection.useexternsnpsol = valueword(r, 1); }},
+     [](specreader &r) {
+         r.externalsolutions = valueword(r, 1);
+         r.s.selection.externsolonoff = valueis(r, "yes");
+     }},
     {"selectionphenotypingstrategy", 106, "SelectionPhenotypingStrategy not set properly",
      [](specreader &r) { r.phenotypingstrategy = valueword(r, 1); }},
     {"firstandlasttraininggenforrandomphenotypesstrat", 107,

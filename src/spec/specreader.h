@@ -49,7 +49,7 @@ struct specreader {
     std::string animalbreeding, plantbreeding;
     std::string selectionbasedon, qtndistribution, selectionmethod, addqtntochip;
     std::string phenotypingstrategy, fixtraining, computecoancestry;
-    std::string nestedchips, recombdistribution;
+    std::string nestedchips, recombdistribution, externalsolutions;
     int64 trainingfromgeneration = 0;
 };
 

@@ -229,7 +229,7 @@ TEST_F(PredictionRuns, PedigreeEstimatesAreTakenBackToTheirRows)
 
 TEST_F(PredictionRuns, SolutionsAreAppliedByHand)
 {
-    s.selection.useexternsnpsol = "Yes";
+    s.selection.externsolonoff = true;
     s.selection.recombselonoff = true;
     writefile(f + "SnpSolutions.txt", " 1 0.5\n 2 -2\n");
     writefile(f + "SnpSolutionsRecomb.txt", " 1 1\n 2 0\n");
@@ -243,7 +243,7 @@ TEST_F(PredictionRuns, SolutionsAreAppliedByHand)
     EXPECT_EQ(readlines(f + "EbvRecomb.txt")[2], "                  11        2.0000000000");
 
     // Fixed training data: solutions of the trait from cycle 2 on, estimates from a run in cycle 1.
-    s.selection.useexternsnpsol = "no";
+    s.selection.externsolonoff = false;
     s.selection.recombselonoff = false;
     s.selection.fixtraindataonoff = true;
     s.traits.ntraits = 2;

@@ -41,7 +41,6 @@ inline void makepopulation(state &s, int64 ngen, const std::vector<int64> &sizes
     s.traits.ntraits = 1;
     s.qtn.nqtnmodels = 1;
     s.qtn.qtnmodel = 1;
-    s.selection.useexternsnpsol = "no";
     s.selection.addqtntosnpchip = 2;
     s.random.idum = -4711;
 }
