@@ -78,7 +78,7 @@ void writeresults(state &s)
     if (!s.run.fullseqoutonoff) return;
     writeoutsequence(s, first, last);
     // Compression takes the specification's last generation, also when output ends before it.
-    if (isword(s.run.zipseqoutputfiles, "yes")) zipsequenceoutputfiles(s, first, s.run.specendgen);
+    if (s.run.zipsequenceonoff) zipsequenceoutputfiles(s, first, s.run.specendgen);
 }
 } // namespace
 
@@ -103,7 +103,7 @@ void solvanto(state &s)
     if (burnin) computetbvvaravareandburnintpv(s);
     if (s.pop.ngensel > 0) drophaploselection(s);
     writeresults(s);
-    if (s.run.specendgen == s.pop.ngensel + s.pop.ngen && isword(s.run.keepchromdata, "no"))
+    if (s.run.specendgen == s.pop.ngensel + s.pop.ngen && !s.run.keepchromonoff)
         runshell("rm -r Chromosomes", "Solvanto: ");
 
     printtiming(cpuseconds() - start);

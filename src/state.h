@@ -29,8 +29,8 @@ struct runcontrol {
     std::string mergetypes;           // ids, directories or none
     std::string mergefiles;           // list of runs to merge
     int64 numberofmergeruns = 0;
-    std::string keepchromdata, zipseqoutputfiles; // yes or no
-    bool fullseqoutonoff = false;                 // sequence output wanted
+    bool keepchromonoff = true; // the folder Chromosomes stays after the last generation
+    bool fullseqoutonoff = false, zipsequenceonoff = false; // sequence output wanted; compressed
 };
 
 // Population and generations. Lifetime: Run, but nmalinthisgen and nfeminthisgen: Stage.

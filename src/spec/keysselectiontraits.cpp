@@ -102,7 +102,7 @@ const speckey keys[] = {
     // Box 14
     {"keepchromosomesfolderyesno", 141, "KeepChromosomesFolderYesNo not set properly",
      [](specreader &r) {
-         if (!valuetext(r, 1).empty()) r.s.run.keepchromdata = valuetext(r, 1);
+         if (!valuetext(r, 1).empty()) r.s.run.keepchromonoff = !valueis(r, "no");
      }},
     {"writefullsequenceoutonoff", 142, "WriteFullSequenceOutOnOff not set properly",
      [](specreader &r) {
@@ -110,7 +110,10 @@ const speckey keys[] = {
          if (valueis(r, "on")) r.s.run.fullseqoutonoff = true;
      }},
     {"zipsequenceoutputfilesyesno", 143, "ZipSequenceOutputFilesYesNo not set properly",
-     [](specreader &r) { r.s.run.zipseqoutputfiles = valueword(r, 1); }},
+     [](specreader &r) {
+         valueword(r, 1);
+         r.s.run.zipsequenceonoff = valueis(r, "yes");
+     }},
     // Box 15
     {"genomecompressiononoff", 151, "GenomeCompressionOnOff not set properly",
      [](specreader &r) { r.s.founders.genomecompressiononoff = !valueis(r, "off"); }},
