@@ -100,8 +100,8 @@ int64 readphases()
 void writetestfile(state &s)
 {
     selectionchipfiles files = openchipfiles(s, 1);
-    generationphases phases = openphases(s, 1);
-    writetestchip(s, files, phases, 1, ncandidates);
+    generationphases opened = openphases(s, 1);
+    writetestchip(s, files, opened, 1, ncandidates);
     closechipfiles(files);
 }
 
