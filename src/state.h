@@ -11,10 +11,10 @@
 #pragma once
 
 #include "arrays.h"
-#include "editing/driveflags.h"
+#include "driveflags.h"
 #include "files.h"
-#include "haplotypes/genomes.h"
-#include "pedigree/pedigreeline.h"
+#include "genomes.h"
+#include "pedigreeline.h"
 #include "randomnumbers.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 #include "editing/edittargets.h"
 
+#include "cyclefolder.h"
 #include "files.h"
-#include "selection/cyclefolder.h"
 #include "sortstat.h"
 #include "textlayout.h"
 #include "words.h"

@@ -1,9 +1,9 @@
 #include "editing/genomeediting.h"
 
+#include "cyclefolder.h"
 #include "editing/edittargets.h"
 #include "editing/genedrive.h"
 #include "files.h"
-#include "selection/cyclefolder.h"
 #include "stops.h"
 #include "textlayout.h"
 #include "words.h"

@@ -1,6 +1,6 @@
 #include "evaluation/companionruns.h"
 
-#include "selection/cyclefolder.h"
+#include "cyclefolder.h"
 #include "shell.h"
 
 void writecycleseed(const state &s, int64 selectioncycle)

@@ -1,7 +1,7 @@
 #include "evaluation/predictionruns.h"
 
+#include "cyclefolder.h"
 #include "evaluation/companionruns.h"
-#include "selection/cyclefolder.h"
 #include "shell.h"
 #include "stops.h"
 #include "textlayout.h"

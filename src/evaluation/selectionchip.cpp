@@ -1,6 +1,6 @@
 #include "evaluation/selectionchip.h"
 
-#include "selection/cyclefolder.h"
+#include "cyclefolder.h"
 #include "textlayout.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "evaluation/trainingdata.h"
 
-#include "selection/cyclefolder.h"
+#include "cyclefolder.h"
 #include "shell.h"
 #include "textlayout.h"
 

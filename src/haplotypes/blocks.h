@@ -11,12 +11,10 @@
 // stops: none. Results may be the same variables as the inputs.
 #pragma once
 
-#include "arrays.h"
+#include "genomes.h"
 
 #include <array>
 #include <cstring>
-
-constexpr int64 lociperblock = 60;
 
 // Block and position, both from 1, of an included site.
 struct siteplace {

@@ -10,7 +10,7 @@
 #pragma once
 
 #include "files.h"
-#include "haplotypes/genomes.h"
+#include "genomes.h"
 
 #include <string>
 

@@ -7,7 +7,7 @@
 #pragma once
 
 #include "merge/mergefolders.h"
-#include "pedigree/pedigreeline.h"
+#include "pedigreeline.h"
 
 // Reads    ngen, ngensel, numberofmergeruns, and what mergechecks.h names
 // Stops: 48 for another number of folders than numberofmergeruns, 900000. A fault in the list or in

@@ -1,9 +1,9 @@
 #include "selection/coancestryreport.h"
 
+#include "cyclefolder.h"
 #include "evaluation/relationshipruns.h"
 #include "evaluation/selectionchip.h"
 #include "evaluation/trainingdata.h"
-#include "selection/cyclefolder.h"
 #include "values/coancestry.h"
 
 #include <string>

@@ -1,7 +1,7 @@
 #include "selection/pedigreeimport.h"
 
+#include "cyclefolder.h"
 #include "pedigree/pedigree.h"
-#include "selection/cyclefolder.h"
 #include "stops.h"
 #include "textlayout.h"
 

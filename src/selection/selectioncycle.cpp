@@ -1,5 +1,6 @@
 #include "selection/selectioncycle.h"
 
+#include "cyclefolder.h"
 #include "editing/edittargets.h"
 #include "editing/genedrive.h"
 #include "editing/genomeediting.h"
@@ -11,7 +12,6 @@
 #include "haplotypes/selectiondrop.h"
 #include "pedigree/pedigree.h"
 #include "selection/coancestryreport.h"
-#include "selection/cyclefolder.h"
 #include "selection/nextparents.h"
 #include "selection/optimalcontributions.h"
 #include "selection/pedigreeimport.h"

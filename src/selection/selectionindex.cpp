@@ -1,6 +1,6 @@
 #include "selection/selectionindex.h"
 
-#include "selection/cyclefolder.h"
+#include "cyclefolder.h"
 #include "textlayout.h"
 
 #include <algorithm>

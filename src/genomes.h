@@ -1,11 +1,13 @@
 // genomes.h - packed haplotypes in memory: the founders of a chromosome, and a generation.
 //
-// A block is one 64-bit integer of 60 loci (see blocks.h). In memory each haplotype lies
+// A block is one 64-bit integer of 60 loci (see haplotypes/blocks.h). In memory each haplotype lies
 // contiguous, block after block, since gametes are made and copied whole; the binary files hold
 // the individual index fastest, and the transposition is done at the file boundary, in tiles.
 #pragma once
 
 #include "arrays.h"
+
+constexpr int64 lociperblock = 60;
 
 // Founder haplotypes (h, b): haplotype h from 1, block b from 1.
 class haplotypestore
