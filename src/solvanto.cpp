@@ -3,6 +3,7 @@
 #include "founders/extractsegsites.h"
 #include "founders/runmacs.h"
 #include "haplotypes/burnindrop.h"
+#include "haplotypes/founderblocks.h"
 #include "merge/startmerge.h"
 #include "pedigree/pedigreereadermaker.h"
 #include "results/sequence.h"
@@ -96,7 +97,7 @@ void solvanto(state &s)
     pedigreereadermaker(s);
     if (newsimulation) {
         runmacs(s);
-        extractsegsites(s);
+        extractsegsites(s, packhaplotypes);
     }
     if (burnin) drophaploburninandmakearrays(s);
     if (newsimulation) simulateqtneffects(s);

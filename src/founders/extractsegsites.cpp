@@ -1,8 +1,6 @@
 #include "founders/extractsegsites.h"
 
 #include "founders/stores.h"
-#include "haplotypes/blocks.h"
-#include "haplotypes/genomefiles.h"
 #include "shell.h"
 #include "stops.h"
 #include "words.h"
@@ -95,7 +93,7 @@ void printtotals(const state &s)
 }
 } // namespace
 
-void extractsegsites(state &s)
+void extractsegsites(state &s, haplotypepacker packhaplotypes)
 {
     allocatearraysforextractsegsites(s, "AllChrom");
     s.sites.nindivpinit = s.pop.nindivp;
@@ -107,6 +105,7 @@ void extractsegsites(state &s)
         allocatearraysforextractsegsites(s, "PerChrom");
         insertmutations(s, chrom);
         restrictsegsites(s, chrom);
+        packhaplotypes(s, chrom);
         determinenbofsnpandqtn(s, chrom);
         deallocatearraysforextractsegsites(s, "PerChrom");
     }
@@ -361,58 +360,6 @@ void writeincludedmap(const state &s, int64 chrom)
     }
     out.close();
 }
-
-// For each included site its place among the simulated sites, from 0; mutations get the place
-// behind the last, whose allele is always 0.
-std::vector<int64> placesofincludedsites(const state &s)
-{
-    const segregatingsites &sites = s.sites;
-    std::vector<int64> places(static_cast<std::size_t>(sites.nsegregincl), sites.nsegregtmp);
-    int64 k = 0;
-    for (int64 i = 1; i <= sites.nsegregincl; ++i) {
-        if (sites.inclmutindicator(i) == 1) continue;
-        while (sites.tmpwrk(k + 1) < sites.inclsnpid(i)) ++k;
-        places[static_cast<std::size_t>(i - 1)] = k;
-    }
-    return places;
-}
-
-// Reads the alleles of the simulated sites of the next haplotype.
-void readhaplotype(infile &in, std::vector<int8> &tmphapin, int64 nsegregtmp)
-{
-    in.record();
-    in.alleles(tmphapin.data(), nsegregtmp);
-    unsigned bits = 0;
-    for (const int8 allele : tmphapin) bits |= static_cast<unsigned char>(allele);
-    if (bits > 1) in.complain("an allele is neither 0 nor 1");
-}
-
-// Packs the included sites of all haplotypes, and writes them as text on the way.
-void packhaplotypes(state &s, int64 chrom)
-{
-    haplotypestore &haplotypes = s.haplo.haplotypes;
-    const std::vector<int64> places = placesofincludedsites(s);
-    std::vector<int8> tmphapin(static_cast<std::size_t>(s.sites.nsegregtmp + 1), 0);
-    int8 chunk[lociperblock];
-
-    infile in(chromfolder(chrom) + "MacsHaplotypes.txt");
-    outfile out(chromfolder(chrom) + "MacsHaplotypesIncluded.txt");
-    for (int64 h = 1; h <= s.sites.nhaplos; ++h) {
-        readhaplotype(in, tmphapin, s.sites.nsegregtmp);
-        const int64 *place = places.data();
-        int64 *blocks = haplotypes.haplotype(h);
-        for (int64 j = 0; j < s.haplo.nblock; ++j) {
-            for (int8 &allele : chunk) allele = tmphapin[static_cast<std::size_t>(*place++)];
-            blocks[j] = packblock(chunk);
-            putblocktext(out.reserve(2 * lociperblock), blocks[j]);
-            out.commit(2 * lociperblock);
-        }
-        out.write("\n");
-    }
-    out.close();
-    if (s.sites.nhaplos == 0 && s.sites.nsegregincl > 0) ioerror(in.path(), "holds no haplotypes");
-    writehaplotypes(chromfolder(chrom) + "MacsHaplotypesInBlocks.txt", haplotypes);
-}
 } // namespace
 
 void restrictsegsites(state &s, int64 chrom)
@@ -424,7 +371,6 @@ void restrictsegsites(state &s, int64 chrom)
     drawcarriers(s, chrom);
     writemutindivindicator(s, chrom);
     writeincludedmap(s, chrom);
-    packhaplotypes(s, chrom);
 }
 
 // --------------------------------------------------------------------- determinenbofsnpandqtn

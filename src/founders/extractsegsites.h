@@ -23,8 +23,6 @@
 //                                    the carrier (1 or 2), block, included site
 //   MutIndivIndicator.txt            a row per individual, 2I10: individual, 1 if it carries a
 //                                    mutation on the chromosome
-//   MacsHaplotypesIncluded.txt       a row per haplotype, nI2: alleles of the included sites
-//   MacsHaplotypesInBlocks.txt       binary, the packed haplotypes (see haplotypes/genomefiles.h)
 //   NbOfQtnMutationsAndSnp.txt       I20 each: QTN, included mutations, markers of each chip; with
 //                                    recombselonoff on a second row, for the recombination QTN
 // and ./SimulatedData/NbOfSegSitesPerChrom.txt, free-form: a title; per chromosome its number,
@@ -39,16 +37,20 @@
 
 #include <string_view>
 
+// What packs the founder haplotypes of a chromosome, once its included sites are chosen and while
+// the arrays of the chromosome stand: packhaplotypes of haplotypes/founderblocks.h.
+using haplotypepacker = void (*)(state &s, int64 chrom);
+
 // The stage. A chromosome without SegSites.txt, because macs or the formatter failed, is an I/O
 // error.
-void extractsegsites(state &s);
+void extractsegsites(state &s, haplotypepacker packhaplotypes);
 
 // "AllChrom" makes the arrays of all chromosomes, any other word those of the chromosome whose
 // counts stand in the state.
 void allocatearraysforextractsegsites(state &s, std::string_view part);
 void deallocatearraysforextractsegsites(state &s, std::string_view part);
 
-// The three steps of a chromosome, between the two routines above. nsegregtmp, nmut, nsegreg,
+// Three steps of a chromosome, between the two routines above. nsegregtmp, nmut, nsegreg,
 // nblock, nsegregincl and, with compression in force, compressindicator, nsegregtmpcomp and
 // nsegregcomp have been set.
 
@@ -57,8 +59,8 @@ void deallocatearraysforextractsegsites(state &s, std::string_view part);
 // only mutation slots follow. Fills tmpwrk, mutindicator, mutsitesid, tmpwrkcomp and
 // allphysicalmapcomp.
 void insertmutations(state &s, int64 chrom);
-// Chooses the included sites, draws the carriers of included mutations among nindivpinit
-// individuals, and packs the haplotypes, which pass through one at a time.
+// Chooses the included sites, and draws the carriers of included mutations among nindivpinit
+// individuals.
 void restrictsegsites(state &s, int64 chrom);
 // Counts QTN and markers. Stops, each with its messages: 110007 when a chip, 110008 when the QTN,
 // 110009 when the recombination QTN need more than nsegregincl sites.

@@ -1,7 +1,7 @@
 #include "founders/runmacs.h"
 
 #include "founders/presets.h"
-#include "haplotypes/recombmap.h"
+#include "founders/recombregions.h"
 #include "shell.h"
 #include "sortstat.h"
 #include "stops.h"

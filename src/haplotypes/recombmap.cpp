@@ -1,6 +1,7 @@
 #include "haplotypes/recombmap.h"
 
 #include "files.h"
+#include "founders/recombregions.h"
 #include "founders/stores.h"
 #include "haplotypes/blocks.h"
 #include "sortstat.h"
@@ -12,11 +13,6 @@
 
 namespace
 {
-std::string regionsname(int64 chrom)
-{
-    return "./RecombinationSpecifications/Chromosome" + numbertext(chrom);
-}
-
 // Text and value without a blank between them.
 void printvalue(std::string_view text, double value)
 {
@@ -95,7 +91,7 @@ void stopifbeyondsites(const fittedregions &fit, int64 chrom)
 void writeachieved(const std::vector<recombregion> &regions, const fittedregions &fit,
                    const array1<double> &map, int64 chrom)
 {
-    outfile out(regionsname(chrom) + "Achieved.txt");
+    outfile out("./RecombinationSpecifications/Chromosome" + numbertext(chrom) + "Achieved.txt");
     textline line;
     puta(line, "Start Stop Prop StartBlockWish StartBlockAchieved StopBlockWish StopBlockAchieved",
          82);
@@ -143,38 +139,6 @@ void stopifshareslow(const state &s)
 }
 } // namespace
 
-std::vector<recombregion> readrecombregions(int64 chrom)
-{
-    const std::string path = regionsname(chrom) + ".txt";
-    std::vector<recombregion> regions(static_cast<std::size_t>(countlines(path)));
-    infile in(path);
-    for (recombregion &region : regions) {
-        in.record();
-        region.start = in.real();
-        region.stop = in.real();
-        region.proportion = in.real();
-    }
-    return regions;
-}
-
-bool regionsinorder(const std::vector<recombregion> &regions)
-{
-    for (std::size_t m = 1; m < regions.size(); ++m) {
-        if (!(regions[m].start > regions[m - 1].start && regions[m].stop > regions[m - 1].stop))
-            return false;
-    }
-    return true;
-}
-
-bool rescaleproportions(std::vector<recombregion> &regions)
-{
-    double sum = 0;
-    for (const recombregion &region : regions) sum += region.proportion;
-    if (sum == 1) return false;
-    for (recombregion &region : regions) region.proportion /= sum;
-    return true;
-}
-
 void readrecombspec(state &s, int64 chrom)
 {
     {
@@ -182,7 +146,7 @@ void readrecombspec(state &s, int64 chrom)
         in.record();
         s.sites.nsegregincl = in.integer();
     }
-    const int64 nrecblocks = countlines(regionsname(chrom) + ".txt");
+    const int64 nrecblocks = countlines(recombregionsfile(chrom));
     if (nrecblocks > s.haplo.nblock) toomanyregions(s, nrecblocks);
     array1<double> map(s.sites.nsegregincl);
     readsegsitesdataperchromforrecomb(chrom, map, s.sites.nsegregincl);

@@ -1,27 +1,13 @@
 // recombmap.h - how the recombination of a chromosome is shared out over its blocks.
 //
-// RecombinationSpecifications/Chromosome<h>.txt holds the user's regions, one line each,
-// free-form: start, stop (on the scale of PhysicalMapIncluded.txt, 0 to 1), proportion of the
-// chromosome's recombination. The regions are fitted to the grid of blocks, and what came of it is
-// written to Chromosome<h>Achieved.txt beside it: a title in A82, then per region 3F12.8,4I8:
-// position of the first site of the start block (0 for block 1), of the last site of the stop
-// block, proportion after rescaling, start block wished for and achieved, the same for the stop.
+// The user's regions (founders/recombregions.h) are fitted to the grid of blocks, and what came of
+// it is written to RecombinationSpecifications/Chromosome<h>Achieved.txt: a title in A82, then per
+// region 3F12.8,4I8: position of the first site of the start block (0 for block 1), of the last
+// site of the stop block, proportion after rescaling, start block wished for and achieved, the same
+// for the stop.
 #pragma once
 
 #include "state.h"
-
-#include <vector>
-
-struct recombregion {
-    double start = 0, stop = 0, proportion = 0;
-};
-
-// The regions of a chromosome, as many as the file has lines.
-std::vector<recombregion> readrecombregions(int64 chrom);
-// From the second region on, each starts behind the start and stops behind the stop of the last.
-bool regionsinorder(const std::vector<recombregion> &regions);
-// Divides the proportions by their sum unless that is exactly 1; true if it did.
-bool rescaleproportions(std::vector<recombregion> &regions);
 
 // Fills recombfactperblock(nblock) from the regions of the chromosome. A region has the first
 // block behind the start block of the region before in which its start is met; where its stop is

@@ -1,5 +1,6 @@
 #include "founders/extractsegsites.h"
 #include "founders/stores.h"
+#include "haplotypes/founderblocks.h"
 #include "haplotypes/genomefiles.h"
 #include "testsupport.h"
 
@@ -241,7 +242,7 @@ TEST_F(extraction, agreewithplainstrings)
         s.founders.genomecompression = c.percentage;
         s.selection.recombselonoff = c.recomb;
         randomstream random = s.random;
-        const outcome result = runbody([&] { extractsegsites(s); });
+        const outcome result = runbody([&] { extractsegsites(s, packhaplotypes); });
         ASSERT_EQ(result.code(), 0) << result.output;
 
         s.qtn.ntotqtnrecomb = 99;
@@ -303,7 +304,7 @@ TEST_F(extraction, stopwithtoofewsites)
         s.chips.nsnpperchipperchrom(2) = c.nsnp;
         s.qtn.nqtn = c.nqtn;
         s.qtn.ntotqtnrecomb = c.nqtnrecomb;
-        const outcome result = runbody([&] { extractsegsites(s); });
+        const outcome result = runbody([&] { extractsegsites(s, packhaplotypes); });
         EXPECT_EQ(result.code(), c.code);
         EXPECT_TRUE(c.code == 0 || result.output.ends_with(c.message)) << result.output;
     }
@@ -313,7 +314,7 @@ TEST_F(extraction, refusebrokeninput)
 {
     const auto refused = [] {
         state s = extractionstate(1, 0);
-        const outcome result = runbody([&] { extractsegsites(s); });
+        const outcome result = runbody([&] { extractsegsites(s, packhaplotypes); });
         EXPECT_EQ(result.code(), -2);
         return result.stop.reason;
     };
@@ -340,7 +341,7 @@ TEST_F(extraction, refusebrokenstores)
 {
     writechromosome(1, 57, 3);
     state s = extractionstate(1, 3);
-    runbody([&] { extractsegsites(s); });
+    runbody([&] { extractsegsites(s, packhaplotypes); });
     const std::pair<std::string, std::string> broken[] = {
         {"MutDeNovoInfo.txt", "17 3 1 1 16\n"}, // two of three mutations are missing
         {"SegSitesIncluded.txt", ""},

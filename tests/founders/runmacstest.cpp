@@ -1,6 +1,7 @@
 #include "founders/runmacs.h"
 #include "founders/extractsegsites.h"
 #include "founders/presets.h"
+#include "haplotypes/founderblocks.h"
 #include "testsupport.h"
 
 namespace
@@ -209,7 +210,7 @@ TEST_F(macsstage, runtherealprograms)
                              " \n Chromosome:  1\n Running Vintrecaskelle\n"
                              " \n Chromosome:  2\n Running Vintrecaskelle\n"
                              " MaCS finished\n     \n");
-    ASSERT_EQ(runbody([&] { extractsegsites(s); }).code(), 0);
+    ASSERT_EQ(runbody([&] { extractsegsites(s, packhaplotypes); }).code(), 0);
     std::string included[2];
     for (const int64 chrom : {1, 2}) {
         const std::string path = chromfolder(chrom);
