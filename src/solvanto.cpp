@@ -4,6 +4,7 @@
 #include "founders/runmacs.h"
 #include "haplotypes/burnindrop.h"
 #include "haplotypes/founderblocks.h"
+#include "markers/markgeneration.h"
 #include "merge/startmerge.h"
 #include "pedigree/pedigreereadermaker.h"
 #include "results/sequence.h"
@@ -99,7 +100,7 @@ void solvanto(state &s)
         runmacs(s);
         extractsegsites(s, packhaplotypes);
     }
-    if (burnin) drophaploburninandmakearrays(s);
+    if (burnin) drophaploburninandmakearrays(s, markgeneration);
     if (newsimulation) simulateqtneffects(s);
     if (burnin) computetbvvaravareandburnintpv(s);
     if (s.pop.ngensel > 0) drophaploselection(s);

@@ -4,8 +4,6 @@
 #include "haplotypes/blocks.h"
 #include "haplotypes/burningeneration.h"
 #include "haplotypes/droplines.h"
-#include "markers/chips.h"
-#include "markers/extraction.h"
 #include "pedigree/pedigree.h"
 
 #include <algorithm>
@@ -38,24 +36,22 @@ void prepareforchromosome(state &s, arrayscope &arrays, int64 chrom)
 }
 
 // parentsloaded: oldtmpgenome holds the generation before.
-void dropgeneration(state &s, int64 chrom, int64 gen, bool parentsloaded)
+void dropgeneration(state &s, int64 chrom, int64 gen, bool parentsloaded,
+                    generationstep finishgeneration)
 {
     const int64 startindiv = firstindivofgen(s, gen), endindiv = lastindivofgen(s, gen);
     s.haplo.tmpgenome.allocate(s.pop.nindivinthisgen(gen), s.haplo.nblock);
     genedropburninindiv(s, chrom, gen, startindiv, endindiv, parentsloaded);
-    if (gen == 1) {
-        computeminorallelefrequency(s, chrom);
-        createsnpchipsandqtnarrays(s, chrom);
-    }
-    extractgeneration(s, chrom, gen, startindiv, endindiv);
+    if (gen == 1) computeminorallelefrequency(s, chrom);
+    finishgeneration(s, chrom, gen, startindiv, endindiv);
 }
 
-void dropchromosome(state &s, int64 chrom, generationspan span)
+void dropchromosome(state &s, int64 chrom, generationspan span, generationstep finishgeneration)
 {
     arrayscope arrays;
     prepareforchromosome(s, arrays, chrom);
     for (int64 j = span.first; j <= span.last; ++j) {
-        dropgeneration(s, chrom, j, j > span.first);
+        dropgeneration(s, chrom, j, j > span.first, finishgeneration);
         // The generation just made has the parents of the next: no need to read its file.
         std::swap(s.haplo.oldtmpgenome, s.haplo.tmpgenome);
     }
@@ -66,7 +62,7 @@ void dropchromosome(state &s, int64 chrom, generationspan span)
 }
 } // namespace
 
-void drophaploburninandmakearrays(state &s)
+void drophaploburninandmakearrays(state &s, generationstep finishgeneration)
 {
     const generationspan span = burningenerations(s);
     arrayscope arrays;
@@ -78,26 +74,9 @@ void drophaploburninandmakearrays(state &s)
     readsegsitesdatafromallchrom(s);
     outfile locations(highestcrossingsfile);
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        dropchromosome(s, h, span);
+        dropchromosome(s, h, span, finishgeneration);
         locations.writeline(freeline(h, s.haplo.globalrecomblocationmax(h)));
     }
     locations.close();
     printline(" ");
-}
-
-void extractgeneration(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
-                       int64 endindiv)
-{
-    const int64 nblock = s.haplo.nblock;
-    for (int64 chip = 1; chip <= s.chips.nchip; ++chip)
-        fillarray(s, chrom, chip, currentgen, startindiv, endindiv, nblock, lociperblock,
-                  s.chips.nsnponthischipchrom(chip, chrom));
-    const int64 nqtn = s.qtn.nqtnonthischrom(chrom);
-    fillqtnunrestricted(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock, nqtn);
-    fillqtnrestricted(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock, nqtn);
-    if (s.selection.recombselonoff)
-        fillqtnrecombination(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock,
-                             s.qtn.nqtnrecombonthischrom(chrom));
-    if (s.run.fullseqoutonoff)
-        writeoutindivphase(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock);
 }

@@ -19,6 +19,11 @@ constexpr const char *recombinationcounts = "SimulatedData/RecombinationCount.tx
 // One free-form line per chromosome: chromosome, highest crossing site met so far.
 constexpr const char *highestcrossingsfile = "./SimulatedData/GlobalRecombLocationMax.txt";
 
+// What is done with a generation on a chromosome as soon as tmpgenome holds it, individuals
+// startindiv to endindiv: the stage that drops it is given the routine by its caller.
+using generationstep = void (*)(state &s, int64 chrom, int64 currentgen, int64 startindiv,
+                                int64 endindiv);
+
 // The open files of a drop and its working space.
 struct dropwork {
     outfile tracking, counts;

@@ -3,7 +3,6 @@
 #include "arrayscope.h"
 #include "editing/genedrive.h"
 #include "haplotypes/blocks.h"
-#include "haplotypes/burnindrop.h"
 #include "haplotypes/droplines.h"
 #include "haplotypes/genomefiles.h"
 #include "haplotypes/recombmap.h"
@@ -101,7 +100,8 @@ void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv
     closedrop(work);
 }
 
-void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
+void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int64 endindiv,
+                              generationstep finishgeneration)
 {
     for (int64 chrom = 1; chrom <= s.founders.nchrom; ++chrom) {
         s.haplo.nblock = s.sites.nsegreginclglobal(chrom) / lociperblock;
@@ -110,6 +110,6 @@ void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int6
         arrays.make(s.haplo.recombrateperblock, s.haplo.nblock);
         arrays.make(s.haplo.recombfactperblock, s.haplo.nblock);
         genedropselection(s, chrom, currentgen, startindiv, endindiv, s.selection.endtestindiv);
-        extractgeneration(s, chrom, currentgen, startindiv, endindiv);
+        finishgeneration(s, chrom, currentgen, startindiv, endindiv);
     }
 }

@@ -5,11 +5,12 @@
 // making of a gamete are those of droplines.h and gametes.h.
 #pragma once
 
+#include "haplotypes/droplines.h"
 #include "state.h"
 
 // Drops generation currentgen, individuals startindiv to endindiv, on all chromosomes: writes
 // GenomeGeneration<currentgen>.txt, extends RecombinationTracking.txt and RecombinationCount.txt,
-// and writes the generation's genotype files.
+// and calls finishgeneration on each chromosome.
 // Reads    ped, recombperindperchr, the test set (the generation before); recombcount, which holds
 //          all earlier individuals' counts and 0 for the new ones; GenomeGeneration<g>.txt of the
 //          generation before, or of the parents' generations where currentgen has its pedigree from
@@ -20,9 +21,10 @@
 // those of recombinegametes; then the same for the dam's side, unless the generation is of doubled
 // haploids.
 // Stops: those of readrecombspec.
-void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int64 endindiv);
+void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int64 endindiv,
+                              generationstep finishgeneration);
 
-// The same for one chromosome, without its genotype files: tmpgenome, recombfactperblock and
+// The same for one chromosome, without finishgeneration: tmpgenome, recombfactperblock and
 // recombrateperblock are made by the caller, nblock is set. endtestindiv is the last individual of
 // the generation before.
 void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,

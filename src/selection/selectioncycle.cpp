@@ -10,6 +10,7 @@
 #include "founders/stores.h"
 #include "haplotypes/droplines.h"
 #include "haplotypes/selectiondrop.h"
+#include "markers/markgeneration.h"
 #include "pedigree/pedigree.h"
 #include "selection/coancestryreport.h"
 #include "selection/nextparents.h"
@@ -177,7 +178,7 @@ void chooseparents(state &s, int64 selectioncycle, int64 currentgen, int64 start
 void makegeneration(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
 {
     writeoutpedigree(s);
-    performgenedropselection(s, currentgen, startindiv, endindiv);
+    performgenedropselection(s, currentgen, startindiv, endindiv, markgeneration);
     compileqtngenotypes(s, currentgen, startindiv, endindiv);
     computetbv(s, startindiv, endindiv);
     if (s.qtn.dominonoff) computetdv(s, startindiv, endindiv);
