@@ -270,67 +270,6 @@ TEST_F(effectstage, titlesandlayouts)
               "GlobalQtnId ");
 }
 
-// 20,000 QTN, two traits with variances 1 and 2 and correlation 0.5; all bounds are 5 standard
-// errors. A sample covariance of n pairs has the standard error sqrt((v1 v2 + c^2) / n).
-TEST(effectdistributions, momentsareasaskedfor)
-{
-    const int64 n = 20000;
-    qtninputs in;
-    state s = in.settings(2);
-    s.qtn.ntotqtn = s.qtn.ntotqtngamma = n;
-    s.qtn.dominonoff = true;
-    s.qtn.domdegmean = 0.2;
-    s.qtn.domdegvar = 0.5;
-    arrayscope arrays;
-    makeeffectarrays(s, arrays);
-    s.qtn.qtngamma.fill(1);
-    workoutgeneticcovariances(s);
-    simuladditiveeffects(s, s.qtn.allqtnmutindunres, s.qtn.addeffnormalunres,
-                         s.qtn.addeffgammaunrestr);
-    simuldominanceeffects(s, s.qtn.addeffnormalunres, s.qtn.addeffgammaunrestr,
-                          s.qtn.domdegnormalunres, s.qtn.domdeggammaunrestr,
-                          s.qtn.domeffnormalunres, s.qtn.domeffgammaunres);
-    const double count = static_cast<double>(n);
-    const auto meanproduct = [&](const double *x, const double *y) {
-        double sum = 0;
-        for (int64 q = 0; q < n; ++q) sum += x[q] * y[q];
-        return sum / count;
-    };
-    const double *a1 = s.qtn.addeffnormalunres.column(1), *a2 = s.qtn.addeffnormalunres.column(2);
-    const double c = 0.5 * std::sqrt(2.0);
-    EXPECT_NEAR(meanproduct(a1, a1) * count, 1, 5 * std::sqrt(2 / count));
-    EXPECT_NEAR(meanproduct(a2, a2) * count, 2, 5 * std::sqrt(8 / count));
-    EXPECT_NEAR(meanproduct(a1, a2) * count, c, 5 * std::sqrt((2 + c * c) / count));
-
-    // Trait 1 under gamma: mean 0 by the signs; sizes with mean k t and variance k t^2 for shape
-    // k and scale t, both times 1 / sqrt(n). The fourth central moment is 3 k^2 t^4 + 6 k t^4.
-    const double k = 0.4, t = 1.66;
-    double sum = 0, sizes = 0, squares = 0;
-    for (int64 q = 1; q <= n; ++q) {
-        const double x = s.qtn.addeffgammaunrestr(q, 1) * std::sqrt(count);
-        sum += x;
-        sizes += std::fabs(x);
-    }
-    for (int64 q = 1; q <= n; ++q) {
-        const double x = std::fabs(s.qtn.addeffgammaunrestr(q, 1)) * std::sqrt(count);
-        squares += (x - sizes / count) * (x - sizes / count);
-    }
-    const double variance = k * t * t;
-    EXPECT_NEAR(sum / count, 0, 5 * std::sqrt((variance + k * t * k * t) / count));
-    EXPECT_NEAR(sizes / count, k * t, 5 * std::sqrt(variance / count));
-    EXPECT_NEAR(squares / count, variance,
-                5 * std::sqrt((2 * k * k + 6 * k) * t * t * t * t / count));
-
-    // Degrees of both distributions and traits: mean 0.2, variance 0.5.
-    for (const array2<double> *degrees : {&s.qtn.domdegnormalunres, &s.qtn.domdeggammaunrestr})
-        for (int64 j = 1; j <= 2; ++j) {
-            double ave, adev, sdev, var, skew, curt;
-            moment(degrees->column(j), n, ave, adev, sdev, var, skew, curt);
-            EXPECT_NEAR(ave, 0.2, 5 * std::sqrt(0.5 / count));
-            EXPECT_NEAR(var, 0.5, 5 * 0.5 * std::sqrt(2 / count));
-        }
-}
-
 // Covariances [[4, 2], [2, 10]]: factor 2, 1, 3 by hand. The diagonal of the correlations takes
 // part: 1.25 x 8 = 10.
 TEST_F(effectstage, choleskyfactors)
