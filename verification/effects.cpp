@@ -58,9 +58,9 @@ TEST_F(effects, momentsareasaskedfor)
     const double size = meanof(additive, [&](const auto &row) { return std::fabs(gamma(row)); });
     EXPECT_NEAR(meanof(additive, gamma), 0, 5 * std::sqrt((variance + k * t * k * t) / n));
     EXPECT_NEAR(size, k * t, 5 * std::sqrt(variance / n));
-    EXPECT_NEAR(
-        meanof(additive, [&](const auto &row) { return std::pow(std::fabs(gamma(row)) - size, 2); }),
-        variance, 5 * std::sqrt((2 * k * k + 6 * k) * t * t * t * t / n));
+    EXPECT_NEAR(meanof(additive,
+                       [&](const auto &row) { return std::pow(std::fabs(gamma(row)) - size, 2); }),
+                variance, 5 * std::sqrt((2 * k * k + 6 * k) * t * t * t * t / n));
 
     // Degrees of both distributions and traits, the last four columns: mean 0.2, variance 0.5.
     for (std::size_t column = 7; column <= 10; ++column) {

@@ -1,5 +1,5 @@
-// Pedigree prediction: the program against variances set up and inverted densely here, both solvers,
-// and statistics of both evaluation programs on families.
+// Pedigree prediction: the program against variances set up and inverted densely here, both
+// solvers, and statistics of both evaluation programs on families.
 #include "Quillomere/snpblup.h"
 #include "QuillomereP/animalmodel.h"
 #include "QuillomereP/inbreeding.h"

@@ -12,7 +12,7 @@
 #include <vector>
 
 inline candidates makecandidates(const densematrix &g, const std::vector<double> &gain,
-                          const std::vector<int64> &pool)
+                                 const std::vector<int64> &pool)
 {
     candidates c;
     c.n = std::ssize(gain);
@@ -36,7 +36,7 @@ inline candidates makecandidates(const densematrix &g, const std::vector<double>
 // of rank nsnp but for what is added to the diagonal. Every third candidate copies the one before
 // it; gains are rounded, so that some are tied, and the best ones differ by next to nothing.
 inline candidates randomcandidates(std::size_t n, std::size_t nsnp, int64 npools, double diagonal,
-                            unsigned seed)
+                                   unsigned seed)
 {
     std::mt19937_64 random(seed);
     std::normal_distribution<double> normal;

@@ -1,6 +1,6 @@
 #include "editing/edittargets.h"
 #include "editing/genedrive.h"
-#include "haplotypes/slowdrop.h"
+#include "haplotypes/blocks.h"
 #include "selection/population.h"
 #include "testsupport.h"
 
@@ -153,13 +153,15 @@ TEST_F(editing, conversioncopiesoneallele)
 {
     for (const int64 site : {1, 60, 61, 120})
         for (const int64 phase : {1, 2}) {
-            std::string sire(120, '0'), dam(120, '1');
             std::vector<int64> fromsire = {0, 0};
             std::vector<int64> fromdam(2, (int64(1) << 60) - 1);
             genedriveedit(phase, fromsire.data(), fromdam.data(), site);
-            (phase == 1 ? dam : sire)[static_cast<std::size_t>(site - 1)] = phase == 1 ? '0' : '1';
-            EXPECT_EQ(unpacked(fromsire), sire);
-            EXPECT_EQ(unpacked(fromdam), dam);
+            for (int64 l = 1; l <= 120; ++l) {
+                const auto [block, position] = placeofsite(l);
+                const auto b = static_cast<std::size_t>(block - 1);
+                EXPECT_EQ(alleleat(fromsire[b], position), l == site && phase == 2 ? 1 : 0);
+                EXPECT_EQ(alleleat(fromdam[b], position), l == site && phase == 1 ? 0 : 1);
+            }
         }
     // By flags: the alleles 0 from the sire and 1 from the dam, and the flags, behind conversion.
     for (const auto &[phase1, phase2, alleles] :

@@ -1,7 +1,5 @@
 #include "founders/runmacs.h"
-#include "founders/extractsegsites.h"
 #include "founders/presets.h"
-#include "haplotypes/founderblocks.h"
 #include "testsupport.h"
 
 namespace
@@ -193,41 +191,6 @@ state stagestate(const std::string &pophistory)
     return s;
 }
 } // namespace
-
-// From the specification's values to the packed founders: what one writes, the next must be able
-// to read.
-TEST_F(macsstage, runtherealprograms)
-{
-    state s = stagestate("internalwheat");
-    for (const std::string chrom : {"1", "2"})
-        writefile("RecombinationSpecifications/Chromosome" + chrom + ".txt",
-                  "0 0.5 0.9\n0.5 1 0.1\n");
-    s.founders.recombhotspotsonoff = true;
-    testing::internal::CaptureStderr();
-    const outcome result = runbody([&] { runmacs(s); });
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_EQ(result.output, " Performing MaCS for each chromosome in series\n"
-                             " \n Chromosome:  1\n Running Vintrecaskelle\n"
-                             " \n Chromosome:  2\n Running Vintrecaskelle\n"
-                             " MaCS finished\n     \n");
-    ASSERT_EQ(runbody([&] { extractsegsites(s, packhaplotypes); }).code(), 0);
-    std::string included[2];
-    for (const int64 chrom : {1, 2}) {
-        const std::string path = chromfolder(chrom);
-        const std::string parameters = readfile(path + "MaCSParametersUsed.txt");
-        EXPECT_TRUE(parameters.starts_with(" 13  10000000 -t   0.32E-04 -r   0.29E-04 -eN   0.03"));
-        EXPECT_TRUE(readlines(path + "output.txt")[0].ends_with(" 500.00 640 -R Hotspots.txt"));
-        EXPECT_TRUE(readfile(path + "debug.txt").ends_with("Program is complete\n"));
-        const std::size_t nsites = std::stoul(readfile(path + "SegSites.txt"));
-        EXPECT_GT(nsites, 60u);
-        EXPECT_EQ(readfile(path + "FinishedMacs.txt"), readfile(path + "SegSites.txt"));
-        const std::vector<std::string> lines = readlines(path + "MacsHaplotypesIncluded.txt");
-        ASSERT_EQ(lines.size(), 13u);
-        EXPECT_EQ(lines[12].size(), 2 * (nsites / 60 * 60));
-        included[chrom - 1] = lines[0].substr(0, 100);
-    }
-    EXPECT_NE(included[0], included[1]);
-}
 
 TEST_F(macsstage, warnofequalchromosomes)
 {

@@ -25,22 +25,6 @@ genomestore fullgenome(int64 nindiv, int64 nblock)
 }
 } // namespace
 
-// The bytes of a small record, spelled out: lengths, individuals fastest, then blocks, gametes.
-TEST_F(genomefiles, layout)
-{
-    writegenome("g", fullgenome(2, 2));
-    std::string expected;
-    const auto put = [&](auto value) {
-        expected.append(reinterpret_cast<const char *>(&value), sizeof value);
-    };
-    put(std::int32_t(64));
-    for (int64 m = 1; m <= 2; ++m)
-        for (int64 b = 1; b <= 2; ++b)
-            for (int64 k = 1; k <= 2; ++k) put(cell(k, b, m));
-    put(std::int32_t(64));
-    EXPECT_EQ(readfile("g"), expected);
-}
-
 // Sizes below, at and above a tile and the width of the buffer, whole frames and sub-records that
 // end anywhere within a block.
 TEST_F(genomefiles, roundtrips)

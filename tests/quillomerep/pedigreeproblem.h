@@ -1,5 +1,5 @@
-// pedigreeproblem.h - small problems of pedigree prediction, their files as a cycle leaves them, and
-// the file of results.
+// pedigreeproblem.h - small problems of pedigree prediction, their files as a cycle leaves them,
+// and the file of results.
 #pragma once
 
 #include "evaluationsupport.h"

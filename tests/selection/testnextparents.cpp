@@ -51,25 +51,6 @@ TEST_F(NextParents, MoreParentsThanProgenyLeavesTheBestWithOneEach)
         (std::vector<int64>{11, 9, 7, 5, 3})); // places in the test set
 }
 
-TEST_F(NextParents, DamsFallOnTheRowsByOneRandomOrder)
-{
-    makepopulation(s, 2, {4, 6, 7});
-    settest(s, 2, {0, 3, 0, 1, 0, 2});
-    state reference = {};
-    reference.random = s.random;
-    int64 order[7];
-    randomorder(order, 7, reference.random);
-    const int64 dealt[] = {6, 6, 10, 10,
-                           8, 8, 6}; // rows 6, 10, 8: best first, the rest to the best
-    std::vector<int64> wanted;
-    for (const int64 place : order) wanted.push_back(dealt[place - 1]);
-
-    selectnextparentstruncat(s, 3, 1, 1); // draws nothing
-    selectnextparentstruncat(s, 3, 2, 3);
-    EXPECT_EQ(damsof(s, 3), wanted);
-    EXPECT_EQ(ran1(s.random), ran1(reference.random));
-}
-
 TEST_F(NextParents, PlantsRegardlessOfGender)
 {
     makepopulation(s, 2, {4, 6, 40});

@@ -61,15 +61,6 @@ TEST_F(SelectionIndex, SeveralTraitsAreWeightedInUnitsOfTheirDeviations)
     EXPECT_FALSE(std::isfinite(s.selection.estimatedbv(1)));
 }
 
-TEST_F(SelectionIndex, OneTraitIsTakenAsItIs)
-{
-    setestimates(1, {1, -2, 3, 4});
-    computeselectionindex(s, 1, 3);
-    EXPECT_EQ(s.selection.estimatedbv(2), -2);
-    EXPECT_EQ(s.selection.estimatedbvindex(2), 0);
-    EXPECT_FALSE(std::filesystem::exists(file));
-}
-
 TEST_F(SelectionIndex, WeightOfRecombinationChangesForGood)
 {
     selectiondata &sel = s.selection;
@@ -88,20 +79,4 @@ TEST_F(SelectionIndex, WeightOfRecombinationChangesForGood)
         EXPECT_EQ(sel.estimatedbv(4), 0);
         EXPECT_EQ(sel.estimatedbv(1), 2);
     }
-}
-
-TEST_F(SelectionIndex, TrainingVarianceIsThatOfTrueValues)
-{
-    s.qtn.nqtnmodels = 2;
-    s.qtn.qtnmodel = 2;
-    s.selection.recombselonoff = true;
-    s.values.tbv.allocate(11, 2, 2);
-    s.values.tbvrecombz.allocate(11);
-    for (int64 i = 1; i <= 4; ++i) {
-        s.values.tbv(i + 3, 2, 2) = static_cast<double>(i);
-        s.values.tbvrecombz(i + 3) = 2 * static_cast<double>(i);
-    }
-    computetrainingvara(s, 2, 4, 7);
-    EXPECT_DOUBLE_EQ(s.selection.selectionvaratr(2), 5.0 / 3);
-    EXPECT_DOUBLE_EQ(s.selection.selectionvararecombtr, 20.0 / 3);
 }

@@ -55,19 +55,6 @@ TEST_F(TrainingRange, EveryStrategyInEveryGeneration)
     EXPECT_EQ(s.selection.trainindicator.size(), 7);
 }
 
-TEST_F(TrainingRange, TestSetIsTheGenerationBefore)
-{
-    EXPECT_EQ(describe(4).output, "  Generation   3 / Selection cycle   1\n");
-    EXPECT_EQ(s.selection.starttestindiv, 10);
-    EXPECT_EQ(s.selection.endtestindiv, 12);
-    EXPECT_EQ(s.selection.ntestindiv, 3);
-    EXPECT_EQ(std::vector<int64>(s.selection.gender.begin(), s.selection.gender.end()),
-              (std::vector<int64>{1, 2, 1}));
-    describe(2);
-    EXPECT_EQ(s.selection.starttestindiv, 1);
-    EXPECT_EQ(s.selection.endtestindiv, 5);
-}
-
 TEST_F(TrainingRange, RandomPhenotypesOutOfReach)
 {
     selectiondata &sel = s.selection;

@@ -3,7 +3,7 @@
 #include "sortstat.h"
 #include "testsupport.h"
 #include "traits/covariances.h"
-#include "traits/qtninputs.h"
+#include "traits/traitsettings.h"
 #include "values/accuracy.h"
 #include "values/breedingvalues.h"
 #include "values/burninvalues.h"
@@ -15,6 +15,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <random>
 
 namespace
 {
@@ -33,9 +34,7 @@ class values : public infolder
 struct onegeneration {
     onegeneration(int64 n, int64 ntraits)
     {
-        qtninputs in;
-        in.sizes = {n};
-        s = in.settings(ntraits);
+        s = statewithtraits(ntraits, {n});
         s.qtn.ntotqtn = 2;
         makepedigreearrays(s, arrays);
         makevaluearrays(s, arrays);
@@ -117,36 +116,15 @@ TEST_F(values, residualcovariancesandheritability)
         }
 }
 
-// Five traits: a matrix row goes on in a new line behind four numbers.
-TEST_F(values, covariancerowsoffourcolumns)
-{
-    onegeneration generation(6, 5);
-    state &s = generation.s;
-    for (double &x : s.values.tbv) x = gasdev(s.random);
-    computevaravardvare(s, 1, 6);
-    const outcome result = runbody([&] { printoutvarcomponents(s); });
-    const auto lines = readlines("SimulatedData/TraitVarianceComponentsCovariance.txt");
-    EXPECT_EQ(lines.size(), 4U * (1 + 3 * (2 + 10) + 2 * 4));
-    EXPECT_EQ(lines[3].size(), 48U);
-    EXPECT_EQ(lines[4].size(), 12U);
-    EXPECT_EQ(lines[5].size(), 48U);
-    EXPECT_EQ(result.output.substr(0, 11), "  Trait  1\n");
-    EXPECT_EQ(result.output.find(std::string(35, ' ') +
-                                 "NormalUnrestr NormalRestr GammaUnrestr GammaRestr\n"),
-              12U);
-}
-
 // One recombination QTN of effect 1 at frequency 0.5, genotypes 0, 2, 0, 2: raw values -1 and 1,
 // standard deviation sqrt(4/3), so z is -+sqrt(3/4) x sqrt(vararecombt). M C = 2 x 2 = 4 and a
 // heritability of 1/3 give vararecombt = (1/3 / 4) / (2/3) = 1/8.
 TEST_F(values, recombinationtraitbyhand)
 {
-    qtninputs in;
-    in.sizes = {4, 4};
-    state s = in.settings();
+    state s = statewithtraits(1, {4, 4});
+    s.values.heritrecomb = 1.0 / 3;
     s.selection.recombselonoff = true;
     s.founders.morgans = 2;
-    s.values.heritrecomb = 1.0 / 3;
     s.qtn.ntotqtn = 2;
     s.qtn.ntotqtnrecomb = 1;
     s.values.nindivinsimulrun = 4;
@@ -187,131 +165,48 @@ TEST_F(values, recombinationtraitbyhand)
                         "2.0000000000                   3                   3                   6");
 }
 
-// Fixed at 0, fixed at 2, segregating; only the set of qtnmodel is looked at.
-TEST_F(values, fixedqtn)
-{
-    qtninputs in;
-    in.sizes = {2, 2};
-    state s = in.settings();
-    s.qtn.ntotqtn = 3;
-    s.qtn.qtnmodel = 4;
-    s.values.nindivinsimulrun = 2;
-    arrayscope arrays;
-    makegenotypetables(s, arrays);
-    s.qtn.allqtngenosrestr(1, 2) = s.qtn.allqtngenosrestr(2, 2) = 2;
-    s.qtn.allqtngenosrestr(1, 3) = 1;
-    writefixedqtn(s, 1);
-    s.qtn.qtnmodel = 3;
-    writefixedqtn(s, 2);
-    const std::string title = "          Generation         GlobalQtnId         FixedYes0No1\n";
-    const auto row = [](int g, int q, int segregates) {
-        return std::string(19, ' ') + std::to_string(g) + std::string(19, ' ') + std::to_string(q) +
-               std::string(19, ' ') + std::to_string(segregates) + "\n";
-    };
-    const std::string first = title + row(1, 1, 0) + row(1, 2, 0) + row(1, 3, 1);
-    EXPECT_EQ(readfile("SimulatedData/FixedQtn.txt"),
-              first + row(2, 1, 0) + row(2, 2, 0) + row(2, 3, 0));
-}
-
-namespace
-{
-// Test individuals 3 to 6 of eight, tbv 1, 2, 3, 4 and phenotypes 2, 1, 4, 3 (correlation 0.6) in
-// each trait under model 2.
-struct candidates : onegeneration {
-    explicit candidates(int64 ntraits) : onegeneration(8, ntraits)
-    {
-        s.qtn.qtnmodel = 2;
-        s.pop.ngensel = 3;
-        s.selection.starttestindiv = 3;
-        s.selection.endtestindiv = 6;
-        s.selection.ntestindiv = 4;
-        s.selection.estimatedbvtrait.allocate(4, ntraits);
-        s.selection.estimatedbvrecomb.allocate(4);
-        const double tpv[] = {2, 1, 4, 3};
-        for (int64 j = 1; j <= ntraits; ++j)
-            for (int64 x = 1; x <= 4; ++x) {
-                s.values.tbv(x + 2, 2, j) = static_cast<double>(x);
-                s.values.tpv(x + 2, 2, j) = tpv[x - 1];
-                s.values.tbvrecombz(x + 2) = 0.1 * static_cast<double>(x);
-            }
-    }
-};
-} // namespace
-
-// Variance of 1, 2, 3, 4: 5/3.
+// Test individuals 3 to 6 of eight, tbv 1, 2, 3, 4 and phenotypes 2, 1, 4, 3: correlation 0.6,
+// variance of tbv 5/3.
 TEST_F(values, accuracyofonetrait)
 {
-    candidates test(1);
-    state &s = test.s;
+    onegeneration generation(8, 1);
+    state &s = generation.s;
+    s.qtn.qtnmodel = 2;
+    s.pop.ngensel = 3;
+    s.selection.starttestindiv = 3;
+    s.selection.endtestindiv = 6;
+    s.selection.ntestindiv = 4;
+    s.selection.estimatedbvtrait.allocate(4, 1);
+    const double tpv[] = {2, 1, 4, 3};
+    for (int64 x = 1; x <= 4; ++x) {
+        s.values.tbv(x + 2, 2, 1) = static_cast<double>(x);
+        s.values.tpv(x + 2, 2, 1) = tpv[x - 1];
+    }
+    const auto report = [&](int64 cycle) {
+        runbody([&] { computebvaccuracyandmoments(s, cycle, 1); });
+        s.selection.accuracyfile.close();
+        return numbersof(readlines("Selection/AccuracyOfBreedingValueSelectionCycle" +
+                                   std::to_string(cycle) + ".txt")[1]);
+    };
     s.selection.selmethindicator = 3;
     s.selection.selontbvyes1no0 = 2;
-    const outcome result = runbody([&] { computebvaccuracyandmoments(s, 1, 1); });
-    const std::string title = "           PhenoAcc             TBVmean             TBVvar \n";
-    const std::string row = "             0.60000             2.50000             1.66667\n";
-    EXPECT_EQ(result.output, " " + title + row);
+    EXPECT_EQ(report(1), (std::vector<double>{0.6, 2.5, 1.66667}));
     EXPECT_EQ(s.selection.estimatedbvtrait(3, 1), 4);
-    s.selection.accuracyfile.close();
-    EXPECT_EQ(readfile("Selection/AccuracyOfBreedingValueSelectionCycle1.txt"), title + row);
 
     // Estimates without variation: 0. The cycle of number ngensel + ngen takes no phenotypes.
     s.selection.estimatedbvtrait.fill(1);
-    runbody([&] { computebvaccuracyandmoments(s, 4, 1); });
-    EXPECT_EQ(numbersof(readlines("Selection/AccuracyOfBreedingValueSelectionCycle4.txt")[1])[0],
-              0);
+    EXPECT_EQ(report(4)[0], 0);
 
-    // After the last generation the test set may be larger or smaller than the estimates.
+    // After the last generation the test set may be larger or smaller than the estimates: -1, -2,
+    // -3 (and 4) with 1, 2, 3 (and 4) give -1 and 7 / sqrt(5 x 29).
     s.selection.selmethindicator = 2;
+    s.selection.selontbvyes1no0 = 0;
     for (const int64 n : {3, 6}) {
         s.selection.estimatedbvtrait.allocate(n, 1);
         for (int64 x = 1; x <= n; ++x)
             s.selection.estimatedbvtrait(x, 1) = x == 4 ? 4.0 : -static_cast<double>(x);
-        s.selection.selontbvyes1no0 = 0;
-        runbody([&] { computebvaccuracyandmoments(s, 5 + n, 1); });
-        const auto report = readlines("Selection/AccuracyOfBreedingValueSelectionCycle" +
-                                      std::to_string(5 + n) + ".txt");
-        EXPECT_EQ(report[0], "             EBVacc             TBVmean             TBVvar ");
-        const auto found = numbersof(report[1]);
-        // -1, -2, -3 (and 4) with 1, 2, 3 (and 4): -1; 7 / sqrt(5 x 29).
-        EXPECT_NEAR(found[0], n == 3 ? -1 : 7 / std::sqrt(5.0 * 29.0), 5e-6);
-        EXPECT_EQ(found[1], 2.5);
-        s.selection.selontbvyes1no0 = 1;
-        runbody([&] { computebvaccuracyandmoments(s, 20, 1); });
-        EXPECT_EQ(s.selection.estimatedbvtrait(3, 1), 3);
+        EXPECT_NEAR(report(5 + n)[0], n == 3 ? -1 : 7 / std::sqrt(5.0 * 29.0), 5e-6);
     }
     s.selection.ntestindiv = 1;
     EXPECT_EQ(runbody([&] { computebvaccuracyandmoments(s, 9, 1); }).code(), 110003);
-}
-
-TEST_F(values, accuracyofseveraltraitsandrecombination)
-{
-    candidates test(2);
-    state &s = test.s;
-    s.selection.selmethindicator = 2;
-    s.selection.selontbvyes1no0 = 1;
-    const outcome result = runbody([&] {
-        computebvaccuracyandmoments(s, 7, 1);
-        computebvaccuracyandmoments(s, 7, 2);
-    });
-    const std::string rows =
-        "         1             1.00000             2.50000             1.66667\n"
-        "         2             1.00000             2.50000             1.66667\n";
-    EXPECT_EQ(readfile("Selection/AccuracyOfBreedingValueSelectionCycle7.txt"),
-              "     Trait              EBVacc             TBVmean              TBVvar\n" + rows);
-    EXPECT_EQ(result.output,
-              "     Trait              EBVacc             TBVmean              TBVvar\n" + rows);
-
-    candidates testwithrate(1);
-    state &r = testwithrate.s;
-    r.selection.selmethindicator = 2;
-    r.selection.selontbvyes1no0 = 1;
-    r.selection.recombselonoff = true;
-    const outcome recombination = runbody([&] { computebvaccuracyandmoments(r, 8, 1); });
-    const auto lines = readlines("Selection/AccuracyOfBreedingValueSelectionCycle8.txt");
-    EXPECT_EQ(lines[0].size(), 141U);
-    // Mean over x = 1 to 4 of exp(log(1.5 x 2) + 0.1 x) = 3.876192...
-    EXPECT_EQ(lines[1], "             1.00000             1.00000             2.50000             "
-                        "0.25000             3.87619             1.66667             0.01667");
-    EXPECT_EQ(recombination.output.substr(recombination.output.find('\n') + 1),
-              "        1.00000        1.00000        2.50000        0.25000        3.87619        "
-              "1.66667        0.01667\n");
 }

@@ -1,8 +1,6 @@
 // Runs repeated, killed, continued and cut short: what must come out the same.
 #include "wholeruns/runsupport.h"
 
-#include "textlayout.h"
-
 #include <algorithm>
 #include <filesystem>
 
@@ -119,46 +117,6 @@ TEST_F(reproducibility, continuedrunskeepearliergenerations)
     EXPECT_EQ(linesof(again.at(table), kept), linesof(third.at(table), kept));
     EXPECT_NE(again.at(table), third.at(table));
     EXPECT_EQ(again.at(table).size(), third.at(table).size());
-}
-
-// Breeding values of generations made again by a later run: the sum over QTN of the effect in the
-// file times (genotype - 2 x frequency in the file), added in QTN order and rounded once to the ten
-// decimals of the table.
-TEST_F(reproducibility, valuescomefromtheeffectfiles)
-{
-    const spectext spec = smallrun()
-                              .set("NumberGenerationsBurnIn", "3")
-                              .set("NumberGenerationsSelection", "0")
-                              .set("GenerationFlexibilityOnOff", "On");
-    mustrun(spectext(spec).set("StartStopGeneration", "1,3"), -5);
-    const std::vector<std::string> first = readlines("SimulatedData/PedigreeTbvTdvTpv.txt");
-    mustrun(spectext(spec).set("StartStopGeneration", "2,3"));
-    const std::vector<std::string> after = readlines("SimulatedData/PedigreeTbvTdvTpv.txt");
-    ASSERT_EQ(first.size(), after.size());
-    for (std::size_t i = 0; i <= 20; ++i) EXPECT_EQ(first[i], after[i]); // generation 1
-    EXPECT_NE(first[21], after[21]);
-
-    const char *sets[] = {"Unrestricted", "Restricted"};
-    for (int set = 0; set < 2; ++set) {
-        const std::string stem = std::string("SimulatedData/") + sets[set];
-        const auto information = numbertable(stem + "QtnInformation.txt", 1);
-        const auto effects = numbertable(stem + "QtnAdditEffects.txt", 1);
-        const auto genotypes = numbertable(stem + "QtnIndivGenotypes.txt");
-        for (std::size_t i = 1; i < after.size(); ++i) {
-            double normal = 0, gamma = 0;
-            for (std::size_t q = 0; q < information.size(); ++q) {
-                const double deviation = genotypes[i - 1][q + 1] - 2 * information[q][4];
-                normal += effects[q][3] * deviation;
-                gamma += effects[q][4] * deviation;
-            }
-            textline want;
-            putf(want, normal, 20, 10);
-            EXPECT_EQ(after[i].substr(40 + 20 * set, 20), want);
-            want.clear();
-            putf(want, gamma, 20, 10);
-            EXPECT_EQ(after[i].substr(80 + 20 * set, 20), want);
-        }
-    }
 }
 
 // A disk that is full ends the run with the file's name; nothing passes as written.
