@@ -151,11 +151,11 @@ int main()
     maketable(s.random);
     makephases(s.random);
     s.founders.nchrom = s.chips.tmpchip = 1;
-    s.chips.nsnp = nsnp;
-    s.chips.nsnponthischipchrom.allocate(1, 1, nsnp);
+    s.loci.nsnp = nsnp;
+    s.loci.nsnponthischipchrom.allocate(1, 1, nsnp);
     s.selection.selontbvyes1no0 = 1;
-    s.selection.starttestindiv = 1;
-    s.selection.endtestindiv = ncandidates;
+    s.cycle.starttestindiv = 1;
+    s.cycle.endtestindiv = ncandidates;
 
     printratio(
         "readvalues", table, [] { benchmark::DoNotOptimize(readtable()); }, 6);

@@ -79,7 +79,7 @@ state settings()
     s.pop.nindivinthisgen.allocate({0, 1});
     s.pop.cumindivnbtogen.allocate({0, 1});
     s.pop.nindivinthisgen(1) = s.pop.cumindivnbtogen(1) = nindiv;
-    s.pedi.pedigreestatus = "internal";
+    s.pop.pedigreestatus = "internal";
     s.chips.nchip = 1;
     s.qtn.nqtn = s.qtn.nqtngamma = nqtn;
     s.qtn.shapeparam = 0.4;
@@ -87,9 +87,9 @@ state settings()
     s.traits.ntraits = 1;
     for (array1<double> *a : {&s.traits.herit, &s.traits.varaspec}) a->allocate(1, 0.5);
     for (array2<double> *a :
-         {&s.traits.coraspec, &s.traits.core, &s.traits.covaspec, &s.traits.cholcovaspec})
+         {&s.traits.coraspec, &s.traits.core, &s.values.covaspec, &s.values.cholcovaspec})
         a->allocate(1, 1, 1.0);
-    for (array3<double> *a : {&s.traits.cove, &s.traits.cholcove}) a->allocate(4, 1, 1);
+    for (array3<double> *a : {&s.values.cove, &s.values.cholcove}) a->allocate(4, 1, 1);
     return s;
 }
 
@@ -161,10 +161,10 @@ void comparebreedingvalues(state &s)
     makevaluearrays(s, arrays);
     makegenotypetables(s, arrays);
     std::mt19937 draws(2);
-    for (array2<int8> *genos : {&s.qtn.allqtngenosunres, &s.qtn.allqtngenosrestr})
+    for (array2<int8> *genos : {&s.loci.allqtngenosunres, &s.loci.allqtngenosrestr})
         for (int8 &x : *genos) x = static_cast<int8>(draws() % 3);
-    const array2<int8> *const genos[] = {&s.qtn.allqtngenosunres, &s.qtn.allqtngenosrestr,
-                                         &s.qtn.allqtngenosunres, &s.qtn.allqtngenosrestr};
+    const array2<int8> *const genos[] = {&s.loci.allqtngenosunres, &s.loci.allqtngenosrestr,
+                                         &s.loci.allqtngenosunres, &s.loci.allqtngenosrestr};
     array2<double> sums(nindiv, 4);
     compare(
         "breeding values, 10000 x 2000 x 4 models", 1.5, 7, [&] { computetbv(s, 1, nindiv); },

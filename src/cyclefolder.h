@@ -38,5 +38,5 @@ inline bool areqtnadded(const state &s)
 // First generation of the training pedigree: some generations before the training data.
 inline int64 firstpedigreegen(const state &s)
 {
-    return std::max<int64>(s.selection.firsttmptraingen - s.selection.ngenpedpriortrain, 1);
+    return std::max<int64>(s.cycle.firsttmptraingen - s.selection.ngenpedpriortrain, 1);
 }

@@ -33,7 +33,7 @@ struct runcontrol {
     bool fullseqoutonoff = false, zipsequenceonoff = false; // sequence output wanted; compressed
 };
 
-// Population and generations. Lifetime: Run, but nmalinthisgen and nfeminthisgen: Stage.
+// Population, generations and where the pedigree comes from. Lifetime: Run.
 struct populationsettings {
     int64 ngen = 0;                // burn-in generations
     int64 ngensel = -1;            // selection generations; -1 until read
@@ -45,16 +45,16 @@ struct populationsettings {
     array1<int64> createdhinthisgen; // (ngen+ngensel) 1: doubled haploids; only if ngendh > 0
     int64 ngendh = 0;
     bool animbreedonoff = false, plantbreedonoff = false;
-    std::string gendermatters;                  // yes: plant matings respect gender
-    array1<int64> nmalinthisgen, nfeminthisgen; // (ngen+ngensel) males and females
-};
-
-// Pedigree. Lifetime: texts Run, arrays Stage.
-struct pedigreedata {
+    std::string gendermatters;  // yes: plant matings respect gender
     std::string pedigreestatus; // internal, or the name of a pedigree file
     std::string pedigreefile;
-    array1<pedigreeline> ped;   // (nindivp) row k is individual k
-    array1<int64> globalgender; // (nindivp) 1 male, 2 female
+};
+
+// Pedigree. Lifetime: Stage.
+struct pedigreedata {
+    array1<pedigreeline> ped;                   // (nindivp) row k is individual k
+    array1<int64> globalgender;                 // (nindivp) 1 male, 2 female
+    array1<int64> nmalinthisgen, nfeminthisgen; // (ngen+ngensel) males and females
 };
 
 // Founders and coalescent simulation. Lifetime: Run; presets fill what Internal left open.
@@ -75,6 +75,7 @@ struct foundersettings {
     bool recombhotspotsonoff = false;
     bool genomecompressiononoff = false;
     double genomecompression = 0; // percentage: chance that a simulated site is kept
+    int64 ndenovomutperchr = 0;   // mutations added on each chromosome
 };
 
 // Segregating sites. Lifetime: scalars while a chromosome is handled, arrays Stage.
@@ -83,7 +84,6 @@ struct segregatingsites {
     int64 nsegreg = 0, nsegregtmp = 0;               // sites with and without mutations
     int64 nsegregcomp = 0, nsegregtmpcomp = 0;       // the same after compression
     int64 nmut = 0;                                  // mutations added on the chromosome
-    int64 ndenovomutperchr = 0;                      // from the specification
     int64 nsegregincl = 0;                           // included sites: nblock x 60
     array1<int64> nsegreginclglobal, nmutinclglobal; // (nchrom)
     int64 nindivpinit = 0;                           // individuals counted in the mutation store
@@ -99,6 +99,8 @@ struct segregatingsites {
     array3<int64> denovoinfo;       // (nchrom, ndenovomutperchr, 5) fields of MutDeNovoInfo.txt
     array2<int8> indivmutindicator; // (nchrom, nindivp) 1: carries a mutation
     array1<int64> blockindicator;   // (nsegregincl)
+    array1<int64> snponarrays;      // (nsegregincl) sites in random order
+    array1<double> minorallelefreq; // (nsegregincl)
 };
 
 // Haplotypes and recombination. Lifetime: Stage.
@@ -113,37 +115,48 @@ struct haplotypedata {
     array2<int64> recombcount;             // (nindivp, 2) crossings per individual and gamete
 };
 
-// SNP chips. Lifetime: Run for what the reader sets, otherwise Stage.
+// SNP chips. Lifetime: Run.
 struct chipsettings {
     bool usesnpchiponoff = false;
     int64 nchip = 0;
     array1<int64> nsnpperchipperchrom; // (nchip)
     double minsnpfreq = 0, maxsnpfreq = 0;
-    bool nestedonoff = false;          // each chip holds the smaller ones
-    int64 snpchipinclqtn = 0;          // 1 chips include QTN, 2 they don't, 3 at random
-    int64 tmpchip = 0;                 // the chip used for selection
-    array2<int64> nsnponthischipchrom; // (nchip, nchrom)
-    int64 nsnp = 0, nsnpforsel = 0;    // on the selection chip; with QTN when they are added
-    array1<int64> snponarrays;         // (nsegregincl) sites in random order
-    array1<double> minorallelefreq;    // (nsegregincl)
+    bool nestedonoff = false; // each chip holds the smaller ones
+    int64 snpchipinclqtn = 0; // 1 chips include QTN, 2 they don't, 3 at random
+    int64 tmpchip = 0;        // the chip used for selection
 };
 
-// QTN and their effects. Lifetime: the reader's values Run, the others Stage.
-struct qtndata {
+// QTN and the distributions of their effects. Lifetime: Run.
+struct qtnsettings {
     int64 nqtn = 0, nqtngamma = 0;                 // wanted in all
-    int64 ntotqtn = 0, ntotqtngamma = 0;           // found in all
-    int64 nqtnperchrom = 0, nqtngammaperchrom = 0; // per chromosome, from the specification
-    int64 nqtnrecombperchrom = 0, ntotqtnrecomb = 0;
-    array1<int64> nqtnonthischrom, nqtnrecombonthischrom; // (nchrom)
+    int64 nqtnperchrom = 0, nqtngammaperchrom = 0; // per chromosome
+    int64 nqtnrecombperchrom = 0;
     bool qtnclustersonoff = false;
     double minqtnfreq = 0, maxqtnfreq = 0;
     double shapeparam = 0, scaleparam = 0;
     bool dominonoff = false;
     double domdegmean = 0, domdegvar = 0;
     double varamutprop = 0;
-    int64 qtnmodel = 0;     // 1 NormalUnrestr, 2 NormalRestr, 3 GammaUnrestr, 4 GammaRestr
-    int64 nqtnmodels = 4;   // 2 if nqtngamma = 0
-    array1<int64> qtngamma; // (ntotqtn) 1: also a gamma effect
+    int64 qtnmodel = 0;   // 1 NormalUnrestr, 2 NormalRestr, 3 GammaUnrestr, 4 GammaRestr
+    int64 nqtnmodels = 4; // 2 if nqtngamma = 0
+};
+
+// Traits. Lifetime: Run.
+struct traitsettings {
+    int64 ntraits = 0;
+    array1<double> indexwt, herit, varaspec; // (ntraits)
+    array2<double> coraspec, core;           // (ntraits, ntraits)
+    double heritrecomb = 0;                  // of the recombination trait
+};
+
+// Chips and QTN as they were placed. Lifetime: Stage.
+struct locusdata {
+    array2<int64> nsnponthischipchrom;                    // (nchip, nchrom)
+    int64 nsnp = 0, nsnpforsel = 0;                       // on the selection chip; with added QTN
+    array1<int64> nqtnonthischrom, nqtnrecombonthischrom; // (nchrom)
+    int64 ntotqtn = 0, ntotqtngamma = 0, ntotqtnrecomb = 0;
+    array1<int64> qtngamma;      // (ntotqtn) 1: also a gamma effect
+    array1<double> addeffrecomb; // (ntotqtnrecomb)
     array1<int64> allqtnidunres, allqtnidrestr, allqtnidrecomb;
     array1<int64> allqtnchromidunres, allqtnchromidrestr;
     array1<double> allqtnmafunres, allqtnmafrestr, allqtnmafrecomb;
@@ -155,17 +168,8 @@ struct qtndata {
     array2<double> domdegnormalunres, domdegnormalrestr, domdeggammaunrestr, domdeggammarestr;
     array2<double> domeffnormalunres, domeffnormalrestr, domeffgammaunres, domeffgammarestr;
     array2<double> alphanormalunres, alphanormalrestr, alphagammaunrestr, alphagammarestr;
-    array1<double> addeffrecomb; // (ntotqtnrecomb)
     // (nindivinsimulrun, ntotqtn or ntotqtnrecomb) genotypes of the individuals at hand
     array2<int8> allqtngenosunres, allqtngenosrestr, allqtngenosrecomb;
-};
-
-// Traits. Lifetime: Run.
-struct traitsettings {
-    int64 ntraits = 0;
-    array1<double> indexwt, herit, varaspec;               // (ntraits)
-    array2<double> coraspec, core, covaspec, cholcovaspec; // (ntraits, ntraits)
-    array3<double> cove, cholcove;                         // (4, ntraits, ntraits)
 };
 
 // Values and variances. Lifetime: Stage.
@@ -174,17 +178,18 @@ struct valuedata {
     array3<double> tbv, tdv, tpv; // (nindivp, nqtnmodels, ntraits)
     array1<double> tbvrecomb, tbvrecombz, recombperindperchr; // (nindivp)
     double recombmeanz = 0, recombstddevz = 0;
-    double heritrecomb = 0;
-    array2<double> vara, vard, vare; // (nqtnmodels, ntraits)
-    array3<double> cova, covd;       // (nqtnmodels, ntraits, ntraits)
+    array2<double> covaspec, cholcovaspec; // (ntraits, ntraits) genetic
+    array3<double> cove, cholcove;         // (nqtnmodels, ntraits, ntraits) residual
+    array2<double> vara, vard, vare;       // (nqtnmodels, ntraits)
+    array3<double> cova, covd;             // (nqtnmodels, ntraits, ntraits)
     double vararecomb = 0, varerecomb = 0, vararecombt = 0;
 };
 
 // What the effects of the recombination QTN are drawn from.
 enum class effectdistribution { normal, gamma };
 
-// Selection. Lifetime: the reader's values Run, the others Stage or one selection cycle.
-struct selectiondata {
+// Selection. Lifetime: Run.
+struct selectionsettings {
     int64 selmethindicator = 0;  // 1 pedigree prediction, 2 genomic prediction, 3 phenotypes
     int64 selontbvyes1no0 = 2;   // 1 true values, 0 estimates, 2 until set and for phenotypes
     int64 addqtntosnpchip = 0;   // 1 QTN are added to the selection chip, 2 not, 0 unset
@@ -203,8 +208,12 @@ struct selectiondata {
     int64 ngenselectonrec = 0;
     effectdistribution recombdistrib = effectdistribution::normal;
     double shaperecomb = 0, scalerecomb = 0;
+};
+
+// A selection cycle. Lifetime: Stage.
+struct cycledata {
     int64 firsttmptraingen = 0, lasttmptraingen = 0;
-    int64 starttrainindiv = 0, endtrainindiv = 0, ntrainindivmax = 0;
+    int64 starttrainindiv = 0, endtrainindiv = 0, ntrainindiv = 0, ntrainindivmax = 0;
     int64 starttestindiv = 0, endtestindiv = 0, ntestindiv = 0;
     array1<int64> trainindiv;     // chosen training individuals, specified strategy
     array1<int64> trainindicator; // (ntrainindivmax) 1: in the random training set
@@ -218,11 +227,15 @@ struct selectiondata {
     outfile accuracyfile;   // open from the first trait of a cycle to its index
 };
 
-// Gene editing and gene drive. Lifetime: Run for what the reader makes, otherwise Stage.
-struct editingdata {
+// Gene editing and gene drive. Lifetime: Run.
+struct editingsettings {
     bool geneditonoff = false, genedriveonoff = false;
     int64 nindedited = 0, ngeneditsperind = 0;
-    bool userqtnonoff = true;         // only QTN of the user's list are edited
+    bool userqtnonoff = true; // only QTN of the user's list are edited
+};
+
+// The edits of a cycle, and the drives of all. Lifetime: Stage.
+struct editdata {
     array1<int64> idofgenomeeditinds; // (nindedited)
     array2<int64> genomeeditqtnpos, genomeeditqtnchrom, genomeeditqtnposneg;
     driveflags genedriveqtnpresence; // (all individuals, all QTN, 2)
@@ -240,11 +253,14 @@ struct state {
     segregatingsites sites;
     haplotypedata haplo;
     chipsettings chips;
-    qtndata qtn;
+    qtnsettings qtn;
     traitsettings traits;
+    locusdata loci;
     valuedata values;
-    selectiondata selection;
-    editingdata editing;
+    selectionsettings selection;
+    cycledata cycle;
+    editingsettings editing;
+    editdata edits;
 };
 
 // First and last individual (pedigree rows) of a generation.

@@ -18,7 +18,7 @@ inline state evaluationstate(double vara, double vare)
     std::filesystem::create_directories("Selection/SelectionFolder1");
     state s;
     s.traits.ntraits = s.qtn.qtnmodel = 1;
-    s.selection.selectionvaratr.allocate(1, vara);
+    s.cycle.selectionvaratr.allocate(1, vara);
     s.values.vare.allocate(1, 1, vare);
     return s;
 }

@@ -96,7 +96,7 @@ void readfreq(const state &s, int64 gen, array1<qtv> &qtvarray)
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         infile in(chromfolder(h) + qtnsetname(s.qtn.qtnmodel) + "QtnAlleleFreqGeneration" +
                   numbertext(gen - 1) + ".txt");
-        for (int64 onchrom = 1; onchrom <= s.qtn.nqtnonthischrom(h); ++onchrom) {
+        for (int64 onchrom = 1; onchrom <= s.loci.nqtnonthischrom(h); ++onchrom) {
             in.record();
             in.skipwords(2);
             qtv &at = qtvarray(++q);
@@ -145,7 +145,7 @@ void deltagarrayfill(int64 nsires, int64 nsiresge, array1<qtv> &qtvarray)
 
 void runge(const state &s, int64 selcycle, int64 gen)
 {
-    array1<qtv> qtvarray(s.qtn.ntotqtn);
+    array1<qtv> qtvarray(s.loci.ntotqtn);
     readaddeff(s, qtvarray);
     readfreq(s, gen, qtvarray);
     deltagarrayfill(parentstobeedited(s, gen - 1), s.editing.nindedited, qtvarray);
@@ -155,16 +155,16 @@ void runge(const state &s, int64 selcycle, int64 gen)
 
 void readeditlist(state &s, int64 selcycle, int64 gen)
 {
-    editingdata &edit = s.editing;
+    editdata &edits = s.edits;
     infile in(listfile(s, selcycle, gen));
     in.skiprecords(1);
-    for (int64 q = 1; q <= s.qtn.ntotqtn; ++q) {
+    for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
         in.record();
         in.skipwords(1);
-        edit.qtnidsortedbyabsvalrecodedid(q) = in.integer();
-        edit.qtnidsortedbyabsvalchrom(q) = in.integer();
-        edit.qtnidsortedbyabsval(q) = in.integer();
-        edit.qtnforgeneditposneg(q) = in.integer();
-        edit.qtnidsortedbyabsvalmutindivid(q) = in.integer();
+        edits.qtnidsortedbyabsvalrecodedid(q) = in.integer();
+        edits.qtnidsortedbyabsvalchrom(q) = in.integer();
+        edits.qtnidsortedbyabsval(q) = in.integer();
+        edits.qtnforgeneditposneg(q) = in.integer();
+        edits.qtnidsortedbyabsvalmutindivid(q) = in.integer();
     }
 }

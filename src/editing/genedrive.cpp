@@ -16,8 +16,8 @@ struct qtnspan {
 qtnspan qtnofchrom(const state &s, int64 chrom)
 {
     int64 before = 0;
-    for (int64 h = 1; h < chrom; ++h) before += s.qtn.nqtnonthischrom(h);
-    return {before + 1, before + s.qtn.nqtnonthischrom(chrom)};
+    for (int64 h = 1; h < chrom; ++h) before += s.loci.nqtnonthischrom(h);
+    return {before + 1, before + s.loci.nqtnonthischrom(chrom)};
 }
 
 // Where the gamete's source changes to the parent's phase 2: each crossing moves the place on by
@@ -25,13 +25,13 @@ qtnspan qtnofchrom(const state &s, int64 chrom)
 int64 placeofchange(const state &s, int64 currchrom, qtnspan span,
                     const array1<int64> &recomblocation)
 {
-    const editingdata &edit = s.editing;
+    const editdata &edits = s.edits;
     int64 lastpos = span.first, tracker = 1;
     for (int64 i = 1; i <= recomblocation.size() && recomblocation(i) != -99; ++i)
-        for (int64 j = 1; j <= s.qtn.ntotqtn; ++j)
-            if (edit.qtnidsortedbyabsvalchrom(j) == currchrom &&
-                edit.qtnidsortedbyabsval(j) <= recomblocation(i) &&
-                edit.qtnidsortedbyabsval(j) > edit.qtnidsortedbyabsval(tracker)) {
+        for (int64 j = 1; j <= s.loci.ntotqtn; ++j)
+            if (edits.qtnidsortedbyabsvalchrom(j) == currchrom &&
+                edits.qtnidsortedbyabsval(j) <= recomblocation(i) &&
+                edits.qtnidsortedbyabsval(j) > edits.qtnidsortedbyabsval(tracker)) {
                 lastpos = std::min(lastpos + 1, span.last);
                 tracker = lastpos;
             }
@@ -41,20 +41,20 @@ int64 placeofchange(const state &s, int64 currchrom, qtnspan span,
 
 void allocatedriveflags(state &s)
 {
-    driveflags &flags = s.editing.genedriveqtnpresence;
-    if (flags.nqtn() < s.qtn.ntotqtn) flags.allocate(s.pop.nindivp, s.qtn.ntotqtn);
+    driveflags &flags = s.edits.genedriveqtnpresence;
+    flags.allocate(s.pop.nindivp, s.loci.ntotqtn);
 }
 
 void setdriveflags(state &s, int64 individ, int64 qtn)
 {
-    s.editing.genedriveqtnpresence(individ, qtn, 1) = 1;
-    s.editing.genedriveqtnpresence(individ, qtn, 2) = 1;
+    s.edits.genedriveqtnpresence(individ, qtn, 1) = 1;
+    s.edits.genedriveqtnpresence(individ, qtn, 2) = 1;
 }
 
 void definegenedriveinheritance(state &s, int64 individ, int64 parentgender, int64 currchrom,
                                 const array1<int64> &recomblocation)
 {
-    driveflags &flags = s.editing.genedriveqtnpresence;
+    driveflags &flags = s.edits.genedriveqtnpresence;
     const pedigreeline &row = s.pedi.ped(individ);
     const int64 parent = parentgender == 1 ? row.newsire : row.newdam;
     const qtnspan span = qtnofchrom(s, currchrom);
@@ -73,18 +73,18 @@ void definegenedriveinheritance(state &s, int64 individ, int64 parentgender, int
 
 void copysireflags(state &s, int64 individ)
 {
-    driveflags &flags = s.editing.genedriveqtnpresence;
+    driveflags &flags = s.edits.genedriveqtnpresence;
     const int8 *const sireside = flags.from(individ, 1, 1);
     std::copy(sireside, sireside + flags.nqtn(), flags.from(individ, 1, 2));
 }
 
 std::vector<drivesite> drivesites(const state &s, int64 chrom)
 {
-    const editingdata &edit = s.editing;
+    const editdata &edits = s.edits;
     std::vector<drivesite> sites;
-    for (int64 j = 1; j <= s.qtn.ntotqtn; ++j)
-        if (edit.qtnidsortedbyabsvalchrom(j) == chrom)
-            sites.push_back({edit.qtnidsortedbyabsval(j), edit.qtnidsortedbyabsvalrecodedid(j)});
+    for (int64 j = 1; j <= s.loci.ntotqtn; ++j)
+        if (edits.qtnidsortedbyabsvalchrom(j) == chrom)
+            sites.push_back({edits.qtnidsortedbyabsval(j), edits.qtnidsortedbyabsvalrecodedid(j)});
     return sites;
 }
 
@@ -92,7 +92,7 @@ void convertdrives(state &s, const std::vector<drivesite> &sites, int64 individ,
 {
     for (const drivesite &at : sites)
         for (int64 m = 1; m <= 2; ++m) {
-            if (s.editing.genedriveqtnpresence(individ, at.qtn, m) != 1) continue;
+            if (s.edits.genedriveqtnpresence(individ, at.qtn, m) != 1) continue;
             genedriveedit(m, s.haplo.tmpgenome.gamete(indivpos, 1),
                           s.haplo.tmpgenome.gamete(indivpos, 2), at.site);
             setdriveflags(s, individ, at.qtn);
@@ -113,8 +113,8 @@ void genedriveedit(int64 phasewithgenedrive, int64 *fromsire, int64 *fromdam, in
 
 void writegenedriveinformation(const state &s, int64 currendgen)
 {
-    const editingdata &edit = s.editing;
-    const driveflags &flags = edit.genedriveqtnpresence;
+    const editdata &edits = s.edits;
+    const driveflags &flags = edits.genedriveqtnpresence;
     outfile out("./SimulatedData/GeneDriveQtnPresence.txt");
     textline line;
     puta(line, "    IndividualID        QtnWithGeneDrive        PhaseWithGeneDrive", 70);
@@ -122,11 +122,11 @@ void writegenedriveinformation(const state &s, int64 currendgen)
     for (int64 i = 1; i <= s.pop.cumindivnbtogen(currendgen); ++i) {
         const int8 *const own = flags.from(i, 1, 1);
         if (std::find(own, own + 2 * flags.nqtn(), 1) == own + 2 * flags.nqtn()) continue;
-        for (int64 j = 1; j <= s.qtn.ntotqtn; ++j)
+        for (int64 j = 1; j <= s.loci.ntotqtn; ++j)
             for (int64 k = 1; k <= 2; ++k) {
-                if (flags(i, edit.qtnidsortedbyabsvalrecodedid(j), k) != 1) continue;
+                if (flags(i, edits.qtnidsortedbyabsvalrecodedid(j), k) != 1) continue;
                 puti(line, s.pedi.ped(i).newid, 10);
-                puti(line, edit.qtnidsortedbyabsval(j), 10);
+                puti(line, edits.qtnidsortedbyabsval(j), 10);
                 puti(line, k, 10);
                 out.writeline(line);
             }

@@ -16,8 +16,7 @@
 
 #include <vector>
 
-// Makes room for de novo mutations, which are QTN that the specification doesn't count. All flags
-// are 0 then.
+// Flags of all individuals and QTN, all 0.
 void allocatedriveflags(state &s);
 
 void setdriveflags(state &s, int64 individ, int64 qtn);
@@ -30,7 +29,8 @@ void setdriveflags(state &s, int64 individ, int64 qtn);
 void definegenedriveinheritance(state &s, int64 individ, int64 parentgender, int64 currchrom,
                                 const array1<int64> &recomblocation);
 
-// A doubled haploid's flags: those of the gamete from the sire, on both sides.
+// A doubled haploid's flags: those of the gamete from the sire, on both sides. Burn-in generations
+// have none.
 void copysireflags(state &s, int64 individ);
 
 // A QTN of a chromosome: its site there and its number in the whole genome.

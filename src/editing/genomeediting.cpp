@@ -36,7 +36,7 @@ outfile openinformation(int64 selectioncycle)
 // By global number: 1 for a QTN that may be edited.
 array1<int64> readqtnforge(const state &s)
 {
-    array1<int64> qtnforgeindic(s.qtn.ntotqtn, 1);
+    array1<int64> qtnforgeindic(s.loci.ntotqtn, 1);
     if (!s.editing.userqtnonoff) return qtnforgeindic;
     infile in("UserSelectedQtnToBeEdited.txt");
     in.record();
@@ -53,16 +53,16 @@ struct parentgenotypes {
 parentgenotypes readgenotypes(const state &s, int64 parentgen)
 {
     parentgenotypes parents;
-    parents.columnof.allocate(s.selection.ntestindiv);
+    parents.columnof.allocate(s.cycle.ntestindiv);
     int64 ncolumns = 0;
     for (int64 k = 1; k <= s.editing.nindedited; ++k) {
-        const int64 place = s.editing.indivtobeedited(k);
+        const int64 place = s.edits.indivtobeedited(k);
         if (place > 0 && parents.columnof(place) == 0) parents.columnof(place) = ++ncolumns;
     }
-    parents.genotypes.allocate(s.qtn.ntotqtn, ncolumns);
+    parents.genotypes.allocate(s.loci.ntotqtn, ncolumns);
     int64 before = 0; // QTN on the chromosomes before
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        const int64 n = s.qtn.nqtnonthischrom(h);
+        const int64 n = s.loci.nqtnonthischrom(h);
         infile in(chromfolder(h) + qtnsetname(s.qtn.qtnmodel) + "QtnGenotypeGeneration" +
                   numbertext(parentgen) + ".txt");
         for (const int64 column : parents.columnof) {
@@ -78,13 +78,14 @@ parentgenotypes readgenotypes(const state &s, int64 parentgen)
 
 void recordedit(state &s, outfile &out, int64 k, int64 nedits, int64 listed, int64 genotype)
 {
-    editingdata &edit = s.editing;
-    const int64 individ = edit.idofgenomeeditinds(k);
-    const int64 qtn = edit.qtnidsortedbyabsvalrecodedid(listed);
-    const int64 favallele = edit.qtnforgeneditposneg(listed);
-    edit.genomeeditqtnpos(k, nedits) = edit.qtnidsortedbyabsval(listed);
-    edit.genomeeditqtnchrom(k, nedits) = edit.qtnidsortedbyabsvalchrom(listed);
-    edit.genomeeditqtnposneg(k, nedits) = favallele;
+    const editingsettings &edit = s.editing;
+    editdata &edits = s.edits;
+    const int64 individ = edits.idofgenomeeditinds(k);
+    const int64 qtn = edits.qtnidsortedbyabsvalrecodedid(listed);
+    const int64 favallele = edits.qtnforgeneditposneg(listed);
+    edits.genomeeditqtnpos(k, nedits) = edits.qtnidsortedbyabsval(listed);
+    edits.genomeeditqtnchrom(k, nedits) = edits.qtnidsortedbyabsvalchrom(listed);
+    edits.genomeeditqtnposneg(k, nedits) = favallele;
     textline line;
     for (int64 value : {individ, qtn, genotype}) puti(line, value, 20);
     puta(line, favallele == 1 ? "2" : "0", 10);
@@ -96,15 +97,16 @@ void recordedit(state &s, outfile &out, int64 k, int64 nedits, int64 listed, int
 void editparent(state &s, outfile &out, int64 k, const int8 *genotypes,
                 const array1<int64> &qtnforgeindic)
 {
-    const editingdata &edit = s.editing;
+    const editingsettings &edit = s.editing;
+    const editdata &edits = s.edits;
     int64 nedits = 0;
-    for (int64 q = 1; q <= s.qtn.ntotqtn && nedits < edit.ngeneditsperind; ++q) {
-        const int64 qtn = edit.qtnidsortedbyabsvalrecodedid(q);
+    for (int64 q = 1; q <= s.loci.ntotqtn && nedits < edit.ngeneditsperind; ++q) {
+        const int64 qtn = edits.qtnidsortedbyabsvalrecodedid(q);
         if (qtnforgeindic(qtn) != 1 ||
-            edit.qtnidsortedbyabsvalmutindivid(q) >= s.selection.starttestindiv)
+            edits.qtnidsortedbyabsvalmutindivid(q) >= s.cycle.starttestindiv)
             continue;
         const int64 genotype = genotypes[qtn - 1];
-        if (genotype == 2 * edit.qtnforgeneditposneg(q)) continue;
+        if (genotype == 2 * edits.qtnforgeneditposneg(q)) continue;
         recordedit(s, out, k, ++nedits, q, genotype);
     }
 }
@@ -112,8 +114,9 @@ void editparent(state &s, outfile &out, int64 k, const int8 *genotypes,
 
 void editgenome(state &s, int64 selectioncycle, int64 currentgen)
 {
-    editingdata &edit = s.editing;
-    const selectiondata &sel = s.selection;
+    const editingsettings &edit = s.editing;
+    editdata &edits = s.edits;
+    const cycledata &cycle = s.cycle;
     stopiftoomanyedited(s, currentgen - 1);
     outfile out = openinformation(selectioncycle);
     readeditlist(s, selectioncycle, currentgen);
@@ -121,9 +124,9 @@ void editgenome(state &s, int64 selectioncycle, int64 currentgen)
     if (edit.ngeneditsperind > 0 && edit.nindedited > 0) {
         const parentgenotypes parents = readgenotypes(s, currentgen - 1);
         for (int64 k = 1; k <= edit.nindedited; ++k) {
-            const int64 place = edit.indivtobeedited(k);
+            const int64 place = edits.indivtobeedited(k);
             if (place == 0) continue; // fewer parents were chosen than may be edited
-            edit.idofgenomeeditinds(k) = sel.endtestindiv + place - sel.ntestindiv;
+            edits.idofgenomeeditinds(k) = cycle.endtestindiv + place - cycle.ntestindiv;
             editparent(s, out, k, parents.genotypes.column(parents.columnof(place)), qtnforgeindic);
         }
     }

@@ -49,7 +49,7 @@ void writepedigreespec(const state &s, int64 selectioncycle, int64 selectedtrait
     free("NumberSnp                         ,0");
     free("TotalGeneticVariance              ,0.30");
     free("StartValueSnpVariance             ,1.00");
-    free("StartValuePolygenicVariance       ,", s.selection.selectionvaratr(selectedtrait));
+    free("StartValuePolygenicVariance       ,", s.cycle.selectionvaratr(selectedtrait));
     free("StartValueResidualVariance        ,", s.values.vare(s.qtn.qtnmodel, selectedtrait));
     free(parameters ? "StartValueGeneticGroupVariance    ,0.0"
                     : "StartValueGeneticGroupVariance      ,0.0");
@@ -63,7 +63,8 @@ void writepedigreespec(const state &s, int64 selectioncycle, int64 selectedtrait
 
 void writegenomicspec(const state &s, int64 selectioncycle, int64 selectedtrait, int64 runid)
 {
-    const selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    const cycledata &cycle = s.cycle;
     const std::string chip = "TmpChip" + numbertext(s.chips.tmpchip);
     const std::string ending = traitsuffix(s, selectedtrait) + ".txt";
     const bool recomb = s.traits.ntraits == 1 && runid == 2;
@@ -76,14 +77,14 @@ void writegenomicspec(const state &s, int64 selectioncycle, int64 selectedtrait,
     free(recomb ? "TbvTesting        ,SelectionTbvRecombZTesting.txt"
                 : "TbvTesting            ,SelectionTbvTest" + ending);
     free("FixedSnpFile          ,FixedSnp.txt");
-    free("nSnp                  ,", s.chips.nsnpforsel);
+    free("nSnp                  ,", s.loci.nsnpforsel);
     free("nAnisTraining         ,",
-         sel.selphenstrat == 6 ? sel.trainindiv.size() : sel.ntrainindiv);
-    free("nAnisTest             ,", sel.ntestindiv);
+         sel.selphenstrat == 6 ? cycle.trainindiv.size() : cycle.ntrainindiv);
+    free("nAnisTest             ,", cycle.ntestindiv);
     free("nRound                ,1000");
     free("nBurn                 ,0");
     free("VarA                  ,",
-         runid == 2 ? sel.selectionvararecombtr : sel.selectionvaratr(selectedtrait));
+         runid == 2 ? cycle.selectionvararecombtr : cycle.selectionvaratr(selectedtrait));
     free("VarE                  ,",
          runid == 2 ? s.values.varerecomb : s.values.vare(s.qtn.qtnmodel, selectedtrait));
     free("NumberOfProcessors    ,1");
@@ -124,10 +125,10 @@ void readestimates(const state &s, int64 selectioncycle, const std::string &name
         ioerror(path,
                 "was not made by the prediction program; " + lookinlog(selectioncycle, logname));
     infile in(path);
-    for (int64 i = 0; i < s.selection.ntestindiv; ++i) {
+    for (int64 i = 0; i < s.cycle.ntestindiv; ++i) {
         if (!in.nextrecord())
             ioerror(path, "holds " + numbertext(i) + " estimates for " +
-                              numbertext(s.selection.ntestindiv) + " candidates; " +
+                              numbertext(s.cycle.ntestindiv) + " candidates; " +
                               lookinlog(selectioncycle, logname));
         in.skipwords(1);
         estimates[i] = in.real();
@@ -139,7 +140,7 @@ void multiplysolutions(const state &s, int64 selectioncycle, const std::string &
                        const std::string &genotypes, const std::string &target, double *estimates)
 {
     const std::string folder = cyclefolder(selectioncycle);
-    const int64 nloci = s.chips.nsnpforsel;
+    const int64 nloci = s.loci.nsnpforsel;
     array1<double> snpsol(nloci), tmpgenosvec(nloci);
     infile solutionfile(folder + solutions);
     for (int64 m = 1; m <= nloci; ++m) {
@@ -150,7 +151,7 @@ void multiplysolutions(const state &s, int64 selectioncycle, const std::string &
     infile genotypefile(folder + genotypes);
     outfile out(folder + target);
     textline line;
-    for (int64 i = 0; i < s.selection.ntestindiv; ++i) {
+    for (int64 i = 0; i < s.cycle.ntestindiv; ++i) {
         genotypefile.record();
         const int64 id = genotypefile.integer();
         genotypefile.reals(tmpgenosvec.data(), nloci);
@@ -206,7 +207,7 @@ void runquillomere(state &s, int64 selectioncycle, int64 selectedtrait, int64 ru
 
 void readquillomerepebvs(state &s, int64 selectioncycle, int64 selectedtrait)
 {
-    selectiondata &sel = s.selection;
+    cycledata &cycle = s.cycle;
     const std::string folder = cyclefolder(selectioncycle), trait = numbertext(selectedtrait);
     const std::string path = folder + "EbvTrait" + trait + ".txt";
     if (!pathexists(path)) outfile(path).close();
@@ -217,41 +218,42 @@ void readquillomerepebvs(state &s, int64 selectioncycle, int64 selectedtrait)
     int64 i = 0, tmpindiv = 0;
     double tmppebv = 0;
     textline line;
-    while (i < sel.ntestindiv && in.nextrecord() && readpair(in.line(), tmpindiv, tmppebv)) {
+    while (i < cycle.ntestindiv && in.nextrecord() && readpair(in.line(), tmpindiv, tmppebv)) {
         const int64 row = pedfirstindiv + tmpindiv - 1;
         if (row < firsttestindiv) continue;
         ++i;
-        sel.estimatedbvtrait(i, selectedtrait) = tmppebv;
+        cycle.estimatedbvtrait(i, selectedtrait) = tmppebv;
         puti(line, i, 10);
         puti(line, row, 10);
         putf(line, tmppebv, 20, 8);
         out.writeline(line);
     }
     out.close();
-    if (i < sel.ntestindiv)
+    if (i < cycle.ntestindiv)
         std::fprintf(stderr,
                      "warning: %s holds estimates of %lld of %lld candidates, the others count as "
                      "0; %s\n",
                      path.c_str(), static_cast<long long>(i),
-                     static_cast<long long>(sel.ntestindiv),
+                     static_cast<long long>(cycle.ntestindiv),
                      lookinlog(selectioncycle, logname).c_str());
 }
 
 void computereadebv(state &s, int64 selectioncycle, int64 selectedtrait)
 {
-    selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    cycledata &cycle = s.cycle;
     const std::string ending = traitsuffix(s, selectedtrait) + ".txt";
-    double *const estimates = sel.estimatedbvtrait.column(selectedtrait);
+    double *const estimates = cycle.estimatedbvtrait.column(selectedtrait);
     if (aresolutionsinforce(s, selectioncycle)) {
         const std::string scaled = "TmpChip" + numbertext(s.chips.tmpchip) + "GenotypeTestScaled";
         multiplysolutions(s, selectioncycle, "SnpSolutions" + ending, scaled + ".txt", "Ebv.txt",
                           estimates);
         if (sel.recombselonoff)
             multiplysolutions(s, selectioncycle, "SnpSolutionsRecomb.txt", scaled + "Recomb.txt",
-                              "EbvRecomb.txt", sel.estimatedbvrecomb.data());
+                              "EbvRecomb.txt", cycle.estimatedbvrecomb.data());
         return;
     }
     readestimates(s, selectioncycle, "Ebv" + ending, estimates);
     if (sel.recombselonoff)
-        readestimates(s, selectioncycle, "EbvRecomb.txt", sel.estimatedbvrecomb.data());
+        readestimates(s, selectioncycle, "EbvRecomb.txt", cycle.estimatedbvrecomb.data());
 }

@@ -50,7 +50,7 @@ const char *rankingfile(const state &s)
 void writegenders(const state &s, int64 selectioncycle)
 {
     outfile out(cyclefolder(selectioncycle) + "GenderTesting.txt");
-    for (int64 i = s.selection.starttestindiv; i <= s.selection.endtestindiv; ++i)
+    for (int64 i = s.cycle.starttestindiv; i <= s.cycle.endtestindiv; ++i)
         out.writeline(freeline(i, s.pedi.globalgender(i)));
     out.close();
 }
@@ -67,7 +67,7 @@ void writebrenvaskspec(const state &s, int64 selectioncycle, relationshipbase ba
     free("PedigreeFile               ,None");
     free("WeightFile                 ,None");
     free("NumberOfTraits             ,1");
-    free("NumberOfSnp                ,", areonqtn(s) ? s.qtn.ntotqtn : s.chips.nsnpforsel);
+    free("NumberOfSnp                ,", areonqtn(s) ? s.loci.ntotqtn : s.loci.nsnpforsel);
     free("InversionOfG               ,Ordinary");
     free("DiagonalFudgeFactor        ,0.001");
     heading("#####################Matrices to be constructed###########################");
@@ -104,7 +104,8 @@ void runbrenvask(int64 selectioncycle)
 
 void writecorvalindspec(const state &s, int64 selectioncycle, int64 currentgen)
 {
-    const selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    const cycledata &cycle = s.cycle;
     outfile out(cyclefolder(selectioncycle) + "CorvalindSpec.txt");
     const auto free = [&](const auto &...values) { out.writeline(freeline(values...)); };
     free("RelationshipMatrixFile                  ,GFullMatrix1-1.txt");
@@ -115,10 +116,10 @@ void writecorvalindspec(const state &s, int64 selectioncycle, int64 currentgen)
         free("PerformMatingsConsideringTheGender      ,", s.pop.gendermatters);
     if (s.pop.animbreedonoff || isword(s.pop.gendermatters, "yes")) {
         free("GenderFile                              ,GenderTesting.txt");
-        free("NumberOfMales                           ,", s.pop.nmalinthisgen(currentgen - 1));
-        free("NumberOfFemales                         ,", s.pop.nfeminthisgen(currentgen - 1));
+        free("NumberOfMales                           ,", s.pedi.nmalinthisgen(currentgen - 1));
+        free("NumberOfFemales                         ,", s.pedi.nfeminthisgen(currentgen - 1));
     } else {
-        free("NumberOfIndividuals                     ,", sel.ntestindiv);
+        free("NumberOfIndividuals                     ,", cycle.ntestindiv);
     }
     free("NumberOfMatings                         ,", s.pop.nindivinthisgen(currentgen));
     free("PercentageDifferenceInbreeding           ,", sel.percentdeltaf);
@@ -183,8 +184,8 @@ std::vector<mating> readmatinglist(const state &s, int64 selectioncycle, int64 n
         openresult(resultfile(selectioncycle, "MatingListFinal.txt"), selectioncycle, corvalindlog);
     const auto place = [&] {
         const int64 x = in.integer();
-        if (x < 1 || x > s.selection.ntestindiv)
-            in.complain("a parent must be a candidate, 1 to " + numbertext(s.selection.ntestindiv));
+        if (x < 1 || x > s.cycle.ntestindiv)
+            in.complain("a parent must be a candidate, 1 to " + numbertext(s.cycle.ntestindiv));
         return x;
     };
     std::vector<mating> matings(static_cast<std::size_t>(nmatings));

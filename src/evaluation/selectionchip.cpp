@@ -24,13 +24,13 @@ void readindividual(const state &s, generationphases &phases)
 {
     int64 at = 0;
     for (std::size_t h = 0; h < phases.chip.size(); ++h) {
-        const int64 n = s.chips.nsnponthischipchrom(s.chips.tmpchip, static_cast<int64>(h) + 1);
+        const int64 n = s.loci.nsnponthischipchrom(s.chips.tmpchip, static_cast<int64>(h) + 1);
         readphases(phases.chip[h], phases.snpalleles, at, n);
         at += n;
     }
     at = 0;
     for (std::size_t h = 0; h < phases.qtn.size(); ++h) {
-        const int64 n = s.qtn.nqtnonthischrom(static_cast<int64>(h) + 1);
+        const int64 n = s.loci.nqtnonthischrom(static_cast<int64>(h) + 1);
         readphases(phases.qtn[h], phases.qtnalleles, at, n);
         at += n;
     }
@@ -53,7 +53,7 @@ void endrecord(outfile &out, char *behind, int64 nloci)
 
 int64 nloci(const state &s)
 {
-    return s.chips.nsnp + (areqtnadded(s) ? s.qtn.ntotqtn : 0);
+    return s.loci.nsnp + (areqtnadded(s) ? s.loci.ntotqtn : 0);
 }
 
 void addalleles(const int8 *a, const int8 *b, int8 *sums, int64 n)
@@ -85,8 +85,8 @@ void writegenotyperecord(const state &s, outfile &out, const generationphases &p
                          int64 individ)
 {
     char *p = beginrecord(out, individ, nloci(s));
-    p = putgenotypes(p, phases.snpalleles, s.chips.nsnp);
-    if (areqtnadded(s)) p = putgenotypes(p, phases.qtnalleles, s.qtn.ntotqtn);
+    p = putgenotypes(p, phases.snpalleles, s.loci.nsnp);
+    if (areqtnadded(s)) p = putgenotypes(p, phases.qtnalleles, s.loci.ntotqtn);
     endrecord(out, p, nloci(s));
 }
 
@@ -94,8 +94,8 @@ void writephaserecord(const state &s, outfile &out, const generationphases &phas
                       int64 m)
 {
     char *p = beginrecord(out, individ, nloci(s));
-    p = putalleles(p, phases.snpalleles.column(m), s.chips.nsnp);
-    if (areqtnadded(s)) p = putalleles(p, phases.qtnalleles.column(m), s.qtn.ntotqtn);
+    p = putalleles(p, phases.snpalleles.column(m), s.loci.nsnp);
+    if (areqtnadded(s)) p = putalleles(p, phases.qtnalleles.column(m), s.loci.ntotqtn);
     endrecord(out, p, nloci(s));
 }
 
@@ -108,16 +108,17 @@ void countalleles(const array2<int8> &phases, int64 *counts, int64 n)
 void writetrainingindividual(state &s, selectionchipfiles &files, const generationphases &phases,
                              int64 individ)
 {
-    selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    cycledata &cycle = s.cycle;
     const bool genomic = sel.selmethindicator == 2;
-    if (genomic && sel.phenvaltrain(individ - sel.starttrainindiv + 1) == -99) return;
+    if (genomic && cycle.phenvaltrain(individ - cycle.starttrainindiv + 1) == -99) return;
     writegenotyperecord(s, files.genotypetrain, phases, individ);
     writephaserecord(s, files.phasetrain, phases, individ, 1);
     writephaserecord(s, files.phasetrain, phases, individ, 2);
     if (!genomic) return;
-    countalleles(phases.snpalleles, sel.fixedsnp.data(), s.chips.nsnp);
+    countalleles(phases.snpalleles, cycle.fixedsnp.data(), s.loci.nsnp);
     if (areqtnadded(s))
-        countalleles(phases.qtnalleles, sel.fixedsnp.data() + s.chips.nsnp, s.qtn.ntotqtn);
+        countalleles(phases.qtnalleles, cycle.fixedsnp.data() + s.loci.nsnp, s.loci.ntotqtn);
 }
 
 void rewind(generationphases &phases)
@@ -150,8 +151,8 @@ generationphases openphases(const state &s, int64 gen)
     const bool unrestricted = s.qtn.qtnmodel == 1 || s.qtn.qtnmodel == 3;
     const std::string ending = "PhaseGeneration" + numbertext(gen) + ".txt";
     generationphases phases;
-    phases.snpalleles.allocate(s.chips.nsnp, 2);
-    if (areqtnadded(s)) phases.qtnalleles.allocate(s.qtn.ntotqtn, 2);
+    phases.snpalleles.allocate(s.loci.nsnp, 2);
+    if (areqtnadded(s)) phases.qtnalleles.allocate(s.loci.ntotqtn, 2);
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         phases.chip.emplace_back(chromfolder(h) + "Chip" + numbertext(s.chips.tmpchip) + ending);
         if (areqtnadded(s))
@@ -176,7 +177,7 @@ void writetestchip(state &s, selectionchipfiles &files, generationphases &phases
 {
     for (int64 i = startindiv; i <= endindiv; ++i) {
         readindividual(s, phases);
-        if (i >= s.selection.starttestindiv && i <= s.selection.endtestindiv)
+        if (i >= s.cycle.starttestindiv && i <= s.cycle.endtestindiv)
             writegenotyperecord(s, files.genotypetest, phases, i);
     }
     rewind(phases);

@@ -39,9 +39,9 @@ void appendzerofields(textline &fields)
 void readfixedsnp(state &s, const std::string &folder)
 {
     infile in(folder + "FixedSnp.txt");
-    for (int64 j = 1; j <= s.chips.nsnpforsel; ++j) {
+    for (int64 j = 1; j <= s.loci.nsnpforsel; ++j) {
         in.record();
-        s.selection.fixedsnp(j) = in.integer();
+        s.cycle.fixedsnp(j) = in.integer();
     }
 }
 
@@ -49,11 +49,11 @@ void readfixedsnp(state &s, const std::string &folder)
 textline layoutscaledfields(const state &s, const std::string &folder)
 {
     textline fields;
-    fields.reserve(static_cast<std::size_t>(s.chips.nsnpforsel * ncodes * fieldwidth));
+    fields.reserve(static_cast<std::size_t>(s.loci.nsnpforsel * ncodes * fieldwidth));
     infile
         frequencies; // opened with the first locus that segregates: a training by pedigree has none
-    for (int64 j = 1; j <= s.chips.nsnpforsel; ++j) {
-        if (s.selection.fixedsnp(j) != 1) {
+    for (int64 j = 1; j <= s.loci.nsnpforsel; ++j) {
+        if (s.cycle.fixedsnp(j) != 1) {
             appendzerofields(fields);
             continue;
         }
@@ -68,14 +68,15 @@ textline layoutscaledfields(const state &s, const std::string &folder)
 
 void writefixedsnp(state &s, int64 selectioncycle)
 {
-    const selectiondata &sel = s.selection;
-    int64 nloci = areqtnadded(s) ? s.qtn.ntotqtn : 0;
+    const selectionsettings &sel = s.selection;
+    const cycledata &cycle = s.cycle;
+    int64 nloci = areqtnadded(s) ? s.loci.ntotqtn : 0;
     for (int64 h = 1; h <= s.founders.nchrom; ++h)
-        nloci += s.chips.nsnponthischipchrom(s.chips.tmpchip, h);
-    const int64 ntraining = sel.selphenstrat == 6 ? sel.trainindiv.size() : sel.ntrainindiv;
+        nloci += s.loci.nsnponthischipchrom(s.chips.tmpchip, h);
+    const int64 ntraining = sel.selphenstrat == 6 ? cycle.trainindiv.size() : cycle.ntrainindiv;
     outfile out(cyclefolder(selectioncycle) + "FixedSnp.txt");
     for (int64 j = 1; j <= nloci; ++j) {
-        const bool fixed = sel.fixedsnp(j) == 0 || sel.fixedsnp(j) == 2 * ntraining;
+        const bool fixed = cycle.fixedsnp(j) == 0 || cycle.fixedsnp(j) == 2 * ntraining;
         out.writeline(freeline(fixed ? 0 : 1));
     }
     out.close();
@@ -133,7 +134,7 @@ void scalegenottestingdata(state &s, int64 selectioncycle, [[maybe_unused]] int6
 {
     const std::string folder = cyclefolder(selectioncycle);
     const std::string genotypefile = folder + "TmpChip" + numbertext(s.chips.tmpchip);
-    const int64 nloci = s.chips.nsnpforsel;
+    const int64 nloci = s.loci.nsnpforsel;
     readfixedsnp(s, folder);
     const textline fields = layoutscaledfields(s, folder);
 
@@ -142,7 +143,7 @@ void scalegenottestingdata(state &s, int64 selectioncycle, [[maybe_unused]] int6
                 (runid == 2 ? "GenotypeTestScaledRecomb.txt" : "GenotypeTestScaled.txt"));
     std::vector<int8> genotypes(static_cast<std::size_t>(nloci));
     textline id;
-    for (int64 i = 1; i <= s.selection.ntestindiv; ++i) {
+    for (int64 i = 1; i <= s.cycle.ntestindiv; ++i) {
         in.record();
         puti(id, in.integer(), 20);
         in.alleles(genotypes.data(), nloci);
@@ -169,14 +170,14 @@ void writetestingqtngenotypes(state &s, int64 selectioncycle, int64 testgen,
                            : "./SimulatedData/RestrictedQtnIndivGenotypes.txt");
     outfile out(cyclefolder(selectioncycle) +
                 (lastgeneration ? "TmpQtnGenotypeLastGeneration.txt" : "TmpQtnGenotypeTest.txt"));
-    std::vector<int8> genotypes(static_cast<std::size_t>(s.qtn.ntotqtn));
+    std::vector<int8> genotypes(static_cast<std::size_t>(s.loci.ntotqtn));
     textline line;
     in.skiprecords(tmpstarttestindiv - 1);
     for (int64 i = 1; i <= s.pop.nindivinthisgen(testgen); ++i) {
         in.record();
         puti(line, in.integer(), 20);
-        in.alleles(genotypes.data(), s.qtn.ntotqtn);
-        putalleles(line, genotypes.data(), s.qtn.ntotqtn);
+        in.alleles(genotypes.data(), s.loci.ntotqtn);
+        putalleles(line, genotypes.data(), s.loci.ntotqtn);
         out.writeline(line);
     }
     out.close();

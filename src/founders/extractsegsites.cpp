@@ -59,7 +59,7 @@ void countsites(state &s, int64 chrom)
 {
     segregatingsites &sites = s.sites;
     sites.nsegregtmp = readsegsites(chrom);
-    sites.nmut = sites.ndenovomutperchr;
+    sites.nmut = s.founders.ndenovomutperchr;
     sites.nsegreg = sites.nsegregtmp + sites.nmut;
     int64 nsites = sites.nsegreg;
     if (compressioninforce(s)) {
@@ -84,11 +84,11 @@ void addtonbofsegsites(const state &s, int64 chrom)
 
 void printtotals(const state &s)
 {
-    printfree(" Total number of QTN with normal effect", sumof(s.qtn.nqtnonthischrom));
+    printfree(" Total number of QTN with normal effect", sumof(s.loci.nqtnonthischrom));
     printfree(" Total number of QTN with Gamma effect",
               sumof(s.sites.nmutinclglobal) + s.qtn.nqtngamma);
     if (s.selection.recombselonoff)
-        printfree(" Total number of recombination QTN", sumof(s.qtn.nqtnrecombonthischrom));
+        printfree(" Total number of recombination QTN", sumof(s.loci.nqtnrecombonthischrom));
     printline("     ");
 }
 } // namespace
@@ -121,7 +121,7 @@ void allocatearraysforextractsegsites(state &s, std::string_view part)
     }
     segregatingsites &sites = s.sites;
     sites.tmpwrk.allocate(sites.nsegreg);
-    sites.mutsitesid.allocate(sites.ndenovomutperchr);
+    sites.mutsitesid.allocate(s.founders.ndenovomutperchr);
     sites.mutindicator.allocate(sites.nsegreg);
     sites.allphysicalmap.allocate(sites.nsegreg);
     if (compressioninforce(s)) {
@@ -299,7 +299,7 @@ void chooseincludedsites(state &s)
 void resetmutations(state &s, int64 chrom)
 {
     segregatingsites &sites = s.sites;
-    for (int64 j = 1; j <= sites.ndenovomutperchr; ++j)
+    for (int64 j = 1; j <= s.founders.ndenovomutperchr; ++j)
         for (int64 field = 1; field <= 5; ++field) sites.denovoinfo(chrom, j, field) = -99;
     for (int64 i = 1; i <= s.pop.nindivp; ++i) sites.indivmutindicator(chrom, i) = 0;
     sites.inclmutindicatorindivid.fill(0);
@@ -392,11 +392,11 @@ void writenumbers(const state &s, int64 chrom)
         puti(line, nqtnofset, 20);
         puti(line, s.sites.nmutinclglobal(chrom), 20);
         for (int64 chip = 1; chip <= s.chips.nchip; ++chip)
-            puti(line, s.chips.nsnponthischipchrom(chip, chrom), 20);
+            puti(line, s.loci.nsnponthischipchrom(chip, chrom), 20);
         out.writeline(line);
     };
-    row(s.qtn.nqtnonthischrom(chrom));
-    if (s.selection.recombselonoff) row(s.qtn.nqtnrecombonthischrom(chrom));
+    row(s.loci.nqtnonthischrom(chrom));
+    if (s.selection.recombselonoff) row(s.loci.nqtnrecombonthischrom(chrom));
     out.close();
 }
 } // namespace
@@ -404,7 +404,7 @@ void writenumbers(const state &s, int64 chrom)
 void determinenbofsnpandqtn(state &s, int64 chrom)
 {
     for (int64 chip = 1; chip <= s.chips.nchip; ++chip) {
-        int64 &nsnponchip = s.chips.nsnponthischipchrom(chip, chrom);
+        int64 &nsnponchip = s.loci.nsnponthischipchrom(chip, chrom);
         nsnponchip = s.chips.usesnpchiponoff ? s.chips.nsnpperchipperchrom(chip) : 1;
         if (!s.chips.usesnpchiponoff || nsnponchip <= s.sites.nsegregincl) continue;
         printline("ERROR: There are not enough SNP segregating for chip " + numbertext(chip));
@@ -414,11 +414,11 @@ void determinenbofsnpandqtn(state &s, int64 chrom)
     }
 
     // Each included mutation is a QTN beyond those asked for.
-    s.qtn.nqtnonthischrom(chrom) = s.qtn.nqtn / s.founders.nchrom + s.sites.nmutinclglobal(chrom);
-    stopiftoofewsites(s, s.qtn.nqtnonthischrom(chrom), 110008);
+    s.loci.nqtnonthischrom(chrom) = s.qtn.nqtn / s.founders.nchrom + s.sites.nmutinclglobal(chrom);
+    stopiftoofewsites(s, s.loci.nqtnonthischrom(chrom), 110008);
     if (s.selection.recombselonoff) {
-        s.qtn.nqtnrecombonthischrom(chrom) = s.qtn.ntotqtnrecomb / s.founders.nchrom;
-        stopiftoofewsites(s, s.qtn.nqtnrecombonthischrom(chrom), 110009);
+        s.loci.nqtnrecombonthischrom(chrom) = s.qtn.nqtnrecombperchrom;
+        stopiftoofewsites(s, s.loci.nqtnrecombonthischrom(chrom), 110009);
     }
     writenumbers(s, chrom);
 }

@@ -9,11 +9,11 @@ void allocatechromarrays(state &s)
     const int64 nchrom = s.founders.nchrom;
     s.sites.nsegreginclglobal.allocate(nchrom);
     s.sites.nmutinclglobal.allocate(nchrom);
-    s.sites.denovoinfo.allocate(nchrom, s.sites.ndenovomutperchr, 5);
+    s.sites.denovoinfo.allocate(nchrom, s.founders.ndenovomutperchr, 5);
     s.sites.indivmutindicator.allocate(nchrom, s.pop.nindivp);
-    s.qtn.nqtnonthischrom.allocate(nchrom);
-    s.qtn.nqtnrecombonthischrom.allocate(nchrom);
-    s.chips.nsnponthischipchrom.allocate(s.chips.nchip, nchrom);
+    s.loci.nqtnonthischrom.allocate(nchrom);
+    s.loci.nqtnrecombonthischrom.allocate(nchrom);
+    s.loci.nsnponthischipchrom.allocate(s.chips.nchip, nchrom);
 }
 
 void makechromarrays(state &s, arrayscope &arrays)
@@ -23,9 +23,9 @@ void makechromarrays(state &s, arrayscope &arrays)
     arrays.hold(s.sites.nmutinclglobal);
     arrays.hold(s.sites.denovoinfo);
     arrays.hold(s.sites.indivmutindicator);
-    arrays.hold(s.qtn.nqtnonthischrom);
-    arrays.hold(s.qtn.nqtnrecombonthischrom);
-    arrays.hold(s.chips.nsnponthischipchrom);
+    arrays.hold(s.loci.nqtnonthischrom);
+    arrays.hold(s.loci.nqtnrecombonthischrom);
+    arrays.hold(s.loci.nsnponthischipchrom);
 }
 
 void releasechromarrays(state &s)
@@ -34,9 +34,9 @@ void releasechromarrays(state &s)
     s.sites.nmutinclglobal.release();
     s.sites.denovoinfo.release();
     s.sites.indivmutindicator.release();
-    s.qtn.nqtnonthischrom.release();
-    s.qtn.nqtnrecombonthischrom.release();
-    s.chips.nsnponthischipchrom.release();
+    s.loci.nqtnonthischrom.release();
+    s.loci.nqtnrecombonthischrom.release();
+    s.loci.nsnponthischipchrom.release();
 }
 
 namespace
@@ -56,14 +56,14 @@ void readqtnmutationsandsnp(state &s, int64 chrom, const std::string &folder)
         nqtnofset(chrom) = in.integer();
         s.sites.nmutinclglobal(chrom) = in.integer();
         for (int64 chip = 1; chip <= s.chips.nchip; ++chip)
-            s.chips.nsnponthischipchrom(chip, chrom) = in.integer();
+            s.loci.nsnponthischipchrom(chip, chrom) = in.integer();
     };
-    row(s.qtn.nqtnonthischrom);
-    if (s.selection.recombselonoff) row(s.qtn.nqtnrecombonthischrom);
-    if (s.sites.nmutinclglobal(chrom) > s.sites.ndenovomutperchr)
+    row(s.loci.nqtnonthischrom);
+    if (s.selection.recombselonoff) row(s.loci.nqtnrecombonthischrom);
+    if (s.sites.nmutinclglobal(chrom) > s.founders.ndenovomutperchr)
         in.complain("holds " + numbertext(s.sites.nmutinclglobal(chrom)) +
                     " included mutations where the specification has " +
-                    numbertext(s.sites.ndenovomutperchr) + " mutations per chromosome");
+                    numbertext(s.founders.ndenovomutperchr) + " mutations per chromosome");
 }
 
 void readdenovoinfo(state &s, int64 chrom, const std::string &folder)
@@ -97,16 +97,16 @@ int64 sumof(const array1<int64> &values)
 
 void computetotals(state &s)
 {
-    s.qtn.ntotqtn = sumof(s.qtn.nqtnonthischrom);
-    s.qtn.ntotqtngamma = sumof(s.sites.nmutinclglobal) + s.qtn.nqtngamma;
-    if (s.selection.recombselonoff) s.qtn.ntotqtnrecomb = sumof(s.qtn.nqtnrecombonthischrom);
-    s.chips.nsnp = 0;
+    s.loci.ntotqtn = sumof(s.loci.nqtnonthischrom);
+    s.loci.ntotqtngamma = sumof(s.sites.nmutinclglobal) + s.qtn.nqtngamma;
+    if (s.selection.recombselonoff) s.loci.ntotqtnrecomb = sumof(s.loci.nqtnrecombonthischrom);
+    s.loci.nsnp = 0;
     const bool haschip = s.chips.tmpchip >= 1 && s.chips.tmpchip <= s.chips.nchip;
     for (int64 chrom = 1; haschip && chrom <= s.founders.nchrom; ++chrom)
-        s.chips.nsnp += s.chips.nsnponthischipchrom(s.chips.tmpchip, chrom);
-    s.chips.nsnpforsel = s.chips.nsnp;
+        s.loci.nsnp += s.loci.nsnponthischipchrom(s.chips.tmpchip, chrom);
+    s.loci.nsnpforsel = s.loci.nsnp;
     if (s.chips.usesnpchiponoff && s.selection.addqtntosnpchip == 1)
-        s.chips.nsnpforsel += s.qtn.ntotqtn;
+        s.loci.nsnpforsel += s.loci.ntotqtn;
 }
 } // namespace
 

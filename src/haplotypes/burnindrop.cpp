@@ -13,8 +13,8 @@ namespace
 void makesitearrays(state &s, arrayscope &arrays)
 {
     const int64 nsites = s.sites.nsegregincl;
-    arrays.make(s.chips.snponarrays, nsites);
-    arrays.make(s.chips.minorallelefreq, nsites);
+    arrays.make(s.sites.snponarrays, nsites);
+    arrays.make(s.sites.minorallelefreq, nsites);
     arrays.make(s.sites.inclsnpid, nsites);
     arrays.make(s.sites.inclphysicalmap, nsites);
     arrays.make(s.sites.inclmutindicator, nsites);

@@ -198,7 +198,7 @@ void writeminorallelefrequency(const state &s, int64 chrom)
     out.writeline(line);
     for (int64 site = 1; site <= s.sites.nsegregincl; ++site) {
         puti(line, site, 10);
-        putf(line, s.chips.minorallelefreq(site), 20, 10);
+        putf(line, s.sites.minorallelefreq(site), 20, 10);
         out.writeline(line);
     }
     out.close();
@@ -218,7 +218,7 @@ void computeminorallelefrequency(state &s, int64 chrom)
     for (int64 site = 1; site <= s.sites.nsegregincl; ++site) {
         const double frequency =
             static_cast<double>(counts(site)) / (2 * static_cast<double>(nbase));
-        s.chips.minorallelefreq(site) = frequency > 0.5 ? 1 - frequency : frequency;
+        s.sites.minorallelefreq(site) = frequency > 0.5 ? 1 - frequency : frequency;
     }
     writeminorallelefrequency(s, chrom);
 }

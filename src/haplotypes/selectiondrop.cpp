@@ -32,8 +32,8 @@ parentrows loadparents(state &s, int64 chrom, int64 currentgen, int64 startindiv
         parents.ids = parentsbetween(s, startindiv, endindiv, 1, endtestindiv);
         readgenomesof(s, chrom, parents.ids, s.haplo.oldtmpgenome);
     } else {
-        parents.before = endtestindiv - s.selection.ntestindiv;
-        readgenome(genomefile(chrom, currentgen - 1), s.haplo.oldtmpgenome, s.selection.ntestindiv,
+        parents.before = endtestindiv - s.cycle.ntestindiv;
+        readgenome(genomefile(chrom, currentgen - 1), s.haplo.oldtmpgenome, s.cycle.ntestindiv,
                    s.haplo.nblock);
     }
     return parents;
@@ -43,16 +43,17 @@ parentrows loadparents(state &s, int64 chrom, int64 currentgen, int64 startindiv
 // files keep their genomes as they were.
 void editparents(state &s, int64 chrom, const parentrows &parents)
 {
-    const editingdata &edit = s.editing;
+    const editingsettings &edit = s.editing;
+    const editdata &edits = s.edits;
     for (int64 i = 1; i <= edit.nindedited; ++i)
         for (int64 j = 1; j <= edit.ngeneditsperind; ++j) {
-            if (edit.genomeeditqtnchrom(i, j) != chrom) continue;
-            const siteplace place = placeofsite(edit.genomeeditqtnpos(i, j));
-            const int64 row = parents.row(edit.idofgenomeeditinds(i));
+            if (edits.genomeeditqtnchrom(i, j) != chrom) continue;
+            const siteplace place = placeofsite(edits.genomeeditqtnpos(i, j));
+            const int64 row = parents.row(edits.idofgenomeeditinds(i));
             int64 &sireside = s.haplo.oldtmpgenome(row, place.block, 1);
             int64 &damside = s.haplo.oldtmpgenome(row, place.block, 2);
             genomeedition(lociperblock, sireside, damside, place.position, sireside, damside,
-                          edit.genomeeditqtnposneg(i, j));
+                          edits.genomeeditqtnposneg(i, j));
         }
 }
 
@@ -109,7 +110,7 @@ void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int6
         arrays.make(s.haplo.tmpgenome, s.pop.nindivinthisgen(currentgen), s.haplo.nblock);
         arrays.make(s.haplo.recombrateperblock, s.haplo.nblock);
         arrays.make(s.haplo.recombfactperblock, s.haplo.nblock);
-        genedropselection(s, chrom, currentgen, startindiv, endindiv, s.selection.endtestindiv);
+        genedropselection(s, chrom, currentgen, startindiv, endindiv, s.cycle.endtestindiv);
         finishgeneration(s, chrom, currentgen, startindiv, endindiv);
     }
 }

@@ -13,9 +13,9 @@ int64 makearray(const state &s, int64 chrom, int64 chip, int64 nsnponarray)
     sitelist markers;
     int64 lastsnppos = 0;
     while (lastsnppos < n && static_cast<int64>(markers.size()) < nsnponarray) {
-        const int64 site = s.chips.snponarrays(++lastsnppos);
-        if (s.chips.minorallelefreq(site) >= s.chips.minsnpfreq &&
-            s.chips.minorallelefreq(site) <= s.chips.maxsnpfreq &&
+        const int64 site = s.sites.snponarrays(++lastsnppos);
+        if (s.sites.minorallelefreq(site) >= s.chips.minsnpfreq &&
+            s.sites.minorallelefreq(site) <= s.chips.maxsnpfreq &&
             s.sites.inclmutindicator(site) != 1)
             markers.push_back(site);
     }
@@ -36,7 +36,7 @@ namespace
 {
 void drawsnponarrays(state &s)
 {
-    randomorder(s.chips.snponarrays, s.sites.nsegregincl, s.random);
+    randomorder(s.sites.snponarrays, s.sites.nsegregincl, s.random);
 }
 
 // Largest place at which a chip was full.
@@ -46,7 +46,7 @@ int64 makechips(state &s, int64 chrom)
     for (int64 e = 1; e <= s.chips.nchip; ++e) {
         if (!s.chips.nestedonoff) drawsnponarrays(s);
         lastsnppos =
-            std::max(lastsnppos, makearray(s, chrom, e, s.chips.nsnponthischipchrom(e, chrom)));
+            std::max(lastsnppos, makearray(s, chrom, e, s.loci.nsnponthischipchrom(e, chrom)));
     }
     return lastsnppos;
 }
@@ -59,7 +59,7 @@ void createsnpchipsandqtnarrays(state &s, int64 chrom)
     const int64 firstqtnpos = s.chips.snpchipinclqtn == 2 ? lastsnppos + 1 : 1;
     if (s.chips.snpchipinclqtn == 3) drawsnponarrays(s);
 
-    const int64 nqtn = s.qtn.nqtnonthischrom(chrom);
+    const int64 nqtn = s.loci.nqtnonthischrom(chrom);
     if (s.qtn.qtnclustersonoff) {
         chooseqtnunrestrictedclusters(s, chrom, nqtn, firstqtnpos);
         chooseqtnrestrictedclusters(s, chrom, nqtn, firstqtnpos);
@@ -69,6 +69,6 @@ void createsnpchipsandqtnarrays(state &s, int64 chrom)
     }
     if (s.selection.recombselonoff) {
         drawsnponarrays(s);
-        chooseqtnrecombination(s, chrom, s.qtn.nqtnrecombonthischrom(chrom));
+        chooseqtnrecombination(s, chrom, s.loci.nqtnrecombonthischrom(chrom));
     }
 }

@@ -12,13 +12,13 @@ void extractgeneration(const state &s, int64 chrom, int64 currentgen, int64 star
     const int64 nblock = s.haplo.nblock;
     for (int64 chip = 1; chip <= s.chips.nchip; ++chip)
         fillarray(s, chrom, chip, currentgen, startindiv, endindiv, nblock, lociperblock,
-                  s.chips.nsnponthischipchrom(chip, chrom));
-    const int64 nqtn = s.qtn.nqtnonthischrom(chrom);
+                  s.loci.nsnponthischipchrom(chip, chrom));
+    const int64 nqtn = s.loci.nqtnonthischrom(chrom);
     fillqtnunrestricted(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock, nqtn);
     fillqtnrestricted(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock, nqtn);
     if (s.selection.recombselonoff)
         fillqtnrecombination(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock,
-                             s.qtn.nqtnrecombonthischrom(chrom));
+                             s.loci.nqtnrecombonthischrom(chrom));
     if (s.run.fullseqoutonoff)
         writeoutindivphase(s, chrom, currentgen, startindiv, endindiv, nblock, lociperblock);
 }

@@ -40,8 +40,8 @@ array1<int8> sitesinband(const state &s, int64 firstsite)
     array1<int8> flags(s.sites.nsegregincl);
     for (int64 site = 1; site <= s.sites.nsegregincl; ++site)
         flags(site) = ismutation(s, site) ||
-                      (site >= firstsite && s.chips.minorallelefreq(site) >= s.qtn.minqtnfreq &&
-                       s.chips.minorallelefreq(site) <= s.qtn.maxqtnfreq);
+                      (site >= firstsite && s.sites.minorallelefreq(site) >= s.qtn.minqtnfreq &&
+                       s.sites.minorallelefreq(site) <= s.qtn.maxqtnfreq);
     return flags;
 }
 
@@ -60,7 +60,7 @@ void takefromlist(const state &s, sitelist &thisarray, int64 nsnponarray, int64 
                   int64 lastplace, condition fits)
 {
     for (int64 i = firstplace; i <= lastplace && !isfull(thisarray, nsnponarray); ++i) {
-        const int64 site = s.chips.snponarrays(i);
+        const int64 site = s.sites.snponarrays(i);
         if (!ismutation(s, site) && fits(site)) thisarray.push_back(site);
     }
 }
@@ -135,7 +135,7 @@ void chooseqtnrecombination(state &s, int64 chrom, int64 nsnponarray)
     const int64 n = s.sites.nsegregincl;
     if (nsnponarray > n)
         notenoughqtn("ERROR: Not Enough QTN Segregating on chromosome", chrom, 110025);
-    const int64 *const first = s.chips.snponarrays.begin();
+    const int64 *const first = s.sites.snponarrays.begin();
     sitelist thisarray(first, first + nsnponarray);
     writeset(s, chrom, thisarray, "RecombinationQtnInformation.txt", "RecombinationQtnSummary.txt",
              false);
@@ -251,7 +251,7 @@ void getqtvpositions(state &s, int64 nqtvonchr, int64 chrom, array1<int8> &isqtv
     passsurpluson(regions);
 
     array1<int8> barred(n);
-    for (int64 i = 1; i <= std::min(lastsnp, n); ++i) barred(s.chips.snponarrays(i)) = 1;
+    for (int64 i = 1; i <= std::min(lastsnp, n); ++i) barred(s.sites.snponarrays(i)) = 1;
     isqtvpos.fill(0);
     for (const region &r : regions)
         if (r.count > 0) drawsites(s, r, barred, isqtvpos);

@@ -5,7 +5,7 @@ double meanheterozygosity(const state &s, const sitelist &sites)
     if (sites.empty()) return 0;
     double sum = 0;
     for (const int64 site : sites) {
-        const double f = s.chips.minorallelefreq(site);
+        const double f = s.sites.minorallelefreq(site);
         sum += 1 - (f * f + (1 - f) * (1 - f));
     }
     return sum / static_cast<double>(sites.size());
@@ -27,7 +27,7 @@ void writesiteinformation(const state &s, const std::string &path, const sitelis
     for (const int64 site : sites) {
         puti(line, ++rank, 20);
         puti(line, site, 20);
-        putf(line, s.chips.minorallelefreq(site), 20, 10);
+        putf(line, s.sites.minorallelefreq(site), 20, 10);
         putf(line, s.sites.inclphysicalmap(site), 20, 10);
         if (withmutations) {
             puti(line, s.sites.inclmutindicator(site), 20);

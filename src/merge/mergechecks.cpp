@@ -85,12 +85,12 @@ void checknumbers(const state &s, int64 chrom, const std::string &folder)
     const auto check = [&](const std::string &what, int64 found, int64 expected) {
         if (found != expected) mismatch(where, what, found, expected);
     };
-    check("QTN besides mutations", s.qtn.nqtnonthischrom(chrom) - s.sites.nmutinclglobal(chrom),
+    check("QTN besides mutations", s.loci.nqtnonthischrom(chrom) - s.sites.nmutinclglobal(chrom),
           s.qtn.nqtnperchrom);
     if (s.selection.recombselonoff)
-        check("recombination QTN", s.qtn.nqtnrecombonthischrom(chrom), s.qtn.nqtnrecombperchrom);
+        check("recombination QTN", s.loci.nqtnrecombonthischrom(chrom), s.qtn.nqtnrecombperchrom);
     for (int64 e = 1; e <= s.chips.nchip; ++e)
-        check("SNP of chip " + numbertext(e), s.chips.nsnponthischipchrom(e, chrom),
+        check("SNP of chip " + numbertext(e), s.loci.nsnponthischipchrom(e, chrom),
               s.chips.usesnpchiponoff ? s.chips.nsnpperchipperchrom(e) : 1);
 }
 
@@ -107,10 +107,10 @@ sitesbyfile readfoldersites(const state &s, const std::string &folder)
                 readsites(inrunfolder(folder, path), nsites, s.sites.nsegreginclglobal(h));
         };
         for (int64 e = 1; e <= s.chips.nchip; ++e)
-            read("Chip" + numbertext(e) + "Snp", s.chips.nsnponthischipchrom(e, h));
-        read("UnRestrictedQtn", s.qtn.nqtnonthischrom(h));
-        read("RestrictedQtn", s.qtn.nqtnonthischrom(h));
-        if (s.selection.recombselonoff) read("RecombinationQtn", s.qtn.nqtnrecombonthischrom(h));
+            read("Chip" + numbertext(e) + "Snp", s.loci.nsnponthischipchrom(e, h));
+        read("UnRestrictedQtn", s.loci.nqtnonthischrom(h));
+        read("RestrictedQtn", s.loci.nqtnonthischrom(h));
+        if (s.selection.recombselonoff) read("RecombinationQtn", s.loci.nqtnrecombonthischrom(h));
     }
     return sites;
 }
@@ -256,7 +256,7 @@ void checkmergefolders(state &s, const mergeplan &plan)
 {
     const sitesbyfile ofburnin = checksites(s, plan.burninfolder);
     const array1<int64> nsegreginclglobal = s.sites.nsegreginclglobal;
-    const array1<int64> nqtnonthischrom = s.qtn.nqtnonthischrom;
+    const array1<int64> nqtnonthischrom = s.loci.nqtnonthischrom;
     checkburnin(s, plan.burninfolder);
     std::set<std::string> checked{plan.burninfolder};
     for (int64 f = 1; f <= static_cast<int64>(plan.sources.size()); ++f) {
@@ -268,8 +268,8 @@ void checkmergefolders(state &s, const mergeplan &plan)
                 if (s.sites.nsegreginclglobal(h) != nsegreginclglobal(h))
                     mismatch(where, "included sites", s.sites.nsegreginclglobal(h),
                              nsegreginclglobal(h));
-                if (s.qtn.nqtnonthischrom(h) != nqtnonthischrom(h))
-                    mismatch(where, "QTN", s.qtn.nqtnonthischrom(h), nqtnonthischrom(h));
+                if (s.loci.nqtnonthischrom(h) != nqtnonthischrom(h))
+                    mismatch(where, "QTN", s.loci.nqtnonthischrom(h), nqtnonthischrom(h));
             }
             checksamesites(ofburnin, ofsource, plan, source.path);
         }

@@ -148,7 +148,7 @@ void writechromosome(const sitetable &table, int64 chrom, const std::string &inf
 array1<int64> snpofchip(const state &s, int64 chip)
 {
     array1<int64> n(s.founders.nchrom);
-    for (int64 h = 1; h <= n.size(); ++h) n(h) = s.chips.nsnponthischipchrom(chip, h);
+    for (int64 h = 1; h <= n.size(); ++h) n(h) = s.loci.nsnponthischipchrom(chip, h);
     return n;
 }
 } // namespace
@@ -164,7 +164,7 @@ void calculatebothsnpandqtn(const state &s, int64 nindividuals, sitekind kind, i
     table.summary = name + "Summary.txt";
     table.genotypes =
         snp ? "AllIndividualsSnpChips/" + name + "Genotype.txt" : name + "IndivGenotypes.txt";
-    readinformation(table, snp ? snpofchip(s, chipnumber) : s.qtn.nqtnonthischrom);
+    readinformation(table, snp ? snpofchip(s, chipnumber) : s.loci.nqtnonthischrom);
     countfrequencies(table, nindividuals);
     writewholegenome(table);
     for (int64 h = 1; h <= s.founders.nchrom; ++h) writechromosome(table, h, infofile);
@@ -231,8 +231,8 @@ void writegenerationfrequencies(const state &s, int64 gen, int64 nindividuals)
         const auto write = [&](const char *set, const array1<int64> &nofchrom) {
             writesetfrequencies(s, set, nofchrom(h), h, gen, nindividuals);
         };
-        if (gen > 1) write("UnrestrictedQtn", s.qtn.nqtnonthischrom);
-        if (gen > 1) write("RestrictedQtn", s.qtn.nqtnonthischrom);
-        if (s.selection.recombselonoff) write("RecombinationQtn", s.qtn.nqtnrecombonthischrom);
+        if (gen > 1) write("UnrestrictedQtn", s.loci.nqtnonthischrom);
+        if (gen > 1) write("RestrictedQtn", s.loci.nqtnonthischrom);
+        if (s.selection.recombselonoff) write("RecombinationQtn", s.loci.nqtnrecombonthischrom);
     }
 }

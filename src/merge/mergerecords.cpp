@@ -47,7 +47,7 @@ std::vector<std::string> qtnsets(const state &s)
 
 const array1<int64> &nqtnof(const state &s, const std::string &set)
 {
-    return set == "Recombination" ? s.qtn.nqtnrecombonthischrom : s.qtn.nqtnonthischrom;
+    return set == "Recombination" ? s.loci.nqtnrecombonthischrom : s.loci.nqtnonthischrom;
 }
 } // namespace
 
@@ -64,7 +64,7 @@ std::vector<individualfile> wholerunfiles(const state &s)
         files.push_back(allelefile(qtngenotypefile(set), 1, sumof(nqtnof(s, set))));
     for (int64 e = 1; e <= s.chips.nchip; ++e) {
         int64 nsnp = 0;
-        for (int64 h = 1; h <= s.founders.nchrom; ++h) nsnp += s.chips.nsnponthischipchrom(e, h);
+        for (int64 h = 1; h <= s.founders.nchrom; ++h) nsnp += s.loci.nsnponthischipchrom(e, h);
         files.push_back(allelefile(chipgenotypefile(e), 1, nsnp));
         files.push_back(allelefile(chipphasefile(e), 2, nsnp));
     }
@@ -89,7 +89,7 @@ std::vector<individualfile> generationfiles(const state &s, int64 chrom)
         files.push_back(allelefile(chromfolder(chrom) + name + "PhaseGeneration", 2, n));
     };
     for (int64 e = 1; e <= s.chips.nchip; ++e)
-        add("Chip" + numbertext(e), s.chips.nsnponthischipchrom(e, chrom));
+        add("Chip" + numbertext(e), s.loci.nsnponthischipchrom(e, chrom));
     for (const std::string &set : qtnsets(s)) add(set + "Qtn", nqtnof(s, set)(chrom));
     return files;
 }

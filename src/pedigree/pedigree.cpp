@@ -7,8 +7,8 @@ void makepedigreearrays(state &s, arrayscope &arrays)
 {
     arrays.make(s.pedi.ped, s.pop.nindivp);
     arrays.make(s.pedi.globalgender, s.pop.nindivp);
-    arrays.make(s.pop.nmalinthisgen, s.pop.ngen + s.pop.ngensel);
-    arrays.make(s.pop.nfeminthisgen, s.pop.ngen + s.pop.ngensel);
+    arrays.make(s.pedi.nmalinthisgen, s.pop.ngen + s.pop.ngensel);
+    arrays.make(s.pedi.nfeminthisgen, s.pop.ngen + s.pop.ngensel);
 }
 
 void initline(pedigreeline &row, int64 oldglobalid, int64 newid, int64 newsire, int64 newdam,
@@ -116,8 +116,8 @@ void readgenerationcounts(state &s)
         in.record();
         in.integer();
         s.pop.nindivinthisgen(j) = in.integer();
-        s.pop.nmalinthisgen(j) = in.integer();
-        s.pop.nfeminthisgen(j) = in.integer();
+        s.pedi.nmalinthisgen(j) = in.integer();
+        s.pedi.nfeminthisgen(j) = in.integer();
     }
 }
 } // namespace
@@ -137,7 +137,7 @@ void readgenders(state &s)
 void readpedigreegender(state &s)
 {
     readrows(s);
-    if (isword(s.pedi.pedigreestatus, "internal")) readgenders(s);
+    if (isword(s.pop.pedigreestatus, "internal")) readgenders(s);
     readgenerationcounts(s);
     for (int64 j = 1; j <= s.pop.ngen + s.pop.ngensel; ++j)
         s.pop.cumindivnbtogen(j) = s.pop.cumindivnbtogen(j - 1) + s.pop.nindivinthisgen(j);

@@ -60,8 +60,8 @@ void readearliergenerations(state &s)
         in.record();
         in.integer();
         const int64 nindiv = in.integer();
-        s.pop.nmalinthisgen(j) = in.integer();
-        s.pop.nfeminthisgen(j) = in.integer();
+        s.pedi.nmalinthisgen(j) = in.integer();
+        s.pedi.nfeminthisgen(j) = in.integer();
         if (nindiv == s.pop.nindivinthisgen(j)) continue;
         textline line;
         puta(line, "ERROR: The number of individuals in generation", 46);
@@ -95,7 +95,7 @@ void readearliergenders(state &s)
 void readwhatearlierrunsleft(state &s)
 {
     readearliergenerations(s);
-    if (!isword(s.pedi.pedigreestatus, "internal")) readearlierrows(s);
+    if (!isword(s.pop.pedigreestatus, "internal")) readearlierrows(s);
     readearliergenders(s);
 }
 
@@ -111,8 +111,8 @@ void drawgenders(state &s)
         randomorder(shufflegender, n, s.random);
         for (int64 i = 1; i <= n; ++i)
             s.pedi.globalgender(jump + shufflegender(i)) = i % 2 == 0 ? 1 : 2;
-        s.pop.nmalinthisgen(j) = n / 2;
-        s.pop.nfeminthisgen(j) = n - n / 2;
+        s.pedi.nmalinthisgen(j) = n / 2;
+        s.pedi.nfeminthisgen(j) = n - n / 2;
         jump += n;
     }
 }
@@ -129,7 +129,7 @@ void checklinesofexternalpedigree(const state &s, int64 nlines)
 {
     const int64 nrows = s.pop.nindivp - rowsofearlierruns(s);
     if (nlines > nrows)
-        ioerror(s.pedi.pedigreefile,
+        ioerror(s.pop.pedigreefile,
                 "holds " + numbertext(nlines) + " individuals where there is room for " +
                     numbertext(nrows) +
                     (s.run.specstartgen == 1 ? "; raise NumberOfIndividualsInEachGeneration or "
@@ -140,12 +140,12 @@ void checklinesofexternalpedigree(const state &s, int64 nlines)
 
 void importpedigree(state &s, const std::string &here)
 {
-    const int64 nindivpfile = countlines(s.pedi.pedigreefile);
+    const int64 nindivpfile = countlines(s.pop.pedigreefile);
     checklinesofexternalpedigree(s, nindivpfile);
     const int64 jump = rowsofearlierruns(s);
     pedigreeindex index;
     for (int64 i = 1; i <= jump; ++i) index.add(s.pedi.ped(i));
-    infile in(s.pedi.pedigreefile);
+    infile in(s.pop.pedigreefile);
     for (int64 i = jump + 1; i <= jump + nindivpfile; ++i) {
         in.record();
         const int64 id = in.integer();
@@ -153,8 +153,8 @@ void importpedigree(state &s, const std::string &here)
         const int64 sire = in.integer();
         const int64 dam = in.integer();
         if (in.linenumber() != linenumber)
-            ioerror(s.pedi.pedigreefile, "line " + numbertext(linenumber) +
-                                             ": an individual, its sire and its dam are wanted");
+            ioerror(s.pop.pedigreefile, "line " + numbertext(linenumber) +
+                                            ": an individual, its sire and its dam are wanted");
         initline(s.pedi.ped(i), id, i, index.find(sire), index.find(dam), 1, here);
         index.add(s.pedi.ped(i));
     }
@@ -238,8 +238,8 @@ void writegenerationcounts(const state &s)
     }
     textline line;
     for (int64 j = s.run.specstartgen; j <= s.run.specendgen; ++j) {
-        putgenerationline(line, j, s.pop.nindivinthisgen(j), s.pop.nmalinthisgen(j),
-                          s.pop.nfeminthisgen(j));
+        putgenerationline(line, j, s.pop.nindivinthisgen(j), s.pedi.nmalinthisgen(j),
+                          s.pedi.nfeminthisgen(j));
         out.writeline(line);
     }
     out.close();
@@ -249,16 +249,16 @@ void allocatearraysforpedigree(state &s)
 {
     s.pedi.ped.allocate(s.pop.nindivp);
     s.pedi.globalgender.allocate(s.pop.nindivp);
-    s.pop.nmalinthisgen.allocate(s.pop.ngen + s.pop.ngensel);
-    s.pop.nfeminthisgen.allocate(s.pop.ngen + s.pop.ngensel);
+    s.pedi.nmalinthisgen.allocate(s.pop.ngen + s.pop.ngensel);
+    s.pedi.nfeminthisgen.allocate(s.pop.ngen + s.pop.ngensel);
 }
 
 void deallocatearraysforpedigree(state &s)
 {
     s.pedi.ped.release();
     s.pedi.globalgender.release();
-    s.pop.nmalinthisgen.release();
-    s.pop.nfeminthisgen.release();
+    s.pedi.nmalinthisgen.release();
+    s.pedi.nfeminthisgen.release();
 }
 } // namespace
 
@@ -268,7 +268,7 @@ void pedigreereadermaker(state &s)
     if (s.run.specstartgen > 1) readwhatearlierrunsleft(s);
     drawgenders(s);
     const std::string here = workingdirectory();
-    if (!isword(s.pedi.pedigreestatus, "internal")) {
+    if (!isword(s.pop.pedigreestatus, "internal")) {
         importpedigree(s, here);
     } else {
         if (s.run.specendgen > 1) checknbofselectedindiv(s);
@@ -309,8 +309,8 @@ void checkcrossedplants(const state &s, int64 j)
         puta(line, " have not been provided", 23);
         printline(line);
     }
-    if (respectgender && s.pop.nsireinthisgen(j) > s.pop.nmalinthisgen(j)) notenoughmaleplants(j);
-    if (respectgender && s.pop.ndaminthisgen(j) > s.pop.nfeminthisgen(j)) notenoughfemaleplants(j);
+    if (respectgender && s.pop.nsireinthisgen(j) > s.pedi.nmalinthisgen(j)) notenoughmaleplants(j);
+    if (respectgender && s.pop.ndaminthisgen(j) > s.pedi.nfeminthisgen(j)) notenoughfemaleplants(j);
     if (!respectgender && s.pop.nrandparinthisgen(j) > s.pop.nindivinthisgen(j))
         notenoughcrossed(j);
     if (s.pop.nrandparinthisgen(j) > 0 &&
@@ -323,8 +323,8 @@ void checkanimals(const state &s, int64 j)
     if (s.pop.nsireinthisgen(j) == 0 && s.pop.ndaminthisgen(j) == 0)
         stopforgeneration("ERROR: Number of sires and dams must be non-null for generation", 63, j,
                           110022);
-    if (s.pop.nsireinthisgen(j) > s.pop.nmalinthisgen(j)) notenoughsires(j);
-    if (s.pop.ndaminthisgen(j) > s.pop.nfeminthisgen(j)) notenoughdams(j);
+    if (s.pop.nsireinthisgen(j) > s.pedi.nmalinthisgen(j)) notenoughsires(j);
+    if (s.pop.ndaminthisgen(j) > s.pedi.nfeminthisgen(j)) notenoughdams(j);
 }
 } // namespace
 

@@ -12,7 +12,7 @@ namespace
 int64 countsnp(const state &s, int64 chip)
 {
     int64 nsnp = 0;
-    for (int64 h = 1; h <= s.founders.nchrom; ++h) nsnp += s.chips.nsnponthischipchrom(chip, h);
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) nsnp += s.loci.nsnponthischipchrom(chip, h);
     return nsnp;
 }
 
@@ -48,7 +48,7 @@ void gathergeneration(const state &s, int64 chip, int64 gen, individualrows &row
         rows.begin(i);
         for (int64 h = 1; h <= s.founders.nchrom; ++h) {
             infile &in = chromfiles[static_cast<std::size_t>(h - 1)];
-            const int64 n = s.chips.nsnponthischipchrom(chip, h);
+            const int64 n = s.loci.nsnponthischipchrom(chip, h);
             copyphaserow(in, rows.text(1), n);
             copyphaserow(in, rows.text(2), n);
             rows.advance(n);
@@ -70,7 +70,7 @@ void writesnpmap(const state &s, int64 chip)
     int64 k = 0;
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         infile in(chromfolder(h) + name);
-        for (int64 snp = 1; snp <= s.chips.nsnponthischipchrom(chip, h); ++snp) {
+        for (int64 snp = 1; snp <= s.loci.nsnponthischipchrom(chip, h); ++snp) {
             in.record();
             in.integer(); // rank on the chromosome's part of the chip
             puti(line, ++k, 20);

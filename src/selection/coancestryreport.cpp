@@ -36,7 +36,7 @@ std::string writelastgenotypes(state &s, int64 selectioncycle, int64 currentgen,
 void computecoancestry(state &s, int64 selectioncycle, int64 currentgen, int64 &firstindiv,
                        int64 &lastindiv)
 {
-    const selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
     if (sel.selontbvyes1no0 == 1 && !sel.optcontribselonoff)
         writetestingqtngenotypes(s, selectioncycle, currentgen - 1, firstindiv);
     writebrenvaskspec(s, selectioncycle, relationshipbase::first, "");

@@ -13,18 +13,18 @@ namespace
 // Places of the chosen in the test set, best first.
 array1<int64> rank(const state &s, int64 currentgen, int64 parentgender, int64 npargender)
 {
-    const selectiondata &sel = s.selection;
+    const cycledata &cycle = s.cycle;
     const bool genderblind = genderisignored(s, currentgen);
     const double lowest = static_cast<double>(-1.0e16f);
     std::vector<int64> candidates;
-    for (int64 i = 1; i <= sel.ntestindiv; ++i)
-        if ((genderblind || sel.gender(i) == parentgender) && std::isfinite(sel.estimatedbv(i)) &&
-            sel.estimatedbv(i) > lowest)
+    for (int64 i = 1; i <= cycle.ntestindiv; ++i)
+        if ((genderblind || cycle.gender(i) == parentgender) &&
+            std::isfinite(cycle.estimatedbv(i)) && cycle.estimatedbv(i) > lowest)
             candidates.push_back(i);
     const auto nfound = std::min(static_cast<int64>(candidates.size()), npargender);
     std::partial_sort(candidates.begin(), candidates.begin() + nfound, candidates.end(),
                       [&](int64 a, int64 b) {
-                          const double x = sel.estimatedbv(a), y = sel.estimatedbv(b);
+                          const double x = cycle.estimatedbv(a), y = cycle.estimatedbv(b);
                           return x > y || (x == y && a < b);
                       });
     if (nfound < npargender)
@@ -47,18 +47,18 @@ array1<int64> rank(const state &s, int64 currentgen, int64 parentgender, int64 n
 
 void selectnextparentstruncat(state &s, int64 currentgen, int64 parentgender, int64 npargender)
 {
-    selectiondata &sel = s.selection;
+    cycledata &cycle = s.cycle;
     const int64 nmatings = s.pop.nindivinthisgen(currentgen);
-    const int64 firstrow = sel.endtestindiv + 1;
+    const int64 firstrow = cycle.endtestindiv + 1;
     stopiftoofewparents(s, parentgender, currentgen, npargender, npargender);
     const array1<int64> selectedindividuals = rank(s, currentgen, parentgender, npargender);
     if (s.editing.geneditonoff && parentgender == 1)
-        for (int64 k = 1; k <= std::min(s.editing.indivtobeedited.size(), npargender); ++k)
-            s.editing.indivtobeedited(k) = selectedindividuals(k);
+        for (int64 k = 1; k <= std::min(s.edits.indivtobeedited.size(), npargender); ++k)
+            s.edits.indivtobeedited(k) = selectedindividuals(k);
 
     array1<int64> matingvec(nmatings);
     buildmatingvec(selectedindividuals, npargender, nmatings, matingvec);
-    for (int64 &parent : matingvec) parent += sel.endtestindiv - sel.ntestindiv; // place to row
+    for (int64 &parent : matingvec) parent += cycle.endtestindiv - cycle.ntestindiv; // place to row
 
     assignparents(s, firstrow, nmatings, matingvec, parentgender);
     if (s.pop.nrandparinthisgen(currentgen - 1) > 0)

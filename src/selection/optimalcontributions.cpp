@@ -11,7 +11,7 @@ void selectbyoptimcontrib(state &s, int64 selectioncycle, int64 currentgen)
 {
     printline(" Selection based on optimal contributions");
     if (s.selection.selontbvyes1no0 == 1)
-        writetestingqtngenotypes(s, selectioncycle, currentgen - 1, s.selection.starttestindiv);
+        writetestingqtngenotypes(s, selectioncycle, currentgen - 1, s.cycle.starttestindiv);
     writebrenvaskspec(s, selectioncycle, relationshipbase::present, "");
     runbrenvask(selectioncycle);
     writecorvalindspec(s, selectioncycle, currentgen);
@@ -34,8 +34,8 @@ void checkdeltafoptimcontrib(const state &s, int64 selectioncycle)
 
 void selectnextparentsoptimcontrib(state &s, int64 selectioncycle, int64 currentgen)
 {
-    const int64 beforetest = s.selection.endtestindiv - s.selection.ntestindiv;
-    int64 row = s.selection.endtestindiv;
+    const int64 beforetest = s.cycle.endtestindiv - s.cycle.ntestindiv;
+    int64 row = s.cycle.endtestindiv;
     for (const mating &pair :
          readmatinglist(s, selectioncycle, s.pop.nindivinthisgen(currentgen))) {
         ++row;

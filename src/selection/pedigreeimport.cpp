@@ -9,7 +9,7 @@ namespace
 {
 void readexternalpedigree(state &s, int64 selectioncycle, int64 currentgen)
 {
-    const int64 endtestindiv = s.selection.endtestindiv;
+    const int64 endtestindiv = s.cycle.endtestindiv;
     infile in(cyclefolder(selectioncycle) + "ExternalPedigree.txt");
     int64 indivpos = endtestindiv;
     for (int64 k = 1; k <= s.pop.nindivinthisgen(currentgen); ++k) {

@@ -7,30 +7,39 @@ void makestagearrays(state &s, arrayscope &arrays)
 {
     makevaluearrays(s, arrays);
     arrays.make(s.haplo.globalrecomblocationmax, s.founders.nchrom);
-    editingdata &edit = s.editing;
-    for (array1<int64> *list : {&edit.qtnidsortedbyabsval, &edit.qtnidsortedbyabsvalchrom,
-                                &edit.qtnidsortedbyabsvalrecodedid, &edit.qtnforgeneditposneg,
-                                &edit.qtnidsortedbyabsvalmutindivid})
-        arrays.make(*list, s.qtn.ntotqtn);
+    const editingsettings &edit = s.editing;
+    editdata &edits = s.edits;
+    for (array1<int64> *list : {&edits.qtnidsortedbyabsval, &edits.qtnidsortedbyabsvalchrom,
+                                &edits.qtnidsortedbyabsvalrecodedid, &edits.qtnforgeneditposneg,
+                                &edits.qtnidsortedbyabsvalmutindivid})
+        arrays.make(*list, s.loci.ntotqtn);
+    arrays.make(edits.idofgenomeeditinds, edit.nindedited);
+    for (array2<int64> *table :
+         {&edits.genomeeditqtnpos, &edits.genomeeditqtnchrom, &edits.genomeeditqtnposneg})
+        arrays.make(*table, edit.nindedited, edit.ngeneditsperind);
+    arrays.hold(edits.genedriveqtnpresence);
     if (edit.genedriveonoff) allocatedriveflags(s);
 }
 
 void makecyclearrays(state &s, int64 currentgen, arrayscope &arrays)
 {
-    selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    cycledata &cycle = s.cycle;
     const bool qtnadded = sel.addqtntosnpchip == 1;
-    arrays.make(sel.fixedsnp, s.chips.nsnp + (qtnadded ? s.qtn.ntotqtn : 0));
-    arrays.make(sel.selectionvaratr, s.traits.ntraits);
-    arrays.make(sel.selectionvarate, s.traits.ntraits);
-    arrays.make(sel.estimatedbvtrait, sel.ntestindiv, s.traits.ntraits);
-    for (array1<double> *a : {&sel.estimatedbvrecomb, &sel.estimatedbvindex, &sel.estimatedbv})
-        arrays.make(*a, sel.ntestindiv);
+    arrays.make(cycle.fixedsnp, s.loci.nsnp + (qtnadded ? s.loci.ntotqtn : 0));
+    arrays.make(cycle.selectionvaratr, s.traits.ntraits);
+    arrays.make(cycle.selectionvarate, s.traits.ntraits);
+    arrays.make(cycle.estimatedbvtrait, cycle.ntestindiv, s.traits.ntraits);
+    for (array1<double> *a :
+         {&cycle.estimatedbvrecomb, &cycle.estimatedbvindex, &cycle.estimatedbv})
+        arrays.make(*a, cycle.ntestindiv);
     const int64 nselfed = s.pop.plantbreedonoff ? s.pop.nselfedparinthisgen(currentgen - 1) : 0;
-    arrays.make(s.editing.indivtobeedited,
+    arrays.make(s.edits.indivtobeedited,
                 nselfed > 0 ? nselfed : s.pop.nsireinthisgen(currentgen - 1));
     s.values.nindivinsimulrun = s.pop.nindivinthisgen(currentgen);
     makegenotypetables(s, arrays);
 
-    for (array1<int64> *a : {&sel.trainindicator, &sel.trainindiv, &sel.gender}) arrays.hold(*a);
-    for (array1<double> *a : {&sel.phenvaltrain, &sel.phenvalrecombtrain}) arrays.hold(*a);
+    for (array1<int64> *a : {&cycle.trainindicator, &cycle.trainindiv, &cycle.gender})
+        arrays.hold(*a);
+    for (array1<double> *a : {&cycle.phenvaltrain, &cycle.phenvalrecombtrain}) arrays.hold(*a);
 }

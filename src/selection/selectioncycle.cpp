@@ -58,11 +58,12 @@ void writeglobalrecomblocationmax(const state &s)
 // are left closed.
 void writechipdata(state &s, int64 selectioncycle, int64 currentgen)
 {
-    const selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    const cycledata &cycle = s.cycle;
     selectionchipfiles files = openchipfiles(s, selectioncycle);
     for (int64 m = 1; m <= currentgen - 1; ++m) {
         const bool train =
-            sel.selontbvyes1no0 == 0 && m >= sel.firsttmptraingen && m <= sel.lasttmptraingen;
+            sel.selontbvyes1no0 == 0 && m >= cycle.firsttmptraingen && m <= cycle.lasttmptraingen;
         const bool test = m == currentgen - 1;
         if (!train && !test) continue;
         const int64 startindiv = firstindivofgen(s, m), endindiv = lastindivofgen(s, m);
@@ -77,9 +78,10 @@ void writechipdata(state &s, int64 selectioncycle, int64 currentgen)
 // the pedigree's first generation.
 void computetrainingvariance(state &s, int64 selectedtrait)
 {
-    const selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    const cycledata &cycle = s.cycle;
     if (sel.selmethindicator == 2) {
-        computetrainingvara(s, selectedtrait, sel.starttrainindiv, sel.endtrainindiv);
+        computetrainingvara(s, selectedtrait, cycle.starttrainindiv, cycle.endtrainindiv);
         return;
     }
     const int64 pedtmpfirstgen = firstpedigreegen(s);
@@ -127,7 +129,7 @@ void evaluatetrait(state &s, int64 selectioncycle, int64 currentgen, int64 selec
 {
     const bool predicted = s.selection.selontbvyes1no0 == 0;
     determinetrainandtestdatasetsforselection(s, selectioncycle, selectedtrait);
-    s.selection.fixedsnp.fill(0);
+    s.cycle.fixedsnp.fill(0);
     // Without training data the file of the candidates is the same for all traits.
     if (predicted || selectedtrait == 1) writechipdata(s, selectioncycle, currentgen);
     if (predicted) estimatevalues(s, selectioncycle, selectedtrait);
@@ -186,24 +188,24 @@ void makegeneration(state &s, int64 currentgen, int64 startindiv, int64 endindiv
     if (s.selection.recombselonoff) computetbvrecomb(s, currentgen, startindiv, endindiv);
     computetpv(s, currentgen, startindiv, endindiv);
     if (s.selection.computeavercoancestryyes1no0 == 1)
-        computecoancestry(s, currentgen - s.pop.ngen, currentgen, s.selection.starttestindiv,
-                          s.selection.endtestindiv);
+        computecoancestry(s, currentgen - s.pop.ngen, currentgen, s.cycle.starttestindiv,
+                          s.cycle.endtestindiv);
 }
 
 // Accuracy and moments of the generation that no cycle will judge any more.
 void reportlastgeneration(state &s, int64 selectioncycle, int64 currentgen)
 {
-    selectiondata &sel = s.selection;
-    sel.starttestindiv = firstindivofgen(s, currentgen);
-    sel.endtestindiv = lastindivofgen(s, currentgen);
-    sel.ntestindiv = s.pop.nindivinthisgen(currentgen);
+    cycledata &cycle = s.cycle;
+    cycle.starttestindiv = firstindivofgen(s, currentgen);
+    cycle.endtestindiv = lastindivofgen(s, currentgen);
+    cycle.ntestindiv = s.pop.nindivinthisgen(currentgen);
     textline line;
     puta(line, "  Last Generation", 17);
     puti(line, currentgen, 4);
     printline(line);
     for (int64 t = 1; t <= s.traits.ntraits; ++t)
         computebvaccuracyandmoments(s, selectioncycle + 1, t);
-    sel.accuracyfile.close();
+    cycle.accuracyfile.close();
 }
 
 // False where the stage ends here, so that the user can write the pedigree of currentgen.
@@ -222,7 +224,7 @@ bool runcycle(state &s, int64 currentgen, int64 endgen)
         importexternalpedforcurrentselgen(s, selectioncycle, currentgen);
         return false;
     }
-    const int64 startindiv = s.selection.endtestindiv + 1;
+    const int64 startindiv = s.cycle.endtestindiv + 1;
     const int64 endindiv = startindiv + s.pop.nindivinthisgen(currentgen) - 1;
     if (imported)
         printline("");
@@ -238,7 +240,7 @@ bool runcycle(state &s, int64 currentgen, int64 endgen)
 
 void printoutselectiondetails(const state &s)
 {
-    const selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
     textline line;
     if (sel.selmethindicator == 3) printline(" Selection is performed using phenotypic values");
     if (sel.selmethindicator != 2) return;
@@ -248,10 +250,10 @@ void printoutselectiondetails(const state &s)
         printline(line);
         line.clear();
         puta(line, "with a total of", 17);
-        puti(line, s.chips.nsnp, 10);
+        puti(line, s.loci.nsnp, 10);
         puta(line, areqtnadded(s) ? " SNP and" : " SNP", areqtnadded(s) ? 8 : 4);
         if (areqtnadded(s)) {
-            puti(line, s.qtn.ntotqtn, 10);
+            puti(line, s.loci.ntotqtn, 10);
             puta(line, " QTN", 4);
         }
     } else if (sel.recombselonoff) {
@@ -270,7 +272,7 @@ void drophaploselection(state &s)
     makepedigreearrays(s, arrays);
     makechromarrays(s, arrays);
     readpedigreegender(s);
-    if (!isword(s.pedi.pedigreestatus, "internal")) readgenders(s);
+    if (!isword(s.pop.pedigreestatus, "internal")) readgenders(s);
     readsegsitesdatafromallchrom(s);
     makestagearrays(s, arrays);
 

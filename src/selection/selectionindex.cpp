@@ -28,46 +28,47 @@ double varianceorzero(const double *values, int64 n)
 
 void computetestvara(state &s, int64 selectedtrait)
 {
-    selectiondata &sel = s.selection;
-    const int64 n = sel.endtestindiv - sel.starttestindiv + 1;
-    sel.selectionvarate(selectedtrait) =
-        varianceorzero(sel.estimatedbvtrait.column(selectedtrait), n);
+    const selectionsettings &sel = s.selection;
+    cycledata &cycle = s.cycle;
+    const int64 n = cycle.endtestindiv - cycle.starttestindiv + 1;
+    cycle.selectionvarate(selectedtrait) =
+        varianceorzero(cycle.estimatedbvtrait.column(selectedtrait), n);
     if (sel.recombselonoff)
-        sel.selectionvararecombte = samplevariance(sel.estimatedbvrecomb.data(), n);
+        cycle.selectionvararecombte = samplevariance(cycle.estimatedbvrecomb.data(), n);
 }
 
-void switchrecombweight(state &s, int64 currentgen)
+double recombweight(const state &s, int64 currentgen)
 {
-    selectiondata &sel = s.selection;
-    if (currentgen > sel.ngenselectonrec + s.pop.ngen)
-        sel.recombindexwt = sel.recombindexwtlatergen;
+    const selectionsettings &sel = s.selection;
+    const bool later = currentgen > sel.ngenselectonrec + s.pop.ngen;
+    return later ? sel.recombindexwtlatergen : sel.recombindexwt;
 }
 
-void addrecombindex(state &s)
+void addrecombindex(state &s, double weight)
 {
-    selectiondata &sel = s.selection;
-    const double sdtrait = std::sqrt(sel.selectionvarate(1));
-    const double sdrecomb = std::sqrt(sel.selectionvararecombte);
-    for (int64 i = 1; i <= sel.ntestindiv; ++i)
-        sel.estimatedbvindex(i) = sel.estimatedbvtrait(i, 1) / sdtrait * (1 - sel.recombindexwt) +
-                                  sel.estimatedbvrecomb(i) / sdrecomb * sel.recombindexwt;
+    cycledata &cycle = s.cycle;
+    const double sdtrait = std::sqrt(cycle.selectionvarate(1));
+    const double sdrecomb = std::sqrt(cycle.selectionvararecombte);
+    for (int64 i = 1; i <= cycle.ntestindiv; ++i)
+        cycle.estimatedbvindex(i) = cycle.estimatedbvtrait(i, 1) / sdtrait * (1 - weight) +
+                                    cycle.estimatedbvrecomb(i) / sdrecomb * weight;
 }
 
 void addtraittoindex(state &s, int64 t)
 {
-    selectiondata &sel = s.selection;
-    const double sd = std::sqrt(sel.selectionvarate(t));
-    for (int64 i = 1; i <= sel.ntestindiv; ++i)
-        sel.estimatedbvindex(i) += sel.estimatedbvtrait(i, t) / sd * s.traits.indexwt(t);
+    cycledata &cycle = s.cycle;
+    const double sd = std::sqrt(cycle.selectionvarate(t));
+    for (int64 i = 1; i <= cycle.ntestindiv; ++i)
+        cycle.estimatedbvindex(i) += cycle.estimatedbvtrait(i, t) / sd * s.traits.indexwt(t);
 }
 
 void writeselectionindex(const state &s, int64 selectioncycle)
 {
     outfile out(cyclefolder(selectioncycle) + "SelectionIndex.txt");
     textline line;
-    for (int64 i = 1; i <= s.selection.ntestindiv; ++i) {
-        puti(line, s.selection.starttestindiv + i - 1, 20);
-        putf(line, s.selection.estimatedbvindex(i), 20, 10);
+    for (int64 i = 1; i <= s.cycle.ntestindiv; ++i) {
+        puti(line, s.cycle.starttestindiv + i - 1, 20);
+        putf(line, s.cycle.estimatedbvindex(i), 20, 10);
         out.writeline(line);
     }
     out.close();
@@ -76,33 +77,32 @@ void writeselectionindex(const state &s, int64 selectioncycle)
 
 void computetrainingvara(state &s, int64 selectedtrait, int64 firstid, int64 lastid)
 {
-    selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    cycledata &cycle = s.cycle;
     const int64 n = lastid - firstid + 1;
     const double *const tbv = s.values.tbv.column(s.qtn.qtnmodel, selectedtrait);
-    sel.selectionvaratr(selectedtrait) = varianceorzero(tbv + firstid - 1, n);
+    cycle.selectionvaratr(selectedtrait) = varianceorzero(tbv + firstid - 1, n);
     if (sel.recombselonoff)
-        sel.selectionvararecombtr = samplevariance(s.values.tbvrecombz.data() + firstid - 1, n);
+        cycle.selectionvararecombtr = samplevariance(s.values.tbvrecombz.data() + firstid - 1, n);
 }
 
 void computeselectionindex(state &s, int64 selectioncycle, int64 currentgen)
 {
-    selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    cycledata &cycle = s.cycle;
     const bool severaltraits = s.traits.ntraits > 1;
     for (int64 t = 1; t <= s.traits.ntraits; ++t) {
         computetestvara(s, t);
-        if (sel.recombselonoff) {
-            switchrecombweight(s, currentgen);
-            addrecombindex(s);
-        }
+        if (sel.recombselonoff) addrecombindex(s, recombweight(s, currentgen));
         if (severaltraits) addtraittoindex(s, t);
     }
     if (sel.recombselonoff || severaltraits) {
-        std::copy(sel.estimatedbvindex.begin(), sel.estimatedbvindex.end(),
-                  sel.estimatedbv.begin());
+        std::copy(cycle.estimatedbvindex.begin(), cycle.estimatedbvindex.end(),
+                  cycle.estimatedbv.begin());
         writeselectionindex(s, selectioncycle);
     } else {
-        const double *estimates = sel.estimatedbvtrait.column(1);
-        std::copy(estimates, estimates + sel.ntestindiv, sel.estimatedbv.begin());
+        const double *estimates = cycle.estimatedbvtrait.column(1);
+        std::copy(estimates, estimates + cycle.ntestindiv, cycle.estimatedbv.begin());
     }
-    sel.accuracyfile.close();
+    cycle.accuracyfile.close();
 }

@@ -11,19 +11,19 @@ namespace
 {
 void setrange(state &s, int64 firstgen, int64 lastgen)
 {
-    selectiondata &sel = s.selection;
-    sel.firsttmptraingen = firstgen;
-    sel.lasttmptraingen = lastgen;
+    cycledata &cycle = s.cycle;
+    cycle.firsttmptraingen = firstgen;
+    cycle.lasttmptraingen = lastgen;
     const int64 ngenerations = s.pop.ngen + s.pop.ngensel;
-    sel.starttrainindiv =
+    cycle.starttrainindiv =
         s.pop.cumindivnbtogen(std::clamp<int64>(firstgen - 1, 0, ngenerations)) + 1;
-    sel.endtrainindiv = s.pop.cumindivnbtogen(std::clamp<int64>(lastgen, 0, ngenerations));
+    cycle.endtrainindiv = s.pop.cumindivnbtogen(std::clamp<int64>(lastgen, 0, ngenerations));
 }
 
 int64 malesinrange(const state &s)
 {
     int64 nmales = 0;
-    for (int64 j = 1; j <= s.selection.lasttmptraingen; ++j) nmales += s.pop.nmalinthisgen(j);
+    for (int64 j = 1; j <= s.cycle.lasttmptraingen; ++j) nmales += s.pedi.nmalinthisgen(j);
     return nmales;
 }
 
@@ -40,11 +40,13 @@ void stopiftrainingtoolate(const state &s, int64 lastallowed, int64 code)
 
 void setrandomrange(state &s, int64 currentgen)
 {
-    selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    cycledata &cycle = s.cycle;
     setrange(s, sel.firsttraingenrp, sel.lasttraingenrp);
-    sel.ntrainindivmax = std::max<int64>(sel.endtrainindiv - sel.starttrainindiv + 1, 0);
-    sel.trainindicator.allocate(sel.ntrainindivmax);
-    if (sel.ntrainindiv > sel.ntrainindivmax) {
+    cycle.ntrainindivmax = std::max<int64>(cycle.endtrainindiv - cycle.starttrainindiv + 1, 0);
+    cycle.trainindicator.allocate(cycle.ntrainindivmax);
+    cycle.ntrainindiv = sel.ntrainindiv;
+    if (cycle.ntrainindiv > cycle.ntrainindivmax) {
         printline("ERROR: There is not enough individuals in the pedigree to constitute the "
                   "training dataset");
         stopwithcode(110004);
@@ -83,10 +85,10 @@ std::vector<int64> readtrainindiv(const state &s)
 // generation 2 and leaves the range as wide as the run where it finds nothing.
 void setspecifiedrange(state &s)
 {
-    selectiondata &sel = s.selection;
+    cycledata &cycle = s.cycle;
     const std::vector<int64> rows = readtrainindiv(s);
-    sel.trainindiv.allocate(static_cast<int64>(rows.size()));
-    std::copy(rows.begin(), rows.end(), sel.trainindiv.begin());
+    cycle.trainindiv.allocate(static_cast<int64>(rows.size()));
+    std::copy(rows.begin(), rows.end(), cycle.trainindiv.begin());
     const auto [lowest, highest] = std::minmax_element(rows.begin(), rows.end());
     const auto isin = [&](int64 row, int64 gen) {
         return row >= firstindivofgen(s, gen) && row <= lastindivofgen(s, gen);
@@ -101,28 +103,29 @@ void setspecifiedrange(state &s)
         }
     }
     setrange(s, firstgen, lastgen);
-    sel.ntrainindiv = sel.endtrainindiv - sel.starttrainindiv + 1;
+    cycle.ntrainindiv = cycle.endtrainindiv - cycle.starttrainindiv + 1;
 }
 
 void settrainingrange(state &s, int64 currentgen)
 {
-    selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    cycledata &cycle = s.cycle;
     switch (sel.selphenstrat) {
     case 1:
         setrange(s, 1, currentgen - 1);
-        sel.ntrainindiv = sel.endtrainindiv;
+        cycle.ntrainindiv = cycle.endtrainindiv;
         break;
     case 2:
         setrange(s, 1, currentgen - 2);
-        sel.ntrainindiv = sel.endtrainindiv;
+        cycle.ntrainindiv = cycle.endtrainindiv;
         break;
     case 3:
         setrange(s, currentgen - 2, currentgen - 2);
-        sel.ntrainindiv = s.pop.nindivinthisgen(currentgen - 2);
+        cycle.ntrainindiv = s.pop.nindivinthisgen(currentgen - 2);
         break;
     case 4:
         setrange(s, 1, sel.recombselonoff ? currentgen - 2 : currentgen - 1);
-        sel.ntrainindiv = malesinrange(s);
+        cycle.ntrainindiv = malesinrange(s);
         break;
     case 5:
         setrandomrange(s, currentgen);
@@ -132,19 +135,20 @@ void settrainingrange(state &s, int64 currentgen)
         break;
     default:
         setrange(s, 0, 0);
+        cycle.ntrainindiv = sel.ntrainindiv;
         break; // no training data of this run's own
     }
 }
 
 void settestset(state &s, int64 currentgen)
 {
-    selectiondata &sel = s.selection;
-    sel.starttestindiv = firstindivofgen(s, currentgen - 1);
-    sel.endtestindiv = lastindivofgen(s, currentgen - 1);
-    sel.ntestindiv = s.pop.nindivinthisgen(currentgen - 1);
-    sel.gender.allocate(sel.ntestindiv);
-    for (int64 i = 1; i <= sel.ntestindiv; ++i)
-        sel.gender(i) = s.pedi.globalgender(sel.starttestindiv + i - 1);
+    cycledata &cycle = s.cycle;
+    cycle.starttestindiv = firstindivofgen(s, currentgen - 1);
+    cycle.endtestindiv = lastindivofgen(s, currentgen - 1);
+    cycle.ntestindiv = s.pop.nindivinthisgen(currentgen - 1);
+    cycle.gender.allocate(cycle.ntestindiv);
+    for (int64 i = 1; i <= cycle.ntestindiv; ++i)
+        cycle.gender(i) = s.pedi.globalgender(cycle.starttestindiv + i - 1);
 }
 } // namespace
 
@@ -160,8 +164,8 @@ void computedescriptvariablesforselection(state &s, int64 selectioncycle, int64 
     settrainingrange(s, currentgen);
     settestset(s, currentgen);
     if (s.editing.geneditonoff) {
-        s.editing.idofgenomeeditinds.fill(0);
-        s.editing.genomeeditqtnpos.fill(0);
-        s.editing.genomeeditqtnchrom.fill(0);
+        s.edits.idofgenomeeditinds.fill(0);
+        s.edits.genomeeditqtnpos.fill(0);
+        s.edits.genomeeditqtnchrom.fill(0);
     }
 }

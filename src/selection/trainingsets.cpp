@@ -25,7 +25,7 @@ void readtruevalues(state &s)
     std::vector<double> values(static_cast<std::size_t>(3 * n));
     infile in("./SimulatedData/PedigreeTbvTdvTpv.txt");
     in.skiprecords(1);
-    for (int64 i = 1; i <= s.selection.endtestindiv; ++i) {
+    for (int64 i = 1; i <= s.cycle.endtestindiv; ++i) {
         in.record();
         in.skipwords(4);
         in.reals(values.data(), 3 * n);
@@ -44,7 +44,7 @@ void readrecombination(state &s)
     if (s.selection.recombselonoff) {
         infile in("./SimulatedData/PedigreeTbvRecombination.txt");
         in.skiprecords(1);
-        for (int64 i = 1; i <= s.selection.endtestindiv; ++i) {
+        for (int64 i = 1; i <= s.cycle.endtestindiv; ++i) {
             double values[2];
             in.record();
             in.skipwords(4);
@@ -57,7 +57,7 @@ void readrecombination(state &s)
     }
     s.values.recombperindperchr.fill(s.founders.morgans);
     infile in("./SimulatedData/RecombinationCount.txt");
-    for (int64 i = 1; i <= s.selection.endtestindiv; ++i) {
+    for (int64 i = 1; i <= s.cycle.endtestindiv; ++i) {
         in.record();
         in.skipwords(1);
         for (int64 side = 1; side <= 2; ++side) s.haplo.recombcount(i, side) = in.integer();
@@ -76,7 +76,7 @@ template <class T> void writetestfile(const state &s, const std::string &path, c
 {
     outfile out(path);
     textline line;
-    for (int64 i = s.selection.starttestindiv; i <= s.selection.endtestindiv; ++i)
+    for (int64 i = s.cycle.starttestindiv; i <= s.cycle.endtestindiv; ++i)
         writevalue(out, line, s.pedi.ped(i).newid, valueof(i));
     out.close();
 }
@@ -88,8 +88,7 @@ void writetrainfile(const state &s, const std::string &path, const array1<double
     textline line;
     for (int64 k = 1; k <= phenotypes.size(); ++k)
         if (phenotypes(k) != -99)
-            writevalue(out, line, s.pedi.ped(s.selection.starttrainindiv + k - 1).newid,
-                       phenotypes(k));
+            writevalue(out, line, s.pedi.ped(s.cycle.starttrainindiv + k - 1).newid, phenotypes(k));
     out.close();
 }
 
@@ -103,53 +102,57 @@ double recombphenotype(const state &s, int64 i)
 // Strategy 5: a random subset of the range keeps its phenotypes, drawn anew for every trait.
 void drawtrainindicator(state &s)
 {
-    selectiondata &sel = s.selection;
-    array1<int64> tmpwrk(sel.ntrainindivmax);
-    randomorder(tmpwrk, sel.ntrainindivmax, s.random);
-    sel.trainindicator.fill(0);
-    for (int64 k = 1; k <= sel.ntrainindiv; ++k) sel.trainindicator(tmpwrk(k)) = 1;
+    cycledata &cycle = s.cycle;
+    array1<int64> tmpwrk(cycle.ntrainindivmax);
+    randomorder(tmpwrk, cycle.ntrainindivmax, s.random);
+    cycle.trainindicator.fill(0);
+    for (int64 k = 1; k <= cycle.ntrainindiv; ++k) cycle.trainindicator(tmpwrk(k)) = 1;
 }
 
 // Whether the individual at place k of the range is phenotyped, under strategies 1 to 5.
 bool isphenotyped(const state &s, int64 k)
 {
-    const selectiondata &sel = s.selection;
-    if (sel.selphenstrat == 4) return s.pedi.globalgender(sel.starttrainindiv + k - 1) != 2;
-    if (sel.selphenstrat == 5) return sel.trainindicator(k) == 1;
+    const selectionsettings &sel = s.selection;
+    const cycledata &cycle = s.cycle;
+    if (sel.selphenstrat == 4) return s.pedi.globalgender(cycle.starttrainindiv + k - 1) != 2;
+    if (sel.selphenstrat == 5) return cycle.trainindicator(k) == 1;
     return true;
 }
 
 template <class T> void fillphenotypes(state &s, array1<double> &phenotypes, const T &valueof)
 {
-    const selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    const cycledata &cycle = s.cycle;
     phenotypes.fill(-99);
     if (sel.selphenstrat == 6) {
-        for (const int64 r : sel.trainindiv) phenotypes(r - sel.starttrainindiv + 1) = valueof(r);
+        for (const int64 r : cycle.trainindiv)
+            phenotypes(r - cycle.starttrainindiv + 1) = valueof(r);
         return;
     }
     for (int64 k = 1; k <= phenotypes.size(); ++k)
-        if (isphenotyped(s, k)) phenotypes(k) = valueof(sel.starttrainindiv + k - 1);
+        if (isphenotyped(s, k)) phenotypes(k) = valueof(cycle.starttrainindiv + k - 1);
 }
 
 void filltrainingphenotypes(state &s, int64 selectedtrait)
 {
-    selectiondata &sel = s.selection;
+    const selectionsettings &sel = s.selection;
+    cycledata &cycle = s.cycle;
     if (selectedtrait == 1) {
-        const int64 n = sel.endtrainindiv - sel.starttrainindiv + 1;
-        sel.phenvaltrain.allocate(n);
-        if (sel.recombselonoff) sel.phenvalrecombtrain.allocate(n);
+        const int64 n = cycle.endtrainindiv - cycle.starttrainindiv + 1;
+        cycle.phenvaltrain.allocate(n);
+        if (sel.recombselonoff) cycle.phenvalrecombtrain.allocate(n);
     }
     if (sel.selphenstrat == 5) drawtrainindicator(s);
-    fillphenotypes(s, sel.phenvaltrain,
+    fillphenotypes(s, cycle.phenvaltrain,
                    [&](int64 i) { return s.values.tpv(i, s.qtn.qtnmodel, selectedtrait); });
     if (sel.recombselonoff)
-        fillphenotypes(s, sel.phenvalrecombtrain, [&](int64 i) { return recombphenotype(s, i); });
+        fillphenotypes(s, cycle.phenvalrecombtrain, [&](int64 i) { return recombphenotype(s, i); });
 }
 
 // The training pedigree: its first generation counts as founders, and its rows are numbered from 1.
 void writetrainingpedigree(const state &s, outfile &out, int64 selectioncycle)
 {
-    const selectiondata &sel = s.selection;
+    const cycledata &cycle = s.cycle;
     const int64 tmpfirstgen = firstpedigreegen(s);
     const int64 pedfirstindiv = firstindivofgen(s, tmpfirstgen);
     const int64 pedfirstgenlastindiv = lastindivofgen(s, tmpfirstgen);
@@ -161,8 +164,8 @@ void writetrainingpedigree(const state &s, outfile &out, int64 selectioncycle)
         for (const int64 id : {row.newid, known ? row.newsire : 0, known ? row.newdam : 0})
             puti(line, std::max<int64>(id - pedfirstindiv + 1, 0), 10);
         puti(line, 1, 10);
-        const bool inrange = i >= sel.starttrainindiv && i <= sel.endtrainindiv;
-        putf(line, inrange ? sel.phenvaltrain(i - sel.starttrainindiv + 1) : -99, 20, 10);
+        const bool inrange = i >= cycle.starttrainindiv && i <= cycle.endtrainindiv;
+        putf(line, inrange ? cycle.phenvaltrain(i - cycle.starttrainindiv + 1) : -99, 20, 10);
         out.writeline(line);
     }
 }
@@ -184,9 +187,9 @@ void writetrainingdata(const state &s, const std::string &folder, int64 selectio
                        int64 selectedtrait)
 {
     writetrainfile(s, folder + "SelectionPhenTrain" + traitsuffix(s, selectedtrait) + ".txt",
-                   s.selection.phenvaltrain);
+                   s.cycle.phenvaltrain);
     if (s.selection.recombselonoff)
-        writetrainfile(s, folder + "SelectionPhenRecombTrain.txt", s.selection.phenvalrecombtrain);
+        writetrainfile(s, folder + "SelectionPhenRecombTrain.txt", s.cycle.phenvalrecombtrain);
     outfile pedigree(folder + "PedigreeBlupTrain" + numbertext(selectedtrait) + ".txt");
     if (s.selection.selmethindicator == 1) writetrainingpedigree(s, pedigree, selectioncycle);
     pedigree.close();

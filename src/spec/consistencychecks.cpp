@@ -31,7 +31,7 @@ void checkgenerationsandscheme(const specreader &r)
     if (s.pop.ngensel == 0 && s.pop.ngen == 0)
         refuse(100001,
                {"ERROR- NumberGenerationsBurnIn and NumberGenerationsSelection can't both be 0"});
-    if (isword(s.pedi.pedigreestatus, "internal")) {
+    if (isword(s.pop.pedigreestatus, "internal")) {
         if (isword(r.animalbreeding, "off") && isword(r.plantbreeding, "off"))
             refuse(100002, {"ERROR: When using an internal pedigree, either AnimalBreedingOnOff or",
                             "PlantBreedingOnOff must be On."});
@@ -63,7 +63,7 @@ void checkchips(const specreader &r)
 
 void checkmutations(const state &s)
 {
-    if (s.sites.ndenovomutperchr <= 0) return;
+    if (s.founders.ndenovomutperchr <= 0) return;
     printlines({"Insert mutations in chromosomes",
                 "ERROR: This option is not available at the moment",
                 " NOTE: Please provide a value for the proportion of mutational in base additive "
@@ -79,7 +79,7 @@ void checkmutations(const state &s)
 
 void checkqtn(state &s)
 {
-    qtndata &qtn = s.qtn;
+    qtnsettings &qtn = s.qtn;
     if (qtn.nqtnperchrom == 0 && qtn.nqtngammaperchrom == 0)
         refuse(100011, {"ERROR: NbOfQtnPerChromNormalDist or NbOfQtnPerChromGammaDist",
                         "must be greater than zero"});
@@ -96,7 +96,7 @@ void checkqtn(state &s)
 void checkediting(const state &s)
 {
     if (!s.editing.geneditonoff) return;
-    if (!isword(s.pedi.pedigreestatus, "internal"))
+    if (!isword(s.pop.pedigreestatus, "internal"))
         printline("ERROR: Gene editing is not allowed with external pedigrees");
     if (s.run.genflexibilityonoff && s.run.specstartgen > 1)
         printlines(
@@ -147,7 +147,7 @@ void setqtnmodel(specreader &r)
 
 void checkphenotypicselection(const specreader &r)
 {
-    const selectiondata &sel = r.s.selection;
+    const selectionsettings &sel = r.s.selection;
     if (sel.selmethindicator == 3 && sel.recombselonoff)
         refuse(100015, {"ERROR: Phenotypic selection is not compatible",
                         "with selection for the recombination rate"});
@@ -202,7 +202,7 @@ void checkexternalsolutions(const specreader &r, int64 code)
 
 void settrainingdata(specreader &r)
 {
-    selectiondata &sel = r.s.selection;
+    selectionsettings &sel = r.s.selection;
     if (sel.lasttraingenrp < sel.firsttraingenrp)
         refuse(100024, {"ERROR: The first and last training generations for the",
                         "RandomPhenotypes phenotyping strategy are incorrectly set"});
@@ -300,7 +300,7 @@ void checkcontributions(const state &s)
 
 void checkheritabilities(const state &s)
 {
-    const double recomb = s.values.heritrecomb;
+    const double recomb = s.traits.heritrecomb;
     if (s.selection.recombselonoff && !(recomb >= 0 && recomb < 1))
         failkey("heritabilityofrecombination");
     for (int64 t = 1; t <= s.traits.ntraits; ++t)
@@ -311,7 +311,7 @@ void checkheritabilities(const state &s)
 void checkcompulsorykeys(const specreader &r)
 {
     const state &s = r.s;
-    if (s.pedi.pedigreestatus.empty()) failkey("pedigreestatus");
+    if (s.pop.pedigreestatus.empty()) failkey("pedigreestatus");
     if (s.pop.ngen == 0) failkey("numbergenerationsburnin");
     if (s.pop.ngensel == -1) failkey("numbergenerationsselection");
     const int64 ngenerations = s.pop.ngen + s.pop.ngensel;
@@ -344,11 +344,9 @@ void checkreach(const specreader &r)
     if (s.editing.nindedited > 0 && s.editing.ngeneditsperind > 0 && !r.b4)
         failkey("numberofeditedindividuals");
     if (s.selection.recombselonoff &&
-        (s.qtn.ntotqtnrecomb == 0 ||
-         s.qtn.ntotqtnrecomb != s.founders.nchrom * s.qtn.nqtnrecombperchrom))
+        (r.ntotqtnrecomb == 0 || r.ntotqtnrecomb != s.founders.nchrom * s.qtn.nqtnrecombperchrom))
         failkey("numberofqtnperchromforrecombination");
-    const driveflags &flags = s.editing.genedriveqtnpresence;
-    if (s.editing.genedriveonoff && (flags.nindiv() != s.pop.nindivp || flags.nqtn() != s.qtn.nqtn))
+    if (s.editing.genedriveonoff && (r.driveindiv != s.pop.nindivp || r.driveqtn != s.qtn.nqtn))
         failkey("genedriveonoff");
 }
 } // namespace

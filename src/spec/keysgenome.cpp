@@ -163,7 +163,7 @@ const speckey keys[] = {
     {"numberofqtnperchromosomegammadist", 72, "numberofqtnperchromosomegammadist not set properly",
      [](specreader &r) { r.s.qtn.nqtngammaperchrom = valueinteger(r, 1); }},
     {"numberofmutationsperchr", 73, "numberofmutationsperchr not set properly",
-     [](specreader &r) { r.s.sites.ndenovomutperchr = valueinteger(r, 1); }},
+     [](specreader &r) { r.s.founders.ndenovomutperchr = valueinteger(r, 1); }},
     {"mutationalvarianceproportion", 74, "mutationalvarianceproportion not set properly",
      [](specreader &r) { r.s.qtn.varamutprop = valuereal(r, 1, 0); }},
     {"minmaxallelefreqformodel2and4", 75, "minmaxallelefreqformodel2and4 not set properly",

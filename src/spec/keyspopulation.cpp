@@ -46,9 +46,8 @@ void readparentnumbers(specreader &r, array1<int64> &numbers, std::string_view n
 
 void readpedigreestatus(specreader &r)
 {
-    r.s.pedi.pedigreestatus = valuepath(r, 1);
-    if (!isword(r.s.pedi.pedigreestatus, "internal"))
-        r.s.pedi.pedigreefile = r.s.pedi.pedigreestatus;
+    r.s.pop.pedigreestatus = valuepath(r, 1);
+    if (!isword(r.s.pop.pedigreestatus, "internal")) r.s.pop.pedigreefile = r.s.pop.pedigreestatus;
 }
 
 void readnumberofindividuals(specreader &r)

@@ -16,7 +16,7 @@ void readrecombination(specreader &r)
 
 void readgeneediting(specreader &r)
 {
-    editingdata &editing = r.s.editing;
+    editingsettings &editing = r.s.editing;
     editing.geneditonoff = valueis(r, "on");
     if (editing.geneditonoff) return;
     editing.nindedited = 0;
@@ -29,12 +29,12 @@ const speckey keys[] = {
     // Box 8
     {"recombinationonoff", 81, "RecombinationOnOff not set properly", readrecombination},
     {"heritabilityofrecombination", 82, "HeritabilityOfRecombination not set properly",
-     [](specreader &r) { r.s.values.heritrecomb = valuereal(r, 1); }},
+     [](specreader &r) { r.s.traits.heritrecomb = valuereal(r, 1); }},
     {"numberofqtnperchromforrecombination", 83,
      "NumberOfQtnPerChromForRecombination not set properly",
      [](specreader &r) {
          r.s.qtn.nqtnrecombperchrom = valueinteger(r, 1);
-         r.s.qtn.ntotqtnrecomb = r.s.founders.nchrom * r.s.qtn.nqtnrecombperchrom;
+         r.ntotqtnrecomb = r.s.founders.nchrom * r.s.qtn.nqtnrecombperchrom;
      }},
     {"initialrecombinationindexweight", 84, "InitialRecombinationIndexWeight not set properly",
      [](specreader &r) { r.s.selection.recombindexwt = valuereal(r, 1); }},
@@ -65,14 +65,14 @@ const speckey keys[] = {
          if (r.b9) return;
          int64 n = r.s.editing.nindedited;
          tryinteger(r, 1, n);
-         if (r.b4 && n > r.s.editing.idofgenomeeditinds.upper()) failkey(r);
+         if (r.b4 && n > r.maxedited) failkey(r);
          r.s.editing.nindedited = n;
      }},
     {"numberofgeneeditsperindividual", 94, "NumberOfGeneEditsPerIndividual not set properly",
      [](specreader &r) {
          if (r.b9) return;
          const int64 n = valueinteger(r, 1);
-         if (r.b4 && n > r.s.editing.genomeeditqtnpos.extent2().hi) failkey(r);
+         if (r.b4 && n > r.maxedits) failkey(r);
          r.s.editing.ngeneditsperind = n;
      }},
     {"performgeonuserqtnselectionyesno", 95, "PerformGEOnUserQtnSelectionYesNo not set properly",

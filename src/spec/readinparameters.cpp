@@ -41,14 +41,12 @@ void makechiparray(specreader &r)
 
 void makeeditarrays(specreader &r)
 {
-    editingdata &e = r.s.editing;
+    editingsettings &e = r.s.editing;
     if (e.nindedited <= 0 || e.ngeneditsperind <= 0) return;
-    constexpr int64 maxedits = 100000000; // three tables of 8 bytes each
-    if (e.nindedited > maxedits / e.ngeneditsperind) failkey("numberofgeneeditsperindividual");
-    e.idofgenomeeditinds.allocate(e.nindedited);
-    for (array2<int64> *table :
-         {&e.genomeeditqtnpos, &e.genomeeditqtnchrom, &e.genomeeditqtnposneg})
-        table->allocate(e.nindedited, e.ngeneditsperind);
+    constexpr int64 mostedits = 100000000; // three tables of 8 bytes each
+    if (e.nindedited > mostedits / e.ngeneditsperind) failkey("numberofgeneeditsperindividual");
+    r.maxedited = e.nindedited;
+    r.maxedits = e.ngeneditsperind;
     r.b4 = true;
 }
 
@@ -59,7 +57,8 @@ void makegenedrivearray(specreader &r)
     const int64 nsites = r.s.founders.nchrom * r.s.qtn.nqtnperchrom;
     constexpr int64 maxbytes = int64{1} << 40;
     if (nsites > 0 && nindiv > maxbytes / 2 / nsites) failkey("genedriveonoff");
-    r.s.editing.genedriveqtnpresence.allocate(nindiv, nsites);
+    r.driveindiv = nindiv;
+    r.driveqtn = nsites;
     r.gdchecker = true;
 }
 
@@ -70,12 +69,7 @@ void maketraitarrays(specreader &r)
     if (n <= 0) return;
     for (array1<double> *list : {&traits.indexwt, &traits.herit, &traits.varaspec})
         list->allocate(n);
-    for (array2<double> *matrix :
-         {&traits.coraspec, &traits.core, &traits.covaspec, &traits.cholcovaspec})
-        matrix->allocate(n, n);
-    // Four planes, also where the checks later find that two models are enough.
-    for (array3<double> *planes : {&traits.cove, &traits.cholcove})
-        planes->allocate(r.s.qtn.nqtnmodels, n, n);
+    for (array2<double> *matrix : {&traits.coraspec, &traits.core}) matrix->allocate(n, n);
     r.b5 = true;
 }
 

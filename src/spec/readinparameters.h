@@ -13,9 +13,7 @@
 //
 // Makes (lifetime Run): cumindivnbtogen, nindivinthisgen (0 to ngen+ngensel); nsireinthisgen,
 //   ndaminthisgen, nrandparinthisgen, nselfedparinthisgen; createdhinthisgen; nsnpperchipperchrom;
-//   idofgenomeeditinds, genomeeditqtnpos, genomeeditqtnchrom, genomeeditqtnposneg;
-//   genedriveqtnpresence; indexwt, herit, varaspec, coraspec, core, covaspec, cholcovaspec, cove,
-//   cholcove. All entries 0.
+//   indexwt, herit, varaspec, coraspec, core. All entries 0.
 // Draws: none.
 // Stops: 11 to 1012 for keys, 100000 for a record that is neither key nor matrix row, 100001 to
 //   100033 and plain stops for settings that contradict each other; an I/O error if there is no

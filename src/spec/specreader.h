@@ -34,8 +34,11 @@ struct specreader {
     std::vector<std::string> second;
     const speckey *key = nullptr;
     // Counters.
-    int64 box = 0;                // box lines met
-    int64 incora = 0, incore = 0; // next row of the genetic and residual matrix; 0 for none
+    int64 ntotqtnrecomb = 0;            // recombination QTN as the key found the chromosomes
+    int64 maxedited = 0, maxedits = 0;  // individuals and edits when the edits were set up
+    int64 driveindiv = 0, driveqtn = 0; // the same of the drives
+    int64 box = 0;                      // box lines met
+    int64 incora = 0, incore = 0;       // next row of the genetic and residual matrix; 0 for none
     // One-shot array set-ups that have run: generations, doubled haploids, chips, edits, traits,
     // gene drive.
     bool b1 = false, b2 = false, b3 = false, b4 = false, b5 = false, gdchecker = false;

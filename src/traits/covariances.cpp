@@ -25,16 +25,17 @@ void factor(array2<double> &matrix, int64 n, const char *which)
 
 void workoutresidual(state &s, int64 p)
 {
-    traitsettings &t = s.traits;
+    const traitsettings &t = s.traits;
     array2<double> slice(t.ntraits, t.ntraits);
     for (int64 j = 1; j <= t.ntraits; ++j)
         for (int64 h = 1; h <= t.ntraits; ++h) {
-            t.cove(p, j, h) = t.core(j, h) * std::sqrt(s.values.vare(p, j) * s.values.vare(p, h));
-            slice(j, h) = t.cove(p, j, h);
+            s.values.cove(p, j, h) =
+                t.core(j, h) * std::sqrt(s.values.vare(p, j) * s.values.vare(p, h));
+            slice(j, h) = s.values.cove(p, j, h);
         }
     factor(slice, t.ntraits, "Residual");
     for (int64 j = 1; j <= t.ntraits; ++j)
-        for (int64 h = 1; h <= t.ntraits; ++h) t.cholcove(p, j, h) = slice(j, h);
+        for (int64 h = 1; h <= t.ntraits; ++h) s.values.cholcove(p, j, h) = slice(j, h);
 }
 
 void writeresidualfactor(const state &s, int64 p)
@@ -43,7 +44,7 @@ void writeresidualfactor(const state &s, int64 p)
                 ".txt");
     textline line;
     for (int64 j = 1; j <= s.traits.ntraits; ++j) {
-        for (int64 h = 1; h <= j; ++h) putfree(line, s.traits.cholcove(p, j, h));
+        for (int64 h = 1; h <= j; ++h) putfree(line, s.values.cholcove(p, j, h));
         out.writeline(line);
     }
     out.close();
@@ -52,13 +53,13 @@ void writeresidualfactor(const state &s, int64 p)
 
 void workoutgeneticcovariances(state &s)
 {
-    traitsettings &t = s.traits;
+    const traitsettings &t = s.traits;
     for (int64 j = 1; j <= t.ntraits; ++j)
         for (int64 h = 1; h <= t.ntraits; ++h) {
-            t.covaspec(j, h) = t.coraspec(j, h) * std::sqrt(t.varaspec(j) * t.varaspec(h));
-            t.cholcovaspec(j, h) = t.covaspec(j, h);
+            s.values.covaspec(j, h) = t.coraspec(j, h) * std::sqrt(t.varaspec(j) * t.varaspec(h));
+            s.values.cholcovaspec(j, h) = s.values.covaspec(j, h);
         }
-    factor(t.cholcovaspec, t.ntraits, "Genetic");
+    factor(s.values.cholcovaspec, t.ntraits, "Genetic");
 }
 
 void workoutresidualcovariances(state &s)

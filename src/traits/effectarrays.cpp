@@ -4,7 +4,7 @@ namespace
 {
 void makeperqtn(state &s, arrayscope &arrays)
 {
-    qtndata &q = s.qtn;
+    locusdata &q = s.loci;
     for (array1<int64> *a : {&q.qtngamma, &q.allqtnidunres, &q.allqtnidrestr, &q.allqtnmutindunres,
                              &q.allqtnmutindrestr, &q.mutindivunres, &q.mutindivrestr})
         arrays.make(*a, q.ntotqtn);
@@ -15,7 +15,7 @@ void makeperqtn(state &s, arrayscope &arrays)
 
 void makedegrees(state &s, arrayscope &arrays)
 {
-    qtndata &q = s.qtn;
+    locusdata &q = s.loci;
     for (array2<double> *a :
          {&q.domdegnormalunres, &q.domdegnormalrestr, &q.domdeggammaunrestr, &q.domdeggammarestr})
         arrays.make(*a, q.ntotqtn, s.traits.ntraits);
@@ -23,7 +23,7 @@ void makedegrees(state &s, arrayscope &arrays)
 
 void makerecombination(state &s, arrayscope &arrays)
 {
-    qtndata &q = s.qtn;
+    locusdata &q = s.loci;
     arrays.make(q.allqtnidrecomb, q.ntotqtnrecomb);
     for (array1<double> *a :
          {&q.allqtnmafrecomb, &q.allqtnfreqrecomb, &q.allqtnposrecomb, &q.addeffrecomb})
@@ -33,7 +33,7 @@ void makerecombination(state &s, arrayscope &arrays)
 
 void makeadditivearrays(state &s, arrayscope &arrays)
 {
-    qtndata &q = s.qtn;
+    locusdata &q = s.loci;
     for (array2<double> *a :
          {&q.addeffnormalunres, &q.addeffnormalrestr, &q.addeffgammaunrestr, &q.addeffgammarestr,
           &q.alphanormalunres, &q.alphanormalrestr, &q.alphagammaunrestr, &q.alphagammarestr})
@@ -42,7 +42,7 @@ void makeadditivearrays(state &s, arrayscope &arrays)
 
 void makedominancearrays(state &s, arrayscope &arrays)
 {
-    qtndata &q = s.qtn;
+    locusdata &q = s.loci;
     for (array2<double> *a :
          {&q.domeffnormalunres, &q.domeffnormalrestr, &q.domeffgammaunres, &q.domeffgammarestr})
         arrays.make(*a, q.ntotqtn, s.traits.ntraits);
@@ -51,6 +51,8 @@ void makedominancearrays(state &s, arrayscope &arrays)
 void makeeffectarrays(state &s, arrayscope &arrays)
 {
     makeperqtn(s, arrays);
+    for (array2<double> *matrix : {&s.values.covaspec, &s.values.cholcovaspec})
+        arrays.make(*matrix, s.traits.ntraits, s.traits.ntraits);
     makeadditivearrays(s, arrays);
     if (s.qtn.dominonoff) {
         makedominancearrays(s, arrays);

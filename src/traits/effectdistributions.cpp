@@ -16,7 +16,7 @@ double scaleofqtn(int64 n)
 
 double scaleofmutations(const state &s)
 {
-    const double n = single(static_cast<double>(s.founders.nchrom * s.sites.ndenovomutperchr));
+    const double n = single(static_cast<double>(s.founders.nchrom * s.founders.ndenovomutperchr));
     return std::sqrt(s.qtn.varamutprop / n);
 }
 
@@ -33,13 +33,13 @@ void simuladditiveeffects(state &s, const array1<int64> &allqtnmutind, array2<do
                           array2<double> &addeffgamma)
 {
     const bool withgamma = s.qtn.nqtngamma > 0;
-    const double scalenormal = scaleofqtn(s.qtn.ntotqtn);
-    const double scalegamma = scaleofqtn(s.qtn.ntotqtngamma);
+    const double scalenormal = scaleofqtn(s.loci.ntotqtn);
+    const double scalegamma = scaleofqtn(s.loci.ntotqtngamma);
     const double scalemut = scaleofmutations(s);
     array1<double> normaldraws(s.traits.ntraits), gammadraws(s.traits.ntraits);
     addeffnormal.fill(0);
     addeffgamma.fill(0);
-    for (int64 q = 1; q <= s.qtn.ntotqtn; ++q) {
+    for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
         const bool mutation = allqtnmutind(q) != 0;
         for (int64 j = 1; j <= s.traits.ntraits; ++j) {
             normaldraws(j) = gasdev(s.random) * (mutation ? scalemut : scalenormal);
@@ -47,9 +47,9 @@ void simuladditiveeffects(state &s, const array1<int64> &allqtnmutind, array2<do
                 gammadraws(j) = random_gamma(s.random, s.qtn.shapeparam, s.qtn.scaleparam, true) *
                                 (mutation ? scalemut : scalegamma);
             if (gasdev(s.random) < 0) gammadraws(j) = -gammadraws(j);
-            addeffnormal(q, j) = correlated(s.traits.cholcovaspec, j, normaldraws);
-            if (s.qtn.qtngamma(q) == 1)
-                addeffgamma(q, j) = correlated(s.traits.cholcovaspec, j, gammadraws);
+            addeffnormal(q, j) = correlated(s.values.cholcovaspec, j, normaldraws);
+            if (s.loci.qtngamma(q) == 1)
+                addeffgamma(q, j) = correlated(s.values.cholcovaspec, j, gammadraws);
         }
     }
 }
@@ -62,7 +62,7 @@ void simuldominanceeffects(state &s, const array2<double> &addeffnormal,
     const double sd = std::sqrt(s.qtn.domdegvar);
     const auto degree = [&] { return gasdev(s.random) * sd + s.qtn.domdegmean; };
     for (array2<double> *a : {&domdegnormal, &domdeggamma, &domeffnormal, &domeffgamma}) a->fill(0);
-    for (int64 q = 1; q <= s.qtn.ntotqtn; ++q)
+    for (int64 q = 1; q <= s.loci.ntotqtn; ++q)
         for (int64 j = 1; j <= s.traits.ntraits; ++j) {
             domdegnormal(q, j) = degree();
             domeffnormal(q, j) = domdegnormal(q, j) * std::fabs(addeffnormal(q, j));
@@ -83,7 +83,7 @@ void computeaverageallelesubsteffects(const state &s, const array1<double> &qtnf
     alphanormal.fill(0);
     alphagamma.fill(0);
     for (int64 j = 1; j <= s.traits.ntraits; ++j)
-        for (int64 q = 1; q <= s.qtn.ntotqtn; ++q) {
+        for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
             const double p = qtnfreq(q);
             alphanormal(q, j) = addeffnormal(q, j) + domeffnormal(q, j) * ((1 - p) - p);
             if (s.qtn.nqtngamma > 0)
@@ -94,10 +94,10 @@ void computeaverageallelesubsteffects(const state &s, const array1<double> &qtnf
 void simuleffectsforrecombination(state &s)
 {
     const bool normal = s.selection.recombdistrib == effectdistribution::normal;
-    const double c = singlesqrt(static_cast<double>(s.qtn.ntotqtnrecomb));
-    s.qtn.addeffrecomb.fill(0);
-    for (int64 q = 1; q <= s.qtn.ntotqtnrecomb; ++q) {
-        double &effect = s.qtn.addeffrecomb(q);
+    const double c = singlesqrt(static_cast<double>(s.loci.ntotqtnrecomb));
+    s.loci.addeffrecomb.fill(0);
+    for (int64 q = 1; q <= s.loci.ntotqtnrecomb; ++q) {
+        double &effect = s.loci.addeffrecomb(q);
         if (normal) {
             effect = gasdev(s.random) / c;
         } else {

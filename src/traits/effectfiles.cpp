@@ -46,7 +46,7 @@ void writeeffectfile(const state &s, const std::string &name, const std::string 
     textline line;
     int64 q = 0;
     for (int64 h = 1; h <= s.founders.nchrom; ++h)
-        for (int64 k = 1; k <= s.qtn.nqtnonthischrom(h); ++k) {
+        for (int64 k = 1; k <= s.loci.nqtnonthischrom(h); ++k) {
             ++q;
             putkeys(line, q, h, siteids(q));
             for (const effectblock &block : blocks)
@@ -71,7 +71,7 @@ void writeinformationfile(const state &s, const std::string &name, const array1<
     out.writeline(line);
     int64 q = 0;
     for (int64 h = 1; h <= s.founders.nchrom; ++h)
-        for (int64 k = 1; k <= s.qtn.nqtnonthischrom(h); ++k) {
+        for (int64 k = 1; k <= s.loci.nqtnonthischrom(h); ++k) {
             ++q;
             putkeys(line, q, h, siteids(q));
             for (const double x : {maf(q), freq(q), position(q)}) putf(line, x, 20, 10);
@@ -85,7 +85,7 @@ void writeinformationfile(const state &s, const std::string &name, const array1<
 
 void compileqtninformation(const state &s)
 {
-    const qtndata &q = s.qtn;
+    const locusdata &q = s.loci;
     writeinformationfile(s, "UnrestrictedQtnInformation.txt", q.allqtnidunres, q.allqtnmafunres,
                          q.allqtnfrequnres, q.allqtnposunres, q.allqtnmutindunres, q.mutindivunres);
     writeinformationfile(s, "RestrictedQtnInformation.txt", q.allqtnidrestr, q.allqtnmafrestr,
@@ -94,7 +94,7 @@ void compileqtninformation(const state &s)
 
 void compileqtnadditiveeffects(const state &s)
 {
-    const qtndata &q = s.qtn;
+    const locusdata &q = s.loci;
     const std::string prefix = "GlobalQtnId  ChromId  QtnSeqIdOnChrom ";
     writeeffectfile(s, "UnrestrictedQtnAdditEffects.txt", prefix, q.allqtnidunres,
                     {{"AddEffNormUnres", &q.addeffnormalunres, false},
@@ -106,25 +106,26 @@ void compileqtnadditiveeffects(const state &s)
 
 void compileqtndominanceeffects(const state &s)
 {
-    const qtndata &q = s.qtn;
+    const qtnsettings &q = s.qtn;
     const std::string rest = "  ChromId  QtnSeqIdOnChrom ";
-    writeeffectfile(s, "UnrestrictedQtnDominEffects.txt", "GlobalQtnId" + rest, q.allqtnidunres,
-                    {{"DomEffNormUnres", &q.domeffnormalunres, false},
-                     {"DomEffGammUnres", &q.domeffgammaunres, true},
-                     {"DomDegNormUnres", &q.domdegnormalunres, false},
-                     {"DomDegGammUnres", &q.domdeggammaunrestr, true}});
+    writeeffectfile(s, "UnrestrictedQtnDominEffects.txt", "GlobalQtnId" + rest,
+                    s.loci.allqtnidunres,
+                    {{"DomEffNormUnres", &s.loci.domeffnormalunres, false},
+                     {"DomEffGammUnres", &s.loci.domeffgammaunres, true},
+                     {"DomDegNormUnres", &s.loci.domdegnormalunres, false},
+                     {"DomDegGammUnres", &s.loci.domdeggammaunrestr, true}});
     // The odd first word is part of the format that readers of this file know.
     const char *firstword = q.nqtngamma > 0 ? "GlobalQtnId" : "GobalQtnId";
-    writeeffectfile(s, "RestrictedQtnDominEffects.txt", firstword + rest, q.allqtnidrestr,
-                    {{"DomEffNormRestr", &q.domeffnormalrestr, false},
-                     {"DomEffGammRestr", &q.domeffgammarestr, true},
-                     {"DomDegNormRestr", &q.domdegnormalrestr, false},
-                     {"DomDegGammRestr", &q.domdeggammarestr, true}});
+    writeeffectfile(s, "RestrictedQtnDominEffects.txt", firstword + rest, s.loci.allqtnidrestr,
+                    {{"DomEffNormRestr", &s.loci.domeffnormalrestr, false},
+                     {"DomEffGammRestr", &s.loci.domeffgammarestr, true},
+                     {"DomDegNormRestr", &s.loci.domdegnormalrestr, false},
+                     {"DomDegGammRestr", &s.loci.domdeggammarestr, true}});
 }
 
 void compileqtnaverallelesubsteff(const state &s)
 {
-    const qtndata &q = s.qtn;
+    const locusdata &q = s.loci;
     const std::string prefix = "GlobalQtnId  ChromId  QtnSeqIdOnChrom  ";
     writeeffectfile(s, "UnrestrictedQtnAverAlleleSubstEffects.txt", prefix, q.allqtnidunres,
                     {{"AlphaNormUnres", &q.alphanormalunres, false},
@@ -136,7 +137,7 @@ void compileqtnaverallelesubsteff(const state &s)
 
 void compileqtnrecombination(const state &s)
 {
-    const qtndata &d = s.qtn;
+    const locusdata &d = s.loci;
     outfile out("./SimulatedData/RecombinationQtnInformationEffects.txt");
     textline line;
     puta(line,

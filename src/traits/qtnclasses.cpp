@@ -50,8 +50,8 @@ classcounts classifymodel(state &s, int64 p, int64 j)
 {
     const qtnmodelview model = viewofmodel(s, p);
     const array2<double> &effects = s.qtn.dominonoff ? model.alpha : model.addeff;
-    array1<double> variances(s.qtn.ntotqtn);
-    for (int64 q = 1; q <= s.qtn.ntotqtn; ++q)
+    array1<double> variances(s.loci.ntotqtn);
+    for (int64 q = 1; q <= s.loci.ntotqtn; ++q)
         variances(q) = locusgenicvariance(model.freq(q), effects(q, j));
     return classify(variances);
 }
@@ -89,7 +89,7 @@ void printclasses(const state &s, int64 j, const array1<classcounts> &counts)
 
 void classifyrecombination(const state &s)
 {
-    const qtndata &d = s.qtn;
+    const locusdata &d = s.loci;
     outfile out("./SimulatedData/ProportionOfVariationExplainedByNumberOfQtnRecombination.txt");
     textline line;
     puta(line, "         PercentVarExplained      nQtnRecomb", 44);

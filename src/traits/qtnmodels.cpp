@@ -2,7 +2,7 @@
 
 qtnmodelview viewofmodel(const state &s, int64 p)
 {
-    const qtndata &q = s.qtn;
+    const locusdata &q = s.loci;
     switch (p) {
     case 1:
         return {q.allqtnfrequnres, q.addeffnormalunres, q.domeffnormalunres, q.alphanormalunres,

@@ -15,10 +15,10 @@ namespace
 {
 void drawgammapositions(state &s)
 {
-    array1<int64> order(s.qtn.ntotqtn);
-    randomorder(order, s.qtn.ntotqtn, s.random);
-    s.qtn.qtngamma.fill(0);
-    for (int64 i = 1; i <= s.qtn.ntotqtngamma; ++i) s.qtn.qtngamma(order(i)) = 1;
+    array1<int64> order(s.loci.ntotqtn);
+    randomorder(order, s.loci.ntotqtn, s.random);
+    s.loci.qtngamma.fill(0);
+    for (int64 i = 1; i <= s.loci.ntotqtngamma; ++i) s.loci.qtngamma(order(i)) = 1;
 }
 
 // QTN first+1 to first+n of one of the two sets, those of a chromosome.
@@ -49,26 +49,26 @@ void readrecombinationset(state &s, const std::string &informationpath,
     for (int64 q = first + 1; q <= first + n; ++q) {
         information.record();
         information.word();
-        s.qtn.allqtnidrecomb(q) = information.integer();
-        s.qtn.allqtnmafrecomb(q) = information.real();
-        s.qtn.allqtnposrecomb(q) = information.real();
+        s.loci.allqtnidrecomb(q) = information.integer();
+        s.loci.allqtnmafrecomb(q) = information.real();
+        s.loci.allqtnposrecomb(q) = information.real();
         frequencies.record();
         frequencies.word();
-        s.qtn.allqtnidrecomb(q) = frequencies.integer();
-        s.qtn.allqtnfreqrecomb(q) = frequencies.real();
+        s.loci.allqtnidrecomb(q) = frequencies.integer();
+        s.loci.allqtnfreqrecomb(q) = frequencies.real();
     }
 }
 
 void drawadditiveeffects(state &s)
 {
-    qtndata &q = s.qtn;
+    locusdata &q = s.loci;
     simuladditiveeffects(s, q.allqtnmutindunres, q.addeffnormalunres, q.addeffgammaunrestr);
     simuladditiveeffects(s, q.allqtnmutindrestr, q.addeffnormalrestr, q.addeffgammarestr);
 }
 
 void drawdominanceeffects(state &s)
 {
-    qtndata &q = s.qtn;
+    locusdata &q = s.loci;
     simuldominanceeffects(s, q.addeffnormalunres, q.addeffgammaunrestr, q.domdegnormalunres,
                           q.domdeggammaunrestr, q.domeffnormalunres, q.domeffgammaunres);
     simuldominanceeffects(s, q.addeffnormalrestr, q.addeffgammarestr, q.domdegnormalrestr,
@@ -84,7 +84,7 @@ void drawdominanceeffects(state &s)
 
 void readqtninformation(state &s)
 {
-    qtndata &d = s.qtn;
+    locusdata &d = s.loci;
     int64 q = 0, l = 0;
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         const std::string folder = chromfolder(h);

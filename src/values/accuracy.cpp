@@ -38,7 +38,7 @@ void copyestimates(const std::vector<double> &from, double *to, int64 nto)
 // Values of the test individuals, from the first of them.
 std::vector<double> testvalues(const state &s, const double *first)
 {
-    return std::vector<double>(first, first + s.selection.ntestindiv);
+    return std::vector<double>(first, first + s.cycle.ntestindiv);
 }
 
 double meancrossovers(const state &s, const std::vector<double> &z)
@@ -113,17 +113,18 @@ void reportoneofseveral(outfile &out, const comparison &trait, bool phenotypes, 
 
 void computebvaccuracyandmoments(state &s, int64 selectioncycle, int64 selectedtrait)
 {
-    selectiondata &d = s.selection;
+    const selectionsettings &d = s.selection;
+    cycledata &cycle = s.cycle;
     const std::string path =
         "./Selection/AccuracyOfBreedingValueSelectionCycle" + numbertext(selectioncycle) + ".txt";
-    outfile &out = d.accuracyfile;
+    outfile &out = cycle.accuracyfile;
     if (!out.isopen() || out.path() != path) out.open(path);
 
-    const int64 nestimates = d.estimatedbvtrait.extent1().size();
-    double *const estimates = d.estimatedbvtrait.column(selectedtrait);
+    const int64 nestimates = cycle.estimatedbvtrait.extent1().size();
+    double *const estimates = cycle.estimatedbvtrait.column(selectedtrait);
     const double *const tbv = s.values.tbv.column(s.qtn.qtnmodel, selectedtrait);
     const double *const tpv = s.values.tpv.column(s.qtn.qtnmodel, selectedtrait);
-    const int64 offset = d.starttestindiv - 1;
+    const int64 offset = cycle.starttestindiv - 1;
     const std::vector<double> truth = testvalues(s, tbv + offset);
     std::vector<double> z;
     if (d.recombselonoff) z = testvalues(s, s.values.tbvrecombz.data() + offset);
@@ -131,7 +132,7 @@ void computebvaccuracyandmoments(state &s, int64 selectioncycle, int64 selectedt
     if (d.selontbvyes1no0 == 1) {
         copyestimates(truth, estimates, nestimates);
         if (d.recombselonoff)
-            copyestimates(z, d.estimatedbvrecomb.data(), d.estimatedbvrecomb.size());
+            copyestimates(z, cycle.estimatedbvrecomb.data(), cycle.estimatedbvrecomb.size());
     }
     if (d.selmethindicator == 3 && selectioncycle != s.pop.ngensel + s.pop.ngen)
         copyestimates(testvalues(s, tpv + offset), estimates, nestimates);
@@ -139,9 +140,9 @@ void computebvaccuracyandmoments(state &s, int64 selectioncycle, int64 selectedt
     const comparison trait = compare(estimates, nestimates, truth);
     const bool phenotypes = d.selmethindicator == 3;
     if (d.recombselonoff)
-        reportrecombination(out, trait,
-                            compare(d.estimatedbvrecomb.data(), d.estimatedbvrecomb.size(), z),
-                            meancrossovers(s, z));
+        reportrecombination(
+            out, trait, compare(cycle.estimatedbvrecomb.data(), cycle.estimatedbvrecomb.size(), z),
+            meancrossovers(s, z));
     else if (s.traits.ntraits == 1)
         reportonetrait(out, trait, phenotypes);
     else

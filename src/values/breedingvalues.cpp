@@ -18,7 +18,7 @@ void addbreedingvalues(state &s, int64 firstmodel, int64 startindiv, int64 endin
             effects.push_back(viewofmodel(s, p).alpha.column(j));
         }
     const qtnmodelview set = viewofmodel(s, firstmodel);
-    sumoverqtn(set.genos, s.qtn.ntotqtn, columns, endindiv - startindiv + 1,
+    sumoverqtn(set.genos, s.loci.ntotqtn, columns, endindiv - startindiv + 1,
                [&](int64 q, const double *x, double *sums) {
                    for (const double *effect : effects) {
                        adddeviations(sums, x, effect[q - 1], set.freq(q));

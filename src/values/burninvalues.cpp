@@ -85,7 +85,7 @@ void writecovariances(const state &s)
         };
         writematrix(" Additive genetic co-variance ", v.cova);
         writematrix(" Dominance genetic co-variance", v.covd);
-        writematrix(" Residual co-variance         ", s.traits.cove);
+        writematrix(" Residual co-variance         ", s.values.cove);
         writeheading(out, " Heritability (narrow-sense)  ");
         writerow(out, ntraits, [&](int64 j) { return narrowheritability(v, p, j); });
         writeheading(out, " Heritability (broad-sense)   ");

@@ -16,7 +16,7 @@ void adddeviationsofset(state &s, int64 firstmodel, int64 startindiv, int64 endi
             effects.push_back(viewofmodel(s, p).domeff.column(j));
         }
     const qtnmodelview set = viewofmodel(s, firstmodel);
-    sumoverqtn(set.genos, s.qtn.ntotqtn, columns, endindiv - startindiv + 1,
+    sumoverqtn(set.genos, s.loci.ntotqtn, columns, endindiv - startindiv + 1,
                [&](int64 q, const double *x, double *sums) {
                    for (const double *effect : effects) {
                        adddominance(sums, x, effect[q - 1], set.freq(q));

@@ -33,7 +33,7 @@ void readfrequencies(const state &s, const char *set, int64 currentgen, array1<d
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         infile in(chromfolder(h) + set + "QtnAlleleFreqGeneration" + numbertext(currentgen) +
                   ".txt");
-        for (int64 k = 1; k <= s.qtn.nqtnonthischrom(h); ++k) {
+        for (int64 k = 1; k <= s.loci.nqtnonthischrom(h); ++k) {
             in.record();
             in.skipwords(2);
             freq(++q) = in.real();
@@ -49,7 +49,7 @@ struct generationvariances {
 void sumloci(const state &s, int64 p, int64 j, generationvariances &v)
 {
     const qtnmodelview model = viewofmodel(s, p);
-    for (int64 q = 1; q <= s.qtn.ntotqtn; ++q) {
+    for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
         const double f = model.freq(q);
         v.additgenic(p, j) += locusgenicvariance(f, model.alpha(q, j));
         if (!s.qtn.dominonoff) continue;
@@ -90,8 +90,8 @@ void writevariances(const state &s, int64 currentgen, const generationvariances 
 
 void computetotalgenicvariances(state &s, int64 currentgen)
 {
-    readfrequencies(s, "Unrestricted", currentgen, s.qtn.allqtnfrequnres);
-    readfrequencies(s, "Restricted", currentgen, s.qtn.allqtnfreqrestr);
+    readfrequencies(s, "Unrestricted", currentgen, s.loci.allqtnfrequnres);
+    readfrequencies(s, "Restricted", currentgen, s.loci.allqtnfreqrestr);
     readsubstitutioneffects(s);
     if (s.qtn.dominonoff) readdominanceeffects(s);
     generationvariances v;

@@ -40,7 +40,7 @@ void readresidualfactor(state &s, int64 p)
               ".txt");
     for (int64 j = 1; j <= s.traits.ntraits; ++j) {
         in.record();
-        for (int64 h = 1; h <= j; ++h) s.traits.cholcove(p, j, h) = in.real();
+        for (int64 h = 1; h <= j; ++h) s.values.cholcove(p, j, h) = in.real();
     }
 }
 
@@ -52,7 +52,7 @@ void drawphenotypes(state &s, int64 p, int64 startindiv, int64 endindiv)
         for (int64 j = 1; j <= s.traits.ntraits; ++j) {
             z(j) = gasdev(s.random);
             double residual = 0;
-            for (int64 h = 1; h <= j; ++h) residual += s.traits.cholcove(p, j, h) * z(h);
+            for (int64 h = 1; h <= j; ++h) residual += s.values.cholcove(p, j, h) * z(h);
             v.tpv(i, p, j) = (v.tbv(i, p, j) + v.tdv(i, p, j)) + residual;
         }
 }

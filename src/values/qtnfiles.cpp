@@ -26,7 +26,7 @@ void readeffects(const state &s, const std::string &name, array2<double> &normal
     const int64 ntraits = s.traits.ntraits;
     const int64 n = s.qtn.nqtngamma > 0 ? 2 * ntraits : ntraits;
     std::vector<double> row(static_cast<std::size_t>(n));
-    for (int64 q = 1; q <= s.qtn.ntotqtn; ++q) {
+    for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
         in.record();
         in.skipwords(3);
         in.reals(row.data(), n);
@@ -39,35 +39,35 @@ void readeffects(const state &s, const std::string &name, array2<double> &normal
 
 void readreferencefrequencies(state &s)
 {
-    readfrequencies("UnrestrictedQtnInformation.txt", s.qtn.allqtnfrequnres);
-    readfrequencies("RestrictedQtnInformation.txt", s.qtn.allqtnfreqrestr);
+    readfrequencies("UnrestrictedQtnInformation.txt", s.loci.allqtnfrequnres);
+    readfrequencies("RestrictedQtnInformation.txt", s.loci.allqtnfreqrestr);
 }
 
 void readsubstitutioneffects(state &s)
 {
     const std::string kind =
         s.qtn.dominonoff ? "QtnAverAlleleSubstEffects.txt" : "QtnAdditEffects.txt";
-    readeffects(s, "Unrestricted" + kind, s.qtn.alphanormalunres, s.qtn.alphagammaunrestr);
-    readeffects(s, "Restricted" + kind, s.qtn.alphanormalrestr, s.qtn.alphagammarestr);
+    readeffects(s, "Unrestricted" + kind, s.loci.alphanormalunres, s.loci.alphagammaunrestr);
+    readeffects(s, "Restricted" + kind, s.loci.alphanormalrestr, s.loci.alphagammarestr);
 }
 
 void readdominanceeffects(state &s)
 {
-    readeffects(s, "UnrestrictedQtnDominEffects.txt", s.qtn.domeffnormalunres,
-                s.qtn.domeffgammaunres);
-    readeffects(s, "RestrictedQtnDominEffects.txt", s.qtn.domeffnormalrestr,
-                s.qtn.domeffgammarestr);
+    readeffects(s, "UnrestrictedQtnDominEffects.txt", s.loci.domeffnormalunres,
+                s.loci.domeffgammaunres);
+    readeffects(s, "RestrictedQtnDominEffects.txt", s.loci.domeffnormalrestr,
+                s.loci.domeffgammarestr);
 }
 
 void readrecombinationeffects(state &s)
 {
     infile in("./SimulatedData/RecombinationQtnInformationEffects.txt");
     in.skiprecords(1);
-    for (int64 q = 1; q <= s.qtn.ntotqtnrecomb; ++q) {
+    for (int64 q = 1; q <= s.loci.ntotqtnrecomb; ++q) {
         in.record();
         in.skipwords(4);
-        s.qtn.allqtnfreqrecomb(q) = in.real();
+        s.loci.allqtnfreqrecomb(q) = in.real();
         in.skipwords(1);
-        s.qtn.addeffrecomb(q) = in.real();
+        s.loci.addeffrecomb(q) = in.real();
     }
 }

@@ -75,17 +75,17 @@ void compileqtngenotypes(state &s, int64 currentgen, int64 startindiv,
         readgenotypes(s, set, currentgen);
         writegenotypes(set, startindiv);
     };
-    compile({"Unrestricted", s.qtn.nqtnonthischrom, s.qtn.allqtngenosunres});
-    compile({"Restricted", s.qtn.nqtnonthischrom, s.qtn.allqtngenosrestr});
+    compile({"Unrestricted", s.loci.nqtnonthischrom, s.loci.allqtngenosunres});
+    compile({"Restricted", s.loci.nqtnonthischrom, s.loci.allqtngenosrestr});
     if (s.selection.recombselonoff)
-        compile({"Recombination", s.qtn.nqtnrecombonthischrom, s.qtn.allqtngenosrecomb});
+        compile({"Recombination", s.loci.nqtnrecombonthischrom, s.loci.allqtngenosrecomb});
     if (s.editing.geneditonoff) writefixedqtn(s, currentgen);
 }
 
 void writefixedqtn(state &s, int64 currentgen)
 {
     const bool unrestricted = s.qtn.qtnmodel == 1 || s.qtn.qtnmodel == 3;
-    const array2<int8> &genos = unrestricted ? s.qtn.allqtngenosunres : s.qtn.allqtngenosrestr;
+    const array2<int8> &genos = unrestricted ? s.loci.allqtngenosunres : s.loci.allqtngenosrestr;
     const int64 nindiv = s.pop.nindivinthisgen(currentgen);
     outfile out;
     textline line;
@@ -94,9 +94,9 @@ void writefixedqtn(state &s, int64 currentgen)
         puta(line, "          Generation         GlobalQtnId         FixedYes0No1", 61);
         out.writeline(line);
     } else {
-        out.openandkeep(fixedqtntable, 1 + (currentgen - 1) * s.qtn.ntotqtn);
+        out.openandkeep(fixedqtntable, 1 + (currentgen - 1) * s.loci.ntotqtn);
     }
-    for (int64 q = 1; q <= s.qtn.ntotqtn; ++q) {
+    for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
         int64 sum = 0;
         for (int64 k = 1; k <= nindiv; ++k) sum += genos(k, q);
         puti(line, currentgen, 20);

@@ -26,9 +26,9 @@ void readrecombcount(state &s, int64 currentgen)
 
 void addrawvalues(state &s, int64 startindiv, int64 endindiv)
 {
-    sumoverqtn(s.qtn.allqtngenosrecomb, s.qtn.ntotqtnrecomb, {&s.values.tbvrecomb(startindiv)},
+    sumoverqtn(s.loci.allqtngenosrecomb, s.loci.ntotqtnrecomb, {&s.values.tbvrecomb(startindiv)},
                endindiv - startindiv + 1, [&](int64 q, const double *x, double *sums) {
-                   adddeviations(sums, x, s.qtn.addeffrecomb(q), s.qtn.allqtnfreqrecomb(q));
+                   adddeviations(sums, x, s.loci.addeffrecomb(q), s.loci.allqtnfreqrecomb(q));
                });
 }
 
@@ -44,7 +44,7 @@ void standardise(state &s, int64 startindiv, int64 endindiv)
 
     const double nchrom = static_cast<double>(s.founders.nchrom);
     const double maplength = s.founders.morgans * nchrom;
-    v.vararecombt = (v.heritrecomb * (1 / maplength)) / (1 - v.heritrecomb);
+    v.vararecombt = (s.traits.heritrecomb * (1 / maplength)) / (1 - s.traits.heritrecomb);
     for (int64 i = startindiv; i <= endindiv; ++i) {
         v.tbvrecombz(i) =
             varies ? ((v.tbvrecomb(i) - v.recombmeanz) / v.recombstddevz) * std::sqrt(v.vararecombt)

@@ -19,9 +19,9 @@ class editing : public infolder
         infolder::SetUp();
         makepopulation(s, 2, {4, 4, 2});
         s.founders.nchrom = 2;
-        s.qtn.nqtn = s.qtn.ntotqtn = 6;
-        s.qtn.nqtnonthischrom.allocate(2, 2);
-        s.qtn.nqtnonthischrom(2) = 4;
+        s.qtn.nqtn = s.loci.ntotqtn = 6;
+        s.loci.nqtnonthischrom.allocate(2, 2);
+        s.loci.nqtnonthischrom(2) = 4;
         s.pop.nsireinthisgen(2) = 4;
         s.editing.nindedited = 1;
         for (const char *folderpath : {"SimulatedData", "Chromosomes/Chromosome1",
@@ -71,21 +71,20 @@ TEST_F(editing, gainsbyhand)
         "              LineId         GlobalQtnId             ChromId     QtnSeqIdOnChrom      "
         "QtnEffPos1Neg0    IndivMutIndicator    GeneticGain    NewFreq");
 
-    for (array1<int64> *a :
-         {&s.editing.qtnidsortedbyabsval, &s.editing.qtnidsortedbyabsvalchrom,
-          &s.editing.qtnidsortedbyabsvalrecodedid, &s.editing.qtnforgeneditposneg,
-          &s.editing.qtnidsortedbyabsvalmutindivid})
+    for (array1<int64> *a : {&s.edits.qtnidsortedbyabsval, &s.edits.qtnidsortedbyabsvalchrom,
+                             &s.edits.qtnidsortedbyabsvalrecodedid, &s.edits.qtnforgeneditposneg,
+                             &s.edits.qtnidsortedbyabsvalmutindivid})
         a->allocate(6);
     readeditlist(s, 1, 3);
-    const array1<int64> &ids = s.editing.qtnidsortedbyabsvalrecodedid;
+    const array1<int64> &ids = s.edits.qtnidsortedbyabsvalrecodedid;
     EXPECT_EQ(ids(1), 2);
     EXPECT_EQ(ids(2), 5);
     EXPECT_EQ(ids(3) + ids(4), 3 + 4); // equal gains, in any order
     EXPECT_EQ(ids(5), 6);
     EXPECT_EQ(ids(6), 1);
-    EXPECT_EQ(s.editing.qtnidsortedbyabsval(1), 60);
-    EXPECT_EQ(s.editing.qtnidsortedbyabsvalchrom(2), 2);
-    EXPECT_EQ(s.editing.qtnforgeneditposneg(5), 1);
+    EXPECT_EQ(s.edits.qtnidsortedbyabsval(1), 60);
+    EXPECT_EQ(s.edits.qtnidsortedbyabsvalchrom(2), 2);
+    EXPECT_EQ(s.edits.qtnforgeneditposneg(5), 1);
 
     // Without sires: the selfed parents, and where there are none those of either gender. With all
     // of them edited the new frequency is halfway to 1.
@@ -102,24 +101,24 @@ TEST_F(editing, gainsbyhand)
 // source changes; by hand, with chromosome 2 holding QTN 4 to 6 at sites 100, 130 and 50.
 TEST_F(editing, flagsfollowthegamete)
 {
-    s.qtn.nqtnonthischrom.allocate(2, 3);
+    s.loci.nqtnonthischrom.allocate(2, 3);
     s.editing.genedriveonoff = true;
-    s.editing.genedriveqtnpresence.allocate(10, 6);
+    s.edits.genedriveqtnpresence.allocate(10, 6);
     s.pedi.ped(9).newsire = 5;
     s.pedi.ped(9).newdam = 6;
-    driveflags &flags = s.editing.genedriveqtnpresence;
+    driveflags &flags = s.edits.genedriveqtnpresence;
     for (int64 q = 1; q <= 6; ++q) flags(5, q, 1) = flags(6, q, 2) = 1;
-    editingdata &edit = s.editing;
-    edit.qtnidsortedbyabsval.allocate(6);
-    edit.qtnidsortedbyabsvalchrom.allocate(6);
-    edit.qtnidsortedbyabsvalrecodedid.allocate(6);
+    editdata &edits = s.edits;
+    edits.qtnidsortedbyabsval.allocate(6);
+    edits.qtnidsortedbyabsvalchrom.allocate(6);
+    edits.qtnidsortedbyabsvalrecodedid.allocate(6);
     // In the order of the list: QTN 5, 1, 4, 2, 6, 3.
     const int64 ids[] = {5, 1, 4, 2, 6, 3}, sites[] = {130, 20, 100, 40, 50, 60},
                 chroms[] = {2, 1, 2, 1, 2, 1};
     for (int64 j = 1; j <= 6; ++j) {
-        edit.qtnidsortedbyabsvalrecodedid(j) = ids[j - 1];
-        edit.qtnidsortedbyabsval(j) = sites[j - 1];
-        edit.qtnidsortedbyabsvalchrom(j) = chroms[j - 1];
+        edits.qtnidsortedbyabsvalrecodedid(j) = ids[j - 1];
+        edits.qtnidsortedbyabsval(j) = sites[j - 1];
+        edits.qtnidsortedbyabsvalchrom(j) = chroms[j - 1];
     }
     const auto inherited = [&](int64 side, std::vector<int64> crossings) {
         array1<int64> recomblocation(4, -99);
@@ -140,7 +139,7 @@ TEST_F(editing, flagsfollowthegamete)
     // With entry 1 at site 90: entry 3 (site 100) moves it to QTN 5 and the tracker to entry 5, at
     // site 50; entry 5 isn't behind itself. Next crossing, at 140: entry 1 (90) is behind 50, moves
     // to QTN 6 and entry 6, at 60; entry 3 can move no further than the last QTN.
-    edit.qtnidsortedbyabsval(1) = 90;
+    edits.qtnidsortedbyabsval(1) = 90;
     EXPECT_EQ(inherited(1, {110}), "777100");
     EXPECT_EQ(inherited(2, {110, 140}), "777001");
 
@@ -166,17 +165,17 @@ TEST_F(editing, conversioncopiesoneallele)
     // By flags: the alleles 0 from the sire and 1 from the dam, and the flags, behind conversion.
     for (const auto &[phase1, phase2, alleles] :
          {std::tuple(0, 0, "01"), {1, 0, "00"}, {0, 1, "11"}, {1, 1, "00"}}) {
-        s.editing.genedriveqtnpresence.allocate(9, 6);
-        s.editing.genedriveqtnpresence(9, 4, 1) = static_cast<int8>(phase1);
-        s.editing.genedriveqtnpresence(9, 4, 2) = static_cast<int8>(phase2);
+        s.edits.genedriveqtnpresence.allocate(9, 6);
+        s.edits.genedriveqtnpresence(9, 4, 1) = static_cast<int8>(phase1);
+        s.edits.genedriveqtnpresence(9, 4, 2) = static_cast<int8>(phase2);
         s.haplo.tmpgenome.allocate(1, 2);
         s.haplo.tmpgenome.fill(0);
         s.haplo.tmpgenome(1, 2, 2) = 1; // site 120
         convertdrives(s, {{60, 3}, {120, 4}}, 9, 1);
         for (const int64 m : {1, 2}) {
             EXPECT_EQ(s.haplo.tmpgenome(1, 2, m), alleles[m - 1] - '0');
-            EXPECT_EQ(s.editing.genedriveqtnpresence(9, 4, m), phase1 + phase2 > 0 ? 1 : 0);
-            EXPECT_EQ(s.editing.genedriveqtnpresence(9, 3, m), 0);
+            EXPECT_EQ(s.edits.genedriveqtnpresence(9, 4, m), phase1 + phase2 > 0 ? 1 : 0);
+            EXPECT_EQ(s.edits.genedriveqtnpresence(9, 3, m), 0);
         }
     }
     const outcome bad = runbody([] { genedriveedit(3, nullptr, nullptr, 1); });

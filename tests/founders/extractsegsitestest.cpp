@@ -29,7 +29,7 @@ state extractionstate(int64 nmut)
     runcommand("mkdir -p SimulatedData");
     state s;
     s.founders.nchrom = 1;
-    s.sites.ndenovomutperchr = nmut;
+    s.founders.ndenovomutperchr = nmut;
     s.pop.nindivp = 37;
     s.chips.nchip = 2;
     s.chips.tmpchip = 2;
@@ -39,7 +39,6 @@ state extractionstate(int64 nmut)
     s.chips.nsnpperchipperchrom(2) = 60;
     s.qtn.nqtn = 11;
     s.qtn.nqtngamma = 4;
-    s.qtn.ntotqtnrecomb = 5;
     s.random.idum = -20240607;
     return s;
 }
@@ -66,7 +65,7 @@ TEST_F(extraction, stopwithtoofewsites)
         s.selection.recombselonoff = true;
         s.chips.nsnpperchipperchrom(2) = c.nsnp;
         s.qtn.nqtn = c.nqtn;
-        s.qtn.ntotqtnrecomb = c.nqtnrecomb;
+        s.qtn.nqtnrecombperchrom = c.nqtnrecomb;
         const outcome result = runbody([&] { extractsegsites(s, packhaplotypes); });
         EXPECT_EQ(result.code(), c.code);
         EXPECT_TRUE(c.code == 0 || result.output.ends_with(c.message)) << result.output;

@@ -28,30 +28,30 @@ void setchromosome(state &s, int64 n)
     s.founders.nchrom = 2;
     s.sites.nsegregincl = n;
     s.haplo.nblock = n / 60;
-    s.chips.snponarrays.allocate(n);
-    s.chips.minorallelefreq.allocate(n);
+    s.sites.snponarrays.allocate(n);
+    s.sites.minorallelefreq.allocate(n);
     s.sites.inclphysicalmap.allocate(n);
     s.sites.inclmutindicator.allocate(n);
     s.sites.inclmutindicatorindivid.allocate(n);
     for (int64 k = 1; k <= n; ++k) {
-        s.chips.snponarrays(k) = k;
-        s.chips.minorallelefreq(k) = static_cast<double>((k - 1) % 5 + 1) / 10;
+        s.sites.snponarrays(k) = k;
+        s.sites.minorallelefreq(k) = static_cast<double>((k - 1) % 5 + 1) / 10;
         s.sites.inclphysicalmap(k) = static_cast<double>(k) / static_cast<double>(n + 1);
     }
     s.chips.nchip = 2;
-    s.chips.nsnponthischipchrom.allocate(2, 2);
-    s.chips.nsnponthischipchrom(1, 2) = 20; // the larger chip comes first
-    s.chips.nsnponthischipchrom(2, 2) = 10;
+    s.loci.nsnponthischipchrom.allocate(2, 2);
+    s.loci.nsnponthischipchrom(1, 2) = 20; // the larger chip comes first
+    s.loci.nsnponthischipchrom(2, 2) = 10;
     s.chips.nestedonoff = true;
     s.chips.snpchipinclqtn = 3;
     s.chips.minsnpfreq = 0.2;
     s.chips.maxsnpfreq = 0.4;
     s.qtn.minqtnfreq = 0.3;
     s.qtn.maxqtnfreq = 0.5;
-    s.qtn.nqtnonthischrom.allocate(2);
-    s.qtn.nqtnrecombonthischrom.allocate(2);
-    s.qtn.nqtnonthischrom(2) = 12;
-    s.qtn.nqtnrecombonthischrom(2) = 7;
+    s.loci.nqtnonthischrom.allocate(2);
+    s.loci.nqtnrecombonthischrom.allocate(2);
+    s.loci.nqtnonthischrom(2) = 12;
+    s.loci.nqtnrecombonthischrom(2) = 7;
     s.random.idum = -1234;
 }
 
@@ -94,7 +94,7 @@ TEST_F(markerchoice, listsThatEndTooSoon)
     stop([&] { chooseqtnrestricted(s, 2, 31, 11); }, 110026,
          "ERROR: Not enough segregating sites for QTN model 3\n 60 31 30\n");
     // Enough sites in the band, but too few of them behind the place on the list.
-    std::reverse(s.chips.snponarrays.begin(), s.chips.snponarrays.end());
+    std::reverse(s.sites.snponarrays.begin(), s.sites.snponarrays.end());
     stop([&] { chooseqtnrestricted(s, 2, 30, 11); }, 110027,
          "ERROR: Not enough QTN segregating on chromosome 2\n");
     chooseqtnrecombination(s, 2, 60);
@@ -176,13 +176,13 @@ TEST_F(markerchoice, clustersKeepSetsFullAndDistinct)
 
     // A region at the end of the chromosome: those that slide off it are filled up from the list.
     writefile("QtnSpecifications/Chromosome2.txt", "0.9 1 1\n"); // sites 108 to 119
-    std::reverse(s.chips.snponarrays.begin(), s.chips.snponarrays.end());
+    std::reverse(s.sites.snponarrays.begin(), s.sites.snponarrays.end());
     const std::string warning = "WARNING: Could only identify      9 restricted QTN segregating "
                                 "on chromosome    2\nwithin specified clusters. The remaining     "
                                 " 1 frequency-restricted QTN\nwill now be chosen at random.\n\n";
     const outcome filled = runbody([&] { chooseqtnrestrictedclusters(s, 2, 12, 21); });
     EXPECT_EQ(filled.code(), 110031); // the list's first 21 places bar sites 100 to 120
-    std::swap(s.chips.snponarrays(1), s.chips.snponarrays(120));
+    std::swap(s.sites.snponarrays(1), s.sites.snponarrays(120));
     for (const int64 inclqtn : {2, 3}) {
         s.chips.snpchipinclqtn = inclqtn;
         const outcome full = runbody([&] { chooseqtnrestrictedclusters(s, 2, 12, 1); });
@@ -204,7 +204,7 @@ TEST_F(markerchoice, fillUpRespectsTheChips)
     // Only the first half of the sites lies in the band, and chips have walked all of it.
     state s;
     setchromosome(s, 120);
-    for (int64 k = 1; k <= 120; ++k) s.chips.minorallelefreq(k) = k <= 60 ? 0.4 : 0.1;
+    for (int64 k = 1; k <= 120; ++k) s.sites.minorallelefreq(k) = k <= 60 ? 0.4 : 0.1;
     writefile("QtnSpecifications/Chromosome2.txt", "0.6 0.9 1\n");
     const std::string warning = "WARNING: Could only identify      0 restricted QTN segregating "
                                 "on chromosome    2\nwithin specified clusters. The remaining     "

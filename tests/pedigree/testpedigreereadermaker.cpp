@@ -23,7 +23,7 @@ void setsizes(state &s, const std::vector<int64> &sizes, int64 ngen)
     makepopulation(s, ngen, sizes);
     s.run.specstartgen = 1;
     s.run.specendgen = std::ssize(sizes);
-    s.pedi.pedigreestatus = "internal";
+    s.pop.pedigreestatus = "internal";
 }
 
 void makeplants(state &s, const char *gendermatters)

@@ -70,9 +70,9 @@ inline void writespec(const problem &q)
 {
     state s = evaluationstate(q.vara, q.vare);
     s.chips.tmpchip = 1;
-    s.chips.nsnpforsel = q.nsnp();
-    s.selection.ntrainindiv = std::ssize(q.train);
-    s.selection.ntestindiv = std::ssize(q.test);
+    s.loci.nsnpforsel = q.nsnp();
+    s.cycle.ntrainindiv = std::ssize(q.train);
+    s.cycle.ntestindiv = std::ssize(q.test);
     s.selection.selmethindicator = 2;
     writequillomerespec(s, 1, 1, 1);
     std::filesystem::rename("Selection/SelectionFolder1/QuillomereSpec.txt", "QuillomereSpec.txt");

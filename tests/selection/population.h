@@ -19,8 +19,8 @@ inline void makepopulation(state &s, int64 ngen, const std::vector<int64> &sizes
     for (array1<int64> *numbers : {&s.pop.nsireinthisgen, &s.pop.ndaminthisgen,
                                    &s.pop.nrandparinthisgen, &s.pop.nselfedparinthisgen})
         numbers->allocate(n);
-    s.pop.nmalinthisgen.allocate(n);
-    s.pop.nfeminthisgen.allocate(n);
+    s.pedi.nmalinthisgen.allocate(n);
+    s.pedi.nfeminthisgen.allocate(n);
     s.pedi.ped.allocate(s.pop.nindivp);
     s.pedi.globalgender.allocate(s.pop.nindivp);
     int64 row = 0;
@@ -32,7 +32,7 @@ inline void makepopulation(state &s, int64 ngen, const std::vector<int64> &sizes
             s.pedi.ped(row).newid = row;
             s.pedi.ped(row).generation = g;
             s.pedi.globalgender(row) = k % 2 == 1 ? 1 : 2;
-            ++(k % 2 == 1 ? s.pop.nmalinthisgen : s.pop.nfeminthisgen)(g);
+            ++(k % 2 == 1 ? s.pedi.nmalinthisgen : s.pedi.nfeminthisgen)(g);
         }
     }
     s.pop.animbreedonoff = true;
@@ -48,15 +48,15 @@ inline void makepopulation(state &s, int64 ngen, const std::vector<int64> &sizes
 // Makes generation gen the test set, with these values to be ranked on.
 inline void settest(state &s, int64 gen, const std::vector<double> &values)
 {
-    selectiondata &sel = s.selection;
-    sel.starttestindiv = firstindivofgen(s, gen);
-    sel.endtestindiv = lastindivofgen(s, gen);
-    sel.ntestindiv = s.pop.nindivinthisgen(gen);
-    sel.gender.allocate(sel.ntestindiv);
-    sel.estimatedbv.allocate(sel.ntestindiv);
-    for (int64 i = 1; i <= sel.ntestindiv; ++i) {
-        sel.gender(i) = s.pedi.globalgender(sel.starttestindiv + i - 1);
-        sel.estimatedbv(i) = values[static_cast<std::size_t>(i - 1)];
+    cycledata &cycle = s.cycle;
+    cycle.starttestindiv = firstindivofgen(s, gen);
+    cycle.endtestindiv = lastindivofgen(s, gen);
+    cycle.ntestindiv = s.pop.nindivinthisgen(gen);
+    cycle.gender.allocate(cycle.ntestindiv);
+    cycle.estimatedbv.allocate(cycle.ntestindiv);
+    for (int64 i = 1; i <= cycle.ntestindiv; ++i) {
+        cycle.gender(i) = s.pedi.globalgender(cycle.starttestindiv + i - 1);
+        cycle.estimatedbv(i) = values[static_cast<std::size_t>(i - 1)];
     }
 }
 

@@ -33,7 +33,7 @@ TEST_F(NextParents, TruncationRanksWithinASexAndGivesTheRestToTheBest)
     // More parents than candidates: the last one found is entered again. None at all: the first.
     selectnextparentstruncat(s, 3, 1, 5);
     EXPECT_EQ(siresof(s, 3), (std::vector<int64>{7, 7, 11, 11, 5, 5, 5, 5, 5, 5}));
-    s.selection.estimatedbv.fill(-infinite);
+    s.cycle.estimatedbv.fill(-infinite);
     selectnextparentstruncat(s, 3, 1, 2);
     EXPECT_EQ(siresof(s, 3), std::vector<int64>(10, 5));
 }
@@ -43,12 +43,11 @@ TEST_F(NextParents, MoreParentsThanProgenyLeavesTheBestWithOneEach)
     makepopulation(s, 2, {12, 12, 3});
     settest(s, 2, {1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 6, 0});
     s.editing.geneditonoff = true;
-    s.editing.indivtobeedited.allocate(5);
+    s.edits.indivtobeedited.allocate(5);
     selectnextparentstruncat(s, 3, 1, 5);
     EXPECT_EQ(siresof(s, 3), (std::vector<int64>{23, 21, 19}));
-    EXPECT_EQ(
-        std::vector<int64>(s.editing.indivtobeedited.begin(), s.editing.indivtobeedited.end()),
-        (std::vector<int64>{11, 9, 7, 5, 3})); // places in the test set
+    EXPECT_EQ(std::vector<int64>(s.edits.indivtobeedited.begin(), s.edits.indivtobeedited.end()),
+              (std::vector<int64>{11, 9, 7, 5, 3})); // places in the test set
 }
 
 TEST_F(NextParents, PlantsRegardlessOfGender)
@@ -66,9 +65,9 @@ TEST_F(NextParents, PlantsRegardlessOfGender)
     s.pop.nselfedparinthisgen(2) = 0;
     s.pop.nrandparinthisgen(2) = 3;
     s.editing.geneditonoff = true;
-    s.editing.indivtobeedited.allocate(4); // more than are chosen: nobody on the last place
+    s.edits.indivtobeedited.allocate(4); // more than are chosen: nobody on the last place
     selectnextparentstruncat(s, 3, 1, 3);
-    EXPECT_EQ(s.editing.indivtobeedited(4), 0);
+    EXPECT_EQ(s.edits.indivtobeedited(4), 0);
     selectnextparentstruncat(s, 3, 2, 3);
     std::vector<int64> sires = siresof(s, 3), dams = damsof(s, 3);
     for (std::size_t r = 0; r < sires.size(); ++r) EXPECT_NE(sires[r], dams[r]) << r;

@@ -20,9 +20,9 @@ class TrainingRange : public infolder
     // First and last row, first and last generation, number of training individuals.
     std::vector<int64> range() const
     {
-        const selectiondata &sel = s.selection;
-        return {sel.starttrainindiv, sel.endtrainindiv, sel.firsttmptraingen, sel.lasttmptraingen,
-                sel.ntrainindiv};
+        const cycledata &cycle = s.cycle;
+        return {cycle.starttrainindiv, cycle.endtrainindiv, cycle.firsttmptraingen,
+                cycle.lasttmptraingen, cycle.ntrainindiv};
     }
     state s;
 };
@@ -51,13 +51,13 @@ TEST_F(TrainingRange, EveryStrategyInEveryGeneration)
         ASSERT_FALSE(describe(c.currentgen).stoppedearly);
         EXPECT_EQ(range(), c.wanted) << "strategy " << c.strategy << " generation " << c.currentgen;
     }
-    EXPECT_EQ(s.selection.ntrainindivmax, 7);
-    EXPECT_EQ(s.selection.trainindicator.size(), 7);
+    EXPECT_EQ(s.cycle.ntrainindivmax, 7);
+    EXPECT_EQ(s.cycle.trainindicator.size(), 7);
 }
 
 TEST_F(TrainingRange, RandomPhenotypesOutOfReach)
 {
-    selectiondata &sel = s.selection;
+    selectionsettings &sel = s.selection;
     sel.selphenstrat = 5;
     sel.firsttraingenrp = 1;
     sel.lasttraingenrp = 4;
@@ -89,7 +89,7 @@ TEST_F(TrainingRange, SpecifiedIndividuals)
     writefile("TrainIndiv.txt", "\n0\n11 surplus\n 7\n11\n,8\nend\n12\n");
     describe(5);
     EXPECT_EQ(range(), (std::vector<int64>{6, 12, 2, 3, 7}));
-    EXPECT_EQ(std::vector<int64>(s.selection.trainindiv.begin(), s.selection.trainindiv.end()),
+    EXPECT_EQ(std::vector<int64>(s.cycle.trainindiv.begin(), s.cycle.trainindiv.end()),
               (std::vector<int64>{11, 7, 11, 8}));
     writefile("TrainIndiv.txt",
               "3\n5"); // all in generation 1: the search leaves the end of the run

@@ -100,7 +100,7 @@ TEST_F(readinparametersspec, readsthegoodspecification)
     // Selection on true values looks at no training data.
     EXPECT_EQ(s.selection.selphenstrat, 0);
     EXPECT_EQ(s.selection.computeavercoancestryyes1no0, -1);
-    EXPECT_FALSE(s.editing.idofgenomeeditinds.allocated());
+    EXPECT_FALSE(s.edits.idofgenomeeditinds.allocated());
 }
 
 // For every key: a line without a value, and where a number or word is needed an empty value and
@@ -275,7 +275,6 @@ TEST_F(readinparametersspec, setsnumbersfromwords)
     EXPECT_EQ(r.s.selection.selmethindicator, 3);
     EXPECT_EQ(r.s.selection.selontbvyes1no0, 2);
     EXPECT_EQ(r.s.qtn.nqtnmodels, 2);
-    EXPECT_EQ(r.s.traits.cholcove.extent1().hi, 4);
     // Lengths of the presets are single-precision constants, and the population comes first.
     r = readpassing(changed("PopulationHistoryMaCS,InternalPig"));
     EXPECT_EQ(r.s.founders.morgans, 1.7100000381469727);
@@ -308,7 +307,7 @@ TEST_F(readinparametersspec, recordsandkeyforms)
 
     // Only the first 300 characters of a value count.
     reading r = readspec(changed("PedigreeStatus," + std::string(310, 'p')));
-    EXPECT_EQ(r.s.pedi.pedigreefile, std::string(300, 'p'));
+    EXPECT_EQ(r.s.pop.pedigreefile, std::string(300, 'p'));
 
     // A wrong box number is reported; the next box is compared with the next count.
     r = readpassing(goodspec()
@@ -343,7 +342,7 @@ TEST_F(readinparametersspec, skippedandtoleratedvalues)
                 "MergeFiles,bad$name; ShapeAndScaleOfGammaDist,1; NumberOfEditedIndividuals,5; "
                 "NumberOfGeneEditsPerIndividual,5"));
     EXPECT_EQ(r.s.pop.ngendh, 0);
-    EXPECT_FALSE(r.s.editing.idofgenomeeditinds.allocated());
+    EXPECT_FALSE(r.s.edits.idofgenomeeditinds.allocated());
 
     // Chips off fix one chip with one locus, whatever its details say, and a later On changes
     // nothing of that.
@@ -395,10 +394,6 @@ TEST_F(readinparametersspec, schemesandsetups)
     EXPECT_TRUE(
         r.result.output.starts_with("\nWARNING - NumberOfSiresInEachGeneration is empty\n"));
     EXPECT_EQ(r.s.pop.cumindivnbtogen(5), 150);
-    EXPECT_EQ(r.s.editing.genomeeditqtnpos.extent1().hi, 3);
-    EXPECT_EQ(r.s.editing.genomeeditqtnpos.extent2().hi, 2);
-    EXPECT_EQ(r.s.editing.genedriveqtnpresence.nindiv(), 150);
-    EXPECT_EQ(r.s.editing.genedriveqtnpresence.nqtn(), 20);
 
     // One generation in all: the arrays of parents have one entry that nothing reads.
     r = readpassing(changed("NumberGenerationsBurnIn,1; NumberGenerationsSelection,0"));
@@ -408,7 +403,7 @@ TEST_F(readinparametersspec, schemesandsetups)
     // An external pedigree needs no scheme.
     r = readpassing(changed("PedigreeStatus,./data/Ped_1.txt; AnimalBreedingOnOff,Off; "
                             "GenerationFlexibilityOnOff,Perhaps; StartStopGeneration,2,4"));
-    EXPECT_EQ(r.s.pedi.pedigreefile, "./data/Ped_1.txt");
+    EXPECT_EQ(r.s.pop.pedigreefile, "./data/Ped_1.txt");
     EXPECT_EQ(r.s.run.specendgen, 4);
 }
 

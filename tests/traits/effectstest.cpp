@@ -31,11 +31,11 @@ TEST_F(effectstage, choleskyfactors)
     s.traits.coraspec(2, 2) = 1.25;
     s.traits.coraspec(1, 2) = s.traits.coraspec(2, 1) = 2 / std::sqrt(32.0);
     workoutgeneticcovariances(s);
-    EXPECT_DOUBLE_EQ(s.traits.covaspec(2, 2), 10);
-    EXPECT_DOUBLE_EQ(s.traits.cholcovaspec(1, 1), 2);
-    EXPECT_DOUBLE_EQ(s.traits.cholcovaspec(2, 1), 1);
-    EXPECT_DOUBLE_EQ(s.traits.cholcovaspec(2, 2), 3);
-    EXPECT_EQ(s.traits.cholcovaspec(1, 2), s.traits.covaspec(1, 2));
+    EXPECT_DOUBLE_EQ(s.values.covaspec(2, 2), 10);
+    EXPECT_DOUBLE_EQ(s.values.cholcovaspec(1, 1), 2);
+    EXPECT_DOUBLE_EQ(s.values.cholcovaspec(2, 1), 1);
+    EXPECT_DOUBLE_EQ(s.values.cholcovaspec(2, 2), 3);
+    EXPECT_EQ(s.values.cholcovaspec(1, 2), s.values.covaspec(1, 2));
 
     s.qtn.nqtnmodels = 2;
     s.values.vare.allocate(2, 2, 1.0);
@@ -69,15 +69,15 @@ TEST_F(effectstage, choleskyfactors)
 TEST_F(effectstage, classesofqtn)
 {
     state s = statewithtraits(1);
-    s.qtn.ntotqtn = s.qtn.ntotqtngamma = 100;
+    s.loci.ntotqtn = s.loci.ntotqtngamma = 100;
     arrayscope arrays;
     makeeffectarrays(s, arrays);
-    s.qtn.allqtnfrequnres.fill(0.5);
-    s.qtn.allqtnfreqrestr.fill(0.5);
-    s.qtn.addeffnormalunres.fill(0.25);
-    s.qtn.addeffnormalrestr.fill(1.0);
-    s.qtn.addeffnormalrestr(17, 1) = -std::sqrt(99 * 1.5);
-    for (int64 q = 1; q <= 32; ++q) s.qtn.addeffgammarestr(3 * q, 1) = 0.5;
+    s.loci.allqtnfrequnres.fill(0.5);
+    s.loci.allqtnfreqrestr.fill(0.5);
+    s.loci.addeffnormalunres.fill(0.25);
+    s.loci.addeffnormalrestr.fill(1.0);
+    s.loci.addeffnormalrestr(17, 1) = -std::sqrt(99 * 1.5);
+    for (int64 q = 1; q <= 32; ++q) s.loci.addeffgammarestr(3 * q, 1) = 0.5;
     const outcome result = runbody([&] { classifyqtns(s); });
     const auto lines = readlines("SimulatedData/ProportionOfVariationExplainedByNumberOfQtn.txt");
     ASSERT_EQ(lines.size(), 6U);

@@ -31,9 +31,9 @@ inline state statewithtraits(int64 ntraits, const std::vector<int64> &sizes = {1
     for (array1<double> *a : {&s.traits.indexwt, &s.traits.herit, &s.traits.varaspec})
         a->allocate(ntraits);
     for (array2<double> *a :
-         {&s.traits.coraspec, &s.traits.core, &s.traits.covaspec, &s.traits.cholcovaspec})
+         {&s.traits.coraspec, &s.traits.core, &s.values.covaspec, &s.values.cholcovaspec})
         a->allocate(ntraits, ntraits);
-    for (array3<double> *a : {&s.traits.cove, &s.traits.cholcove}) a->allocate(4, ntraits, ntraits);
+    for (array3<double> *a : {&s.values.cove, &s.values.cholcove}) a->allocate(4, ntraits, ntraits);
     for (int64 j = 1; j <= ntraits; ++j) {
         s.traits.herit(j) = 0.2 + 0.1 * static_cast<double>(j);
         s.traits.varaspec(j) = static_cast<double>(j);

@@ -35,7 +35,7 @@ struct onegeneration {
     onegeneration(int64 n, int64 ntraits)
     {
         s = statewithtraits(ntraits, {n});
-        s.qtn.ntotqtn = 2;
+        s.loci.ntotqtn = 2;
         makepedigreearrays(s, arrays);
         makevaluearrays(s, arrays);
         for (int64 i = 1; i <= n; ++i) s.pedi.ped(i).newid = i;
@@ -88,7 +88,7 @@ TEST_F(values, residualcovariancesandheritability)
                 s.values.tbv(i, p, j) = std::sqrt(static_cast<double>(p)) * gasdev(s.random);
     computevaravardvare(s, 1, n);
     workoutresidualcovariances(s);
-    s.traits.cholcove.fill(-1); // taken back from the files
+    s.values.cholcove.fill(-1); // taken back from the files
     computetpv(s, 1, 1, n);
     const double count = static_cast<double>(n);
     const auto residual = [&](int64 i, int64 p, int64 j) {
@@ -122,11 +122,11 @@ TEST_F(values, residualcovariancesandheritability)
 TEST_F(values, recombinationtraitbyhand)
 {
     state s = statewithtraits(1, {4, 4});
-    s.values.heritrecomb = 1.0 / 3;
+    s.traits.heritrecomb = 1.0 / 3;
     s.selection.recombselonoff = true;
     s.founders.morgans = 2;
-    s.qtn.ntotqtn = 2;
-    s.qtn.ntotqtnrecomb = 1;
+    s.loci.ntotqtn = 2;
+    s.loci.ntotqtnrecomb = 1;
     s.values.nindivinsimulrun = 4;
     arrayscope arrays;
     makepedigreearrays(s, arrays);
@@ -137,7 +137,7 @@ TEST_F(values, recombinationtraitbyhand)
               "title\n 1 1 7 0.5 0.5 0.25 1.0\n");
     writefile("SimulatedData/RecombinationCount.txt",
               " 1 2 3\n 2 0 1\n 3 4 4\n 4 5 0\n 5 1 1\n 6 2 2\n 7 3 3\n 8 4 4\n");
-    for (int64 k = 1; k <= 4; ++k) s.qtn.allqtngenosrecomb(k, 1) = k % 2 == 0 ? 2 : 0;
+    for (int64 k = 1; k <= 4; ++k) s.loci.allqtngenosrecomb(k, 1) = k % 2 == 0 ? 2 : 0;
     computetbvrecomb(s, 1, 1, 4);
     const double z = std::sqrt(0.75 / 8);
     EXPECT_NEAR(s.values.tbvrecombz(1), -z, 1e-15);
@@ -147,10 +147,10 @@ TEST_F(values, recombinationtraitbyhand)
     EXPECT_NEAR(s.values.varerecomb, 0.25, 1e-15);
 
     // The same genotype for all: no variance, whatever rounding does to the mean.
-    s.qtn.allqtnfreqrecomb(1) = 0.1;
+    s.loci.allqtnfreqrecomb(1) = 0.1;
     writefile("SimulatedData/RecombinationQtnInformationEffects.txt",
               "title\n 1 1 7 0.1 0.1 0.25 0.7\n");
-    s.qtn.allqtngenosrecomb.fill(1);
+    s.loci.allqtngenosrecomb.fill(1);
     computetbvrecomb(s, 2, 5, 8);
     for (int64 i = 5; i <= 8; ++i) {
         EXPECT_EQ(s.values.tbvrecombz(i), 0);
@@ -173,10 +173,10 @@ TEST_F(values, accuracyofonetrait)
     state &s = generation.s;
     s.qtn.qtnmodel = 2;
     s.pop.ngensel = 3;
-    s.selection.starttestindiv = 3;
-    s.selection.endtestindiv = 6;
-    s.selection.ntestindiv = 4;
-    s.selection.estimatedbvtrait.allocate(4, 1);
+    s.cycle.starttestindiv = 3;
+    s.cycle.endtestindiv = 6;
+    s.cycle.ntestindiv = 4;
+    s.cycle.estimatedbvtrait.allocate(4, 1);
     const double tpv[] = {2, 1, 4, 3};
     for (int64 x = 1; x <= 4; ++x) {
         s.values.tbv(x + 2, 2, 1) = static_cast<double>(x);
@@ -184,17 +184,17 @@ TEST_F(values, accuracyofonetrait)
     }
     const auto report = [&](int64 cycle) {
         runbody([&] { computebvaccuracyandmoments(s, cycle, 1); });
-        s.selection.accuracyfile.close();
+        s.cycle.accuracyfile.close();
         return numbersof(readlines("Selection/AccuracyOfBreedingValueSelectionCycle" +
                                    std::to_string(cycle) + ".txt")[1]);
     };
     s.selection.selmethindicator = 3;
     s.selection.selontbvyes1no0 = 2;
     EXPECT_EQ(report(1), (std::vector<double>{0.6, 2.5, 1.66667}));
-    EXPECT_EQ(s.selection.estimatedbvtrait(3, 1), 4);
+    EXPECT_EQ(s.cycle.estimatedbvtrait(3, 1), 4);
 
     // Estimates without variation: 0. The cycle of number ngensel + ngen takes no phenotypes.
-    s.selection.estimatedbvtrait.fill(1);
+    s.cycle.estimatedbvtrait.fill(1);
     EXPECT_EQ(report(4)[0], 0);
 
     // After the last generation the test set may be larger or smaller than the estimates: -1, -2,
@@ -202,11 +202,11 @@ TEST_F(values, accuracyofonetrait)
     s.selection.selmethindicator = 2;
     s.selection.selontbvyes1no0 = 0;
     for (const int64 n : {3, 6}) {
-        s.selection.estimatedbvtrait.allocate(n, 1);
+        s.cycle.estimatedbvtrait.allocate(n, 1);
         for (int64 x = 1; x <= n; ++x)
-            s.selection.estimatedbvtrait(x, 1) = x == 4 ? 4.0 : -static_cast<double>(x);
+            s.cycle.estimatedbvtrait(x, 1) = x == 4 ? 4.0 : -static_cast<double>(x);
         EXPECT_NEAR(report(5 + n)[0], n == 3 ? -1 : 7 / std::sqrt(5.0 * 29.0), 5e-6);
     }
-    s.selection.ntestindiv = 1;
+    s.cycle.ntestindiv = 1;
     EXPECT_EQ(runbody([&] { computebvaccuracyandmoments(s, 9, 1); }).code(), 110003);
 }
