@@ -194,7 +194,10 @@ void runtreecase(const std::string &name, const std::string &bin, const std::str
         writefile(folder + "/" + reportname, "status " + std::to_string(result.status) +
                                                  "\nstandard output:\n" + result.out +
                                                  "\nstandard error:\n" + result.err);
-        if (!withrun(treeafterrun(folder, inputs))) return;
+        treeofrun tree = treeafterrun(folder, inputs);
+        tree.folder = place;
+        tree.status = result.status;
+        if (!withrun(tree)) return;
     }
 }
 

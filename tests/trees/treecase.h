@@ -27,10 +27,12 @@ std::vector<std::string> treecases();
 std::vector<treerun> readtreecase(const std::string &name);
 
 // The files after a run, as they are compared, and their paths in the order in which they were last
-// written.
+// written; the folder that it ran in, and its exit status.
 struct treeofrun {
     filetree files;
     std::vector<std::string> writingorder;
+    std::string folder;
+    int status = 0;
 };
 // Runs a case in an empty folder with the programs of a build, and hands over the files after every
 // run. The runs stop where the routine that gets them says false.

@@ -1,5 +1,6 @@
 // treerunner - runs the cases of the stored trees (README.md), for the tests and for scripts/trees.
-//   treerunner check CASE            compares the files of its runs with the stored sums
+//   treerunner check CASE            compares the files of its runs with the stored sums, and looks
+//                                    whether they follow from one another
 //   treerunner renew CASE            stores the sums
 //   treerunner compare OLDBIN CASE   compares with the files that another build's programs leave
 //   treerunner make CASE FOLDER      runs it in a new folder, to be looked at
@@ -8,6 +9,7 @@
 
 #include "trees/treecase.h"
 
+#include "checkrun/checkrun.h"
 #include "testsupport.h"
 
 #include <algorithm>
@@ -74,6 +76,17 @@ void printothers(const std::vector<std::string> &paths)
     if (paths.size() > most) std::printf("  and %zu more\n", paths.size() - most);
 }
 
+// Whether the files of a run that came to its end follow from one another.
+bool followstogether(const std::string &name, std::size_t nruns, const treeofrun &tree)
+{
+    if (tree.status != 0) return true;
+    const checkrun::statements told = checkrunfolder(tree.folder);
+    if (told.nviolated == 0) return true;
+    std::printf("%s, run %zu: files that don't follow from one another:\n%s", name.c_str(), nruns,
+                told.report().c_str());
+    return false;
+}
+
 bool check(const std::string &name)
 {
     const std::vector<filetree> wanted = readsums(name);
@@ -84,9 +97,10 @@ bool check(const std::string &name)
         const filetree sums = sumsof(tree.files);
         const filetree none, &want = nruns < wanted.size() ? wanted[nruns] : none;
         ++nruns;
+        const bool follows = followstogether(name, nruns, tree);
         const auto paths = inwritingorder(differingpaths(want, sums), tree);
-        if (paths.empty()) return true;
-        same = false;
+        same = follows && paths.empty();
+        if (paths.empty()) return same;
         const char *how = !want.contains(paths[0])   ? "is new"
                           : !sums.contains(paths[0]) ? "is missing"
                                                      : "differs";
@@ -110,6 +124,7 @@ bool renew(const std::string &name)
     const temporaryfolder folder;
     runtreecase(name, binfolder(), folder.path, [&](const treeofrun &tree) {
         sums.push_back(sumsof(tree.files));
+        followstogether(name, sums.size(), tree);
         const std::string &report = tree.files.at("report.txt");
         if (!report.starts_with("status 0\n"))
             std::printf("%s, run %zu ended with %s\n", name.c_str(), sums.size(),
