@@ -42,15 +42,15 @@ testpackages=(libgtest-dev)
 # shellcheck disable=SC2034
 benchpackages=(libbenchmark-dev scrm time)
 
-# build FOLDER [CMAKE OPTION...]: configures and builds; the log is shown when it fails.
+# build FOLDER [CMAKE OPTION...]: configures and builds all, or $target; the log is shown when it fails.
 build() {
     local folder=$1 log
     shift
     mkdir -p "$folder"
     log=$folder/build.log
     say "Building in $folder ..."
-    if ! { cmake -S "$root" -B "$folder" "$@" && cmake --build "$folder" -j"$(nproc)"; } \
-        >"$log" 2>&1; then
+    if ! { cmake -S "$root" -B "$folder" "$@" &&
+        cmake --build "$folder" -j"$(nproc)" ${target:+--target "$target"}; } >"$log" 2>&1; then
         tail -n 40 "$log" >&2
         fail "the build failed, see $log"
     fi
