@@ -1,4 +1,4 @@
-// presets.h - the histories of the founder populations: a fixed table of species, or a file.
+// presets.h - the histories of the founder populations: the table of species, or a file.
 //
 // pophistorymacs names one of the cases internaltest, internalcattle, internalpig,
 // internalchicken, internalrabbit, internalmaize, internalmaizelandrace, internalwheat (in any
@@ -11,7 +11,7 @@
 #include <string>
 
 // Settles the values that the specification left to the preset and gives the parameter text for
-// the coalescent simulator (see calculatemacsparams in runmacs.h). Called for every chromosome; a
+// the coalescent simulator (see calculatemacsparams). Called for every chromosome; a
 // user's file is read again each time, with its warning.
 //
 // Of a preset only values whose internal... flag is set are taken, in this order: effecpopsize,
@@ -22,3 +22,10 @@
 // been settled. A user's file that is missing, empty or holds a character with a meaning to the
 // shell is an I/O error: its text becomes part of a command.
 void initmacscases(state &s, std::string &macsparams);
+
+// The parameter text: length in bases, mutation rate -t and recombination rate -r per base, scaled
+// by 4 Ne, each E10.2, and the additional text. The recombination rate per base, morgansmacs /
+// chrlengthbasesmacs, is a single-precision quotient.
+void calculatemacsparams(std::string &macsparams, int64 chrlengthbasesmacs, int64 effecpopsize,
+                         double mutationratemacs, double morgansmacs,
+                         const std::string &additionalmacsparams);

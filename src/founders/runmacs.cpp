@@ -142,19 +142,3 @@ void readrecombspecformacs(int64 chrom)
     }
     out.close();
 }
-
-void calculatemacsparams(std::string &macsparams, int64 chrlengthbasesmacs, int64 effecpopsize,
-                         double mutationratemacs, double morgansmacs,
-                         const std::string &additionalmacsparams)
-{
-    const double fourne = static_cast<double>(4 * effecpopsize);
-    const double recombrate = singlequotient(morgansmacs, static_cast<double>(chrlengthbasesmacs));
-    macsparams.clear();
-    puti(macsparams, chrlengthbasesmacs, 0);
-    macsparams += " -t ";
-    pute(macsparams, fourne * mutationratemacs, 10, 2);
-    macsparams += " -r ";
-    pute(macsparams, fourne * recombrate, 10, 2);
-    macsparams += " ";
-    macsparams += trimright(additionalmacsparams);
-}

@@ -43,10 +43,3 @@ std::string macscommand(const std::string &folder, int64 nhaps, const std::strin
 // Stops: 110031 when a region does not start and stop behind the start and stop of the one
 // before, or has no length.
 void readrecombspecformacs(int64 chrom);
-
-// The parameter text: length in bases, mutation rate -t and recombination rate -r per base, scaled
-// by 4 Ne, each E10.2, and the additional text. The recombination rate per base, morgansmacs /
-// chrlengthbasesmacs, is a single-precision quotient.
-void calculatemacsparams(std::string &macsparams, int64 chrlengthbasesmacs, int64 effecpopsize,
-                         double mutationratemacs, double morgansmacs,
-                         const std::string &additionalmacsparams);

@@ -1,4 +1,5 @@
 // Keys of boxes 5 to 7: chromosomes and the coalescent simulator, SNP chips, QTN.
+#include "spec/speciestable.h"
 #include "spec/specreader.h"
 #include "textlayout.h"
 #include "words.h"
@@ -26,22 +27,10 @@ void readinternalorinteger(specreader &r, bool &internal, int64 &value, int64 hi
     value = internal ? 0 : valueinteger(r, 2, 0, highest);
 }
 
-// Chromosome length in Morgans of a population history. The lengths are single-precision
-// constants by design: the rounding reaches the files.
+// Chromosome length in Morgans of a population history.
 double presetmorgans(std::string_view pophistory)
 {
-    struct preset {
-        const char *name;
-        float morgans;
-    };
-    constexpr preset presets[] = {
-        {"internaltest", 1.0f},          {"internalcattle", 1.0f},  {"internalpig", 1.71f},
-        {"internalchicken", 0.84f},      {"internalrabbit", 1.36f}, {"internalmaize", 2.0f},
-        {"internalmaizelandrace", 2.0f}, {"internalwheat", 1.43f},
-    };
-    const std::string word = parsestringwindows(pophistory);
-    for (const preset &p : presets)
-        if (word == p.name) return p.morgans;
+    if (const speciesrow *species = findspecies(pophistory)) return species->morgans;
     printline("Please check specfile, ChromosomeLengthMorgansSolvanto not set properly");
     return 0;
 }
