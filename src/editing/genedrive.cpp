@@ -2,6 +2,7 @@
 
 #include "files.h"
 #include "haplotypes/blocks.h"
+#include "haplotypes/droplines.h"
 #include "stops.h"
 #include "textlayout.h"
 
@@ -97,6 +98,15 @@ void convertdrives(state &s, const std::vector<drivesite> &sites, int64 individ,
                           s.haplo.tmpgenome.gamete(indivpos, 2), at.site);
             setdriveflags(s, individ, at.qtn);
         }
+}
+
+void drivezygotes(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv)
+{
+    const std::vector<drivesite> sites = drivesites(s, chrom);
+    for (int64 i = startindiv; i <= endindiv; ++i) {
+        if (isdoubledhaploid(s, currentgen)) copysireflags(s, i);
+        convertdrives(s, sites, i, i - startindiv + 1);
+    }
 }
 
 void genedriveedit(int64 phasewithgenedrive, int64 *fromsire, int64 *fromdam, int64 qtnid)

@@ -45,6 +45,11 @@ std::vector<drivesite> drivesites(const state &s, int64 chrom);
 // of phase 1.
 void convertdrives(state &s, const std::vector<drivesite> &sites, int64 individ, int64 indivpos);
 
+// The zygotes of a selection generation on a chromosome, individuals startindiv to endindiv, as
+// tmpgenome holds them: doubled haploids take over the flags of their gamete, then all are
+// converted.
+void drivezygotes(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv);
+
 // Copies the allele at a site, qtnid, from one phase to the other.
 //   phasewithgenedrive  in      1 or 2; a plain stop otherwise
 //   fromsire, fromdam   in/out  blocks of the individual's two gametes

@@ -1,6 +1,5 @@
 #include "haplotypes/droplines.h"
 
-#include "editing/genedrive.h"
 #include "haplotypes/genomefiles.h"
 
 #include <algorithm>
@@ -61,7 +60,6 @@ void finishindividual(state &s, dropwork &work, int64 chrom, int64 currentgen, i
     if (isdoubledhaploid(s, currentgen)) {
         const int64 *sireside = s.haplo.tmpgenome.gamete(indivpos, 1);
         std::copy(sireside, sireside + s.haplo.nblock, s.haplo.tmpgenome.gamete(indivpos, 2));
-        if (s.editing.genedriveonoff) copysireflags(s, individ);
     }
 }
 

@@ -19,10 +19,19 @@ constexpr const char *recombinationcounts = "SimulatedData/RecombinationCount.tx
 // One free-form line per chromosome: chromosome, highest crossing site met so far.
 constexpr const char *highestcrossingsfile = "./SimulatedData/GlobalRecombLocationMax.txt";
 
-// What is done with a generation on a chromosome as soon as tmpgenome holds it, individuals
-// startindiv to endindiv: the stage that drops it is given the routine by its caller.
+// What others do with a generation on a chromosome, individuals startindiv to endindiv, whose
+// genomes are in tmpgenome: the stage that drops it is given the routines by its caller.
 using generationstep = void (*)(state &s, int64 chrom, int64 currentgen, int64 startindiv,
                                 int64 endindiv);
+// What others do with a gamete just made for an individual from its parent's strands, with the last
+// site before each of its crossings, -99 behind the last.
+using gametestep = void (*)(state &s, int64 individ, int64 parentgender, int64 chrom,
+                            const array1<int64> &recomblocation);
+struct dropsteps {
+    generationstep finishgeneration = nullptr; // once the genomes are written
+    gametestep followgamete = nullptr;         // none: nothing to be done
+    generationstep finishzygotes = nullptr;    // before the genomes are written; none: nothing
+};
 
 // The open files of a drop and its working space.
 struct dropwork {
@@ -38,7 +47,7 @@ void opendrop(state &s, dropwork &work, int64 chrom, int64 startindiv);
 void closedrop(dropwork &work);
 
 // Makes the gamete of individual individ, at place indivpos of tmpgenome, from the strands of its
-// parent on that side, and writes its tracking line.
+// parent on that side, and writes its tracking line. Its crossings stand in work.recomblocation.
 // Draws: one for firstpos, then those of recombinegametes.
 void dropgamete(state &s, dropwork &work, int64 chrom, int64 individ, int64 indivpos,
                 int64 parentgender, const parentstrands &strands);
@@ -50,8 +59,7 @@ bool isdoubledhaploid(const state &s, int64 currentgen);
 void repeatsiregamete(state &s, dropwork &work, int64 individ);
 
 // What follows an individual's gametes: its count line, its de novo mutations, and the copy of a
-// doubled haploid's gamete (behind the mutations: one on gamete 1 is copied, one on gamete 2 gone)
-// and of its drive flags.
+// doubled haploid's gamete (behind the mutations: one on gamete 1 is copied, one on gamete 2 gone).
 void finishindividual(state &s, dropwork &work, int64 chrom, int64 currentgen, int64 individ,
                       int64 indivpos);
 

@@ -1,6 +1,5 @@
 #include "haplotypes/gametes.h"
 
-#include "editing/genedrive.h"
 #include "haplotypes/blocks.h"
 
 #include <cstring>
@@ -63,8 +62,6 @@ void recombinegametes(state &s, int64 chrom, int64 individ, int64 parentgender,
         int64 &highest = s.haplo.globalrecomblocationmax(chrom);
         if (recomblocation(ncrossings) > highest) highest = recomblocation(ncrossings);
     }
-    if (s.editing.genedriveonoff && individ > s.pop.cumindivnbtogen(s.pop.ngen))
-        definegenedriveinheritance(s, individ, parentgender, chrom, recomblocation);
 }
 
 void addmutinped(state &s, int64 chrom, int64 individ, int64 indivpos)

@@ -26,8 +26,7 @@ struct parentstrands {
 //   recombinedgamete  out  (nblock) blocks; no part of the strands
 // Reads    nblock; recombrateperblock(nblock): probability of a crossing in each block; 1 or more
 //          is a crossing in every gamete
-// Updates  recombcount(individ, parentgender), globalrecomblocationmax(chrom), random; with
-//          genedriveonoff the drive flags of an individual of a selection generation
+// Updates  recombcount(individ, parentgender), globalrecomblocationmax(chrom), random
 // Draws: one per block, and 59 more right after the draw of a block that crosses.
 // Stops: none. Cost: a draw and a copy per block; alleles are looked at only where a crossing
 // falls.

@@ -1,7 +1,6 @@
 #include "haplotypes/selectiondrop.h"
 
 #include "arrayscope.h"
-#include "editing/genedrive.h"
 #include "haplotypes/blocks.h"
 #include "haplotypes/droplines.h"
 #include "haplotypes/genomefiles.h"
@@ -67,7 +66,7 @@ void setparentrates(state &s, int64 parent)
 } // namespace
 
 void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
-                       int64 endtestindiv)
+                       int64 endtestindiv, const dropsteps &steps)
 {
     arrayscope arrays;
     arrays.hold(s.haplo.oldtmpgenome);
@@ -78,8 +77,6 @@ void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv
     opendrop(s, work, chrom, startindiv);
     s.haplo.tmpgenome.fill(-99);
     if (s.editing.geneditonoff) editparents(s, chrom, parents);
-    const std::vector<drivesite> drives =
-        s.editing.genedriveonoff ? drivesites(s, chrom) : std::vector<drivesite>();
 
     for (int64 i = startindiv; i <= endindiv; ++i) {
         const int64 k = i - startindiv + 1;
@@ -89,20 +86,21 @@ void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv
             setparentrates(s, parent);
             dropgamete(s, work, chrom, i, k, side,
                        {s.haplo.oldtmpgenome.gamete(row, 1), s.haplo.oldtmpgenome.gamete(row, 2)});
+            if (steps.followgamete) steps.followgamete(s, i, side, chrom, work.recomblocation);
             if (isdoubledhaploid(s, currentgen)) {
                 repeatsiregamete(s, work, i);
                 break;
             }
         }
         finishindividual(s, work, chrom, currentgen, i, k);
-        convertdrives(s, drives, i, k);
     }
+    if (steps.finishzygotes) steps.finishzygotes(s, chrom, currentgen, startindiv, endindiv);
     writegenome(genomefile(chrom, currentgen), s.haplo.tmpgenome);
     closedrop(work);
 }
 
 void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int64 endindiv,
-                              generationstep finishgeneration)
+                              const dropsteps &steps)
 {
     for (int64 chrom = 1; chrom <= s.founders.nchrom; ++chrom) {
         s.haplo.nblock = s.sites.nsegreginclglobal(chrom) / lociperblock;
@@ -110,7 +108,7 @@ void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int6
         arrays.make(s.haplo.tmpgenome, s.pop.nindivinthisgen(currentgen), s.haplo.nblock);
         arrays.make(s.haplo.recombrateperblock, s.haplo.nblock);
         arrays.make(s.haplo.recombfactperblock, s.haplo.nblock);
-        genedropselection(s, chrom, currentgen, startindiv, endindiv, s.cycle.endtestindiv);
-        finishgeneration(s, chrom, currentgen, startindiv, endindiv);
+        genedropselection(s, chrom, currentgen, startindiv, endindiv, s.cycle.endtestindiv, steps);
+        steps.finishgeneration(s, chrom, currentgen, startindiv, endindiv);
     }
 }

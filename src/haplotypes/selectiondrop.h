@@ -10,22 +10,21 @@
 
 // Drops generation currentgen, individuals startindiv to endindiv, on all chromosomes: writes
 // GenomeGeneration<currentgen>.txt, extends RecombinationTracking.txt and RecombinationCount.txt,
-// and calls finishgeneration on each chromosome.
+// and takes the given steps on each chromosome.
 // Reads    ped, recombperindperchr, the test set (the generation before); recombcount, which holds
 //          all earlier individuals' counts and 0 for the new ones; GenomeGeneration<g>.txt of the
 //          generation before, or of the parents' generations where currentgen has its pedigree from
 //          outside (importextpedforthisgen); the cycle's edits of parents, with geneditonoff
-// Updates  recombcount, globalrecomblocationmax, random; with genedriveonoff the drive flags of the
-//          generation
+// Updates  recombcount, globalrecomblocationmax, random, and what the steps update
 // Draws, for each chromosome and individual: for the sire's side one for the strand to begin on and
 // those of recombinegametes; then the same for the dam's side, unless the generation is of doubled
 // haploids.
 // Stops: those of readrecombspec.
 void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int64 endindiv,
-                              generationstep finishgeneration);
+                              const dropsteps &steps);
 
-// The same for one chromosome, without finishgeneration: tmpgenome, recombfactperblock and
+// The same for one chromosome, without steps.finishgeneration: tmpgenome, recombfactperblock and
 // recombrateperblock are made by the caller, nblock is set. endtestindiv is the last individual of
 // the generation before.
 void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
-                       int64 endtestindiv);
+                       int64 endtestindiv, const dropsteps &steps);

@@ -180,7 +180,12 @@ void chooseparents(state &s, int64 selectioncycle, int64 currentgen, int64 start
 void makegeneration(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
 {
     writeoutpedigree(s);
-    performgenedropselection(s, currentgen, startindiv, endindiv, markgeneration);
+    dropsteps steps{markgeneration};
+    if (s.editing.genedriveonoff) {
+        steps.followgamete = definegenedriveinheritance;
+        steps.finishzygotes = drivezygotes;
+    }
+    performgenedropselection(s, currentgen, startindiv, endindiv, steps);
     compileqtngenotypes(s, currentgen, startindiv, endindiv);
     computetbv(s, startindiv, endindiv);
     if (s.qtn.dominonoff) computetdv(s, startindiv, endindiv);
