@@ -1,0 +1,29 @@
+#include "descriptors.h"
+
+#include "stops.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+#include <vector>
+
+int openchecked(const std::string &path, int flags)
+{
+    int descriptor;
+    do descriptor = ::open(path.c_str(), flags | O_CLOEXEC, 0666);
+    while (descriptor < 0 && errno == EINTR);
+    if (descriptor < 0)
+        ioerrno(path, (flags & O_ACCMODE) == O_RDONLY ? "can't open for reading"
+                                                      : "can't open for writing");
+    return descriptor;
+}
+
+std::size_t readchecked(int descriptor, const std::string &path, char *bytes, std::size_t n)
+{
+    ssize_t got;
+    do got = ::read(descriptor, bytes, n);
+    while (got < 0 && errno == EINTR);
+    if (got < 0) ioerrno(path, "can't read");
+    return static_cast<std::size_t>(got);
+}

@@ -1,0 +1,115 @@
+// framedrecords.h - binary files of framed records: writing and reading them.
+//
+// A failure ends the run with an I/O error that names the file and the reason (see stops.h).
+#pragma once
+
+#include "outfile.h"
+
+#include <string>
+#include <vector>
+
+// Framed binary records: the length in bytes as a 32-bit little-endian integer before and after
+// the data. A record above the limit goes on in sub-records: a negative leading length says that
+// the record goes on in another frame, a negative trailing length that it continues an earlier.
+constexpr int64 framelimit = 2147483639;
+
+// Writes one record of a known total length piece by piece.
+class framewriter
+{
+  public:
+    // limit is the longest frame; only tests give another one than framelimit.
+    framewriter(outfile &file, int64 nbytes, int64 limit = framelimit);
+    void put(const void *bytes, int64 n);
+    // The next n bytes of the record, made by make(char *to) in the file's buffer, without a copy
+    // where they lie in one frame.
+    template <class maker> void putmade(int64 n, maker make)
+    {
+        if (n <= inframe) {
+            make(out.reserve(static_cast<std::size_t>(n)));
+            out.commit(static_cast<std::size_t>(n));
+            inframe -= n;
+            remaining -= n;
+        } else {
+            std::vector<char> bytes(static_cast<std::size_t>(n));
+            make(bytes.data());
+            put(bytes.data(), n);
+        }
+    }
+    // All bytes must have been put by now.
+    void finish();
+
+  private:
+    void beginframe();
+    void endframe();
+    outfile &out;
+    int64 remaining; // of the record
+    int64 inframe = 0;
+    int64 framelength = 0;
+    int64 longest;
+    bool first = true;
+};
+
+// A file of framed records being read. The caller knows each record's length: another one in the
+// file is an I/O error.
+class framereader
+{
+  public:
+    framereader() = default;
+    explicit framereader(const std::string &filename) { open(filename); }
+    framereader(const framereader &) = delete;
+    framereader &operator=(const framereader &) = delete;
+    framereader(framereader &&other) noexcept;
+    framereader &operator=(framereader &&other) noexcept;
+    ~framereader() { close(); }
+    void open(const std::string &filename);
+    void close();
+    bool isopen() const { return descriptor >= 0; }
+    const std::string &path() const { return name; }
+    // Begins a record of n bytes, then gives them piece by piece, and ends it.
+    void begin(int64 nbytes);
+    void get(void *bytes, int64 n);
+    // The next n bytes, shown to use(const char *from) where they lie: in the buffer, without a
+    // copy, if they lie there together.
+    template <class user> void show(int64 n, user use)
+    {
+        if (n <= inframe && n <= static_cast<int64>(filled - at)) {
+            use(static_cast<const char *>(buffer.data() + at));
+            at += static_cast<std::size_t>(n);
+            inframe -= n;
+            remaining -= n;
+        } else {
+            std::vector<char> bytes(static_cast<std::size_t>(n));
+            get(bytes.data(), n);
+            use(static_cast<const char *>(bytes.data()));
+        }
+    }
+    void finish();
+    // A whole record at once.
+    void record(void *bytes, int64 nbytes)
+    {
+        begin(nbytes);
+        get(bytes, nbytes);
+        finish();
+    }
+
+  private:
+    void readbytes(char *bytes, std::size_t n);
+    std::int32_t marker();
+    void endframe();
+    int descriptor = -1;
+    std::string name;
+    std::vector<char> buffer;
+    std::size_t at = 0, filled = 0;
+    int64 remaining = 0; // of the record
+    int64 inframe = 0;   // left in the frame
+    int64 framelength = 0;
+    bool more = false; // the record goes on in another frame
+    bool first = true;
+};
+
+// A whole record of a file at once.
+void writeframed(outfile &out, const void *bytes, int64 nbytes);
+
+// Bytes of the one record that a file consists of, by the marks of its frames. An I/O error if the
+// file is cut or holds more.
+int64 lengthofrecord(const std::string &filename);

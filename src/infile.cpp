@@ -1,0 +1,236 @@
+#include "infile.h"
+
+#include "descriptors.h"
+#include "numberfields.h"
+#include "stops.h"
+#include "textlayout.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+infile::infile(infile &&other) noexcept
+{
+    *this = std::move(other);
+}
+
+infile &infile::operator=(infile &&other) noexcept
+{
+    std::swap(descriptor, other.descriptor);
+    std::swap(name, other.name);
+    std::swap(buffer, other.buffer); // the heap block moves along, pointers into it stay valid
+    std::swap(begin, other.begin);
+    std::swap(finish, other.finish);
+    std::swap(ended, other.ended);
+    std::swap(haslineend, other.haslineend);
+    std::swap(nlines, other.nlines);
+    std::swap(cursorstart, other.cursorstart);
+    std::swap(cursor, other.cursor);
+    std::swap(lineend, other.lineend);
+    return *this;
+}
+
+void infile::open(const std::string &filename)
+{
+    close();
+    name = filename;
+    descriptor = openchecked(name, O_RDONLY);
+    struct stat status {
+    };
+    if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
+        errno = EISDIR;
+        ioerrno(name, "can't read");
+    }
+    buffer.resize(buffersize);
+    begin = finish = 0;
+    ended = false;
+    nlines = 0;
+    cursorstart = cursor = lineend = nullptr;
+}
+
+void infile::close()
+{
+    if (descriptor >= 0) ::close(std::exchange(descriptor, -1));
+}
+
+void infile::rewind()
+{
+    if (::lseek(descriptor, 0, SEEK_SET) < 0) ioerrno(name, "can't rewind");
+    begin = finish = 0;
+    ended = false;
+    nlines = 0;
+    cursorstart = cursor = lineend = nullptr;
+}
+
+// Reads on behind the unread bytes, which are first moved to the front of the buffer.
+bool infile::fill()
+{
+    if (ended) return false;
+    if (begin > 0) {
+        std::memmove(buffer.data(), buffer.data() + begin, finish - begin);
+        finish -= begin;
+        begin = 0;
+    }
+    if (finish == buffer.size()) buffer.resize(2 * buffer.size());
+    const std::size_t got =
+        readchecked(descriptor, name, buffer.data() + finish, buffer.size() - finish);
+    finish += got;
+    if (got == 0) ended = true;
+    return got > 0;
+}
+
+bool infile::nextrecord()
+{
+    haslineend = true;
+    std::size_t scanned = 0; // bytes behind begin known to hold no line end
+    for (;;) {
+        const char *from = buffer.data() + begin + scanned;
+        const std::size_t n = finish - begin - scanned;
+        const void *found = n > 0 ? std::memchr(from, '\n', n) : nullptr;
+        if (found) {
+            cursorstart = buffer.data() + begin;
+            lineend = static_cast<const char *>(found);
+            begin = static_cast<std::size_t>(lineend + 1 - buffer.data());
+            break;
+        }
+        scanned += n;
+        if (fill()) continue;
+        if (begin == finish) {
+            cursorstart = cursor = lineend = nullptr;
+            return false;
+        }
+        cursorstart = buffer.data() + begin; // last line without a line end
+        lineend = buffer.data() + finish;
+        begin = finish;
+        haslineend = false;
+        break;
+    }
+    if (lineend > cursorstart && lineend[-1] == '\r') --lineend;
+    cursor = cursorstart;
+    ++nlines;
+    return true;
+}
+
+void infile::record()
+{
+    if (!nextrecord())
+        ioerror(name, "ends after line " + std::to_string(nlines) + ", more lines are needed");
+}
+
+void infile::skiprecords(int64 n)
+{
+    for (int64 i = 0; i < n; ++i) record();
+}
+
+void infile::complain(std::string_view what) const
+{
+    ioerror(name, "line " + std::to_string(nlines) + ": " + std::string(what));
+}
+
+std::string_view infile::nextword()
+{
+    for (;;) {
+        while (cursor != lineend && isseparator(*cursor)) ++cursor;
+        if (cursor != lineend) break;
+        record();
+    }
+    const char *const first = cursor;
+    while (cursor != lineend && !isseparator(*cursor)) ++cursor;
+    return {first, static_cast<std::size_t>(cursor - first)};
+}
+
+std::string_view infile::word()
+{
+    return nextword();
+}
+
+int64 infile::integer()
+{
+    const std::string_view text = nextword();
+    int64 value = 0;
+    if (!readinteger(text, value))
+        complain("an integer is wanted, not \"" + std::string(text) + "\"");
+    return value;
+}
+
+double infile::real()
+{
+    const std::string_view text = nextword();
+    double value = 0;
+    if (!readreal(text, value)) complain("a number is wanted, not \"" + std::string(text) + "\"");
+    return value;
+}
+
+void infile::skipwords(int64 n)
+{
+#ifdef __SSE2__
+    if (lineend - cursor >= 64) {
+        std::uint64_t separators = separatorsof(cursor);
+        std::uint64_t at = 0; // bit from which on the record is unread
+        for (; n > 0; --n) {
+            const std::uint64_t word = ~separators >> at << at;
+            if (word == 0) break;
+            const std::uint64_t first = word & (0 - word);
+            const std::uint64_t behind = separators & ~(first - 1);
+            if (behind == 0) break; // the word goes on beyond the 64 bytes
+            at = static_cast<std::uint64_t>(std::countr_zero(behind));
+        }
+        cursor += at;
+    }
+#endif
+    for (; n > 0; --n) nextword();
+}
+
+void infile::reals(double *values, int64 n)
+{
+    for (int64 i = 0; i < n; ++i) {
+#ifdef __SSE2__
+        const auto left = lineend - cursor;
+        if (left >= 20 && (left == 20 || cursor[20] == ' ' || isseparator(cursor[20])) &&
+            fixedreal(cursor, values[i])) {
+            cursor += 20;
+            continue;
+        }
+#endif
+        values[i] = real();
+    }
+}
+
+void infile::alleles(int8 *values, int64 n)
+{
+    int64 i = 0;
+    while (i < n) {
+        // The layout of all allele files: a blank and a digit, again and again.
+        const char *p = cursor;
+#ifdef __SSE2__
+        const __m128i blankzero = _mm_set1_epi16(0x3020); // "0" above " ", little-endian
+        const __m128i limits = _mm_set1_epi16(0x0900);
+        while (n - i >= 8 && lineend - p >= 17 && isseparator(p[16])) {
+            const __m128i text =
+                _mm_xor_si128(_mm_loadu_si128(reinterpret_cast<const __m128i *>(p)), blankzero);
+            // All bytes within 0 (blank) or 0 to 9 (digit): nothing saturated away.
+            if (_mm_movemask_epi8(
+                    _mm_cmpeq_epi8(_mm_subs_epu8(text, limits), _mm_setzero_si128())) != 0xffff)
+                break;
+            const __m128i digits = _mm_srli_epi16(text, 8);
+            _mm_storel_epi64(reinterpret_cast<__m128i *>(values + i),
+                             _mm_packus_epi16(digits, digits));
+            i += 8;
+            p += 16;
+        }
+#endif
+        while (i < n && lineend - p >= 2 && p[0] == ' ' && p[1] >= '0' && p[1] <= '9' &&
+               (lineend - p == 2 || isseparator(p[2]))) {
+            values[i++] = static_cast<int8>(p[1] - '0');
+            p += 2;
+        }
+        cursor = p;
+        if (i == n) return;
+        const int64 value = integer(); // anything else, and the end of the record
+        if (value < -128 || value > 127) complain("a genotype or allele is out of range");
+        values[i++] = static_cast<int8>(value);
+    }
+}

@@ -1,0 +1,81 @@
+// infile.h - a text file being read: records one after the other, and free-form values.
+//
+// Every open and read is checked: a failure ends the run with an I/O error that names the file, its
+// line and the reason (see stops.h).
+#pragma once
+
+#include "arrays.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A file being read, record by record. Records end at a line end; a carriage return before it
+// is dropped, and a missing last line end is accepted.
+//
+// A free-form read is record() followed by calls of integer(), real() and word(): values are
+// separated by blanks, tabs or commas, a record with too few values is continued by the next,
+// and what is left of a record is dropped by the next record(). A value that can't be read, or a
+// file that ends too early, is an I/O error that names file and line.
+class infile
+{
+  public:
+    infile() = default;
+    // The file must exist.
+    explicit infile(const std::string &filename) { open(filename); }
+    infile(const infile &) = delete;
+    infile &operator=(const infile &) = delete;
+    infile(infile &&other) noexcept;
+    infile &operator=(infile &&other) noexcept;
+    ~infile() { close(); }
+
+    void open(const std::string &filename);
+    void close();
+    bool isopen() const { return descriptor >= 0; }
+    const std::string &path() const { return name; }
+    // Back to the first record.
+    void rewind();
+
+    // Goes to the next record; false at the end of the file.
+    bool nextrecord();
+    // Goes to the next record, which must exist.
+    void record();
+    void skiprecords(int64 n);
+    // The text of the current record, valid until the next one is gone to.
+    std::string_view line() const
+    {
+        return {cursorstart, static_cast<std::size_t>(lineend - cursorstart)};
+    }
+    // What is left of the current record behind the values read so far.
+    std::string_view rest() const { return {cursor, static_cast<std::size_t>(lineend - cursor)}; }
+    // Number of the current record, from 1.
+    int64 linenumber() const { return nlines; }
+    // Whether the current record has its line end; only the last of a file can lack it.
+    bool endswithlineend() const { return haslineend; }
+
+    int64 integer();
+    double real();
+    std::string_view word();
+    // n reals, exactly as n calls of real() give them; quick where they stand in fields F20.10.
+    void reals(double *values, int64 n);
+    // Passes over n values, whatever they are.
+    void skipwords(int64 n);
+    // n small integers (-128 to 127): alleles and genotypes, in two columns each or free-form.
+    void alleles(int8 *values, int64 n);
+    // An I/O error about the current record.
+    [[noreturn]] void complain(std::string_view what) const;
+
+  private:
+    bool fill();
+    std::string_view nextword();
+    int descriptor = -1;
+    std::string name;
+    std::vector<char> buffer;
+    std::size_t begin = 0, finish = 0; // unread bytes of the buffer, from 0
+    bool ended = false;
+    bool haslineend = true; // of the current record
+    int64 nlines = 0;
+    const char *cursorstart = nullptr; // current record
+    const char *cursor = nullptr;
+    const char *lineend = nullptr;
+};

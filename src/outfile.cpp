@@ -1,0 +1,209 @@
+#include "outfile.h"
+
+#include "descriptors.h"
+#include "shell.h"
+#include "stops.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace
+{
+// Full buffers are written up to a multiple of this offset in the file: pieces that end within a
+// page cost the system up to half as much again.
+constexpr std::size_t alignment = 1 << 16;
+
+// Opens a file to be written on. One whose records are to be kept must be there: made empty here it
+// would stand in the way of its compressed form.
+int opentoextend(const std::string &path, int64 nkept)
+{
+    if (nkept == 0) return openchecked(path, O_RDWR | O_CREAT);
+    if (!pathexists(path) && pathexists(path + ".gz"))
+        ioerror(path, "was compressed by an earlier run: uncompress " + path +
+                          ".gz to go on from a generation behind the first");
+    return openchecked(path, O_RDWR);
+}
+
+// Offset behind the first n line ends of an open file.
+off_t offsetbehindlines(int descriptor, const std::string &path, int64 n)
+{
+    std::vector<char> chunk(buffersize);
+    off_t offset = 0;
+    int64 found = 0;
+    while (found < n) {
+        const std::size_t got = readchecked(descriptor, path, chunk.data(), chunk.size());
+        if (got == 0)
+            ioerror(path, "holds " + std::to_string(found) + " lines where " + std::to_string(n) +
+                              " of earlier generations are needed");
+        const char *p = chunk.data();
+        const char *const end = p + got;
+        while (found < n) {
+            const void *lineend = std::memchr(p, '\n', static_cast<std::size_t>(end - p));
+            if (!lineend) break;
+            p = static_cast<const char *>(lineend) + 1;
+            ++found;
+        }
+        offset += found < n ? static_cast<off_t>(got) : static_cast<off_t>(p - chunk.data());
+    }
+    return offset;
+}
+
+void cutandseek(int descriptor, const std::string &path, off_t offset)
+{
+    if (::ftruncate(descriptor, offset) != 0) ioerrno(path, "can't cut");
+    if (::lseek(descriptor, offset, SEEK_SET) < 0) ioerrno(path, "can't seek");
+}
+} // namespace
+
+outfile::outfile(outfile &&other) noexcept
+{
+    *this = std::move(other);
+}
+
+outfile &outfile::operator=(outfile &&other) noexcept
+{
+    std::swap(descriptor, other.descriptor);
+    std::swap(name, other.name);
+    std::swap(buffer, other.buffer);
+    std::swap(used, other.used);
+    std::swap(misalignment, other.misalignment);
+    return *this;
+}
+
+outfile::~outfile()
+{
+    if (descriptor < 0) return;
+    const char *p = buffer.data();
+    while (used > 0) {
+        const ssize_t n = ::write(descriptor, p, used);
+        if (n <= 0) break;
+        p += n;
+        used -= static_cast<std::size_t>(n);
+    }
+    ::close(descriptor);
+}
+
+void outfile::open(const std::string &filename)
+{
+    if (isopen()) close();
+    name = filename;
+    descriptor = openchecked(name, O_WRONLY | O_CREAT | O_TRUNC);
+    buffer.resize(buffersize);
+    used = misalignment = 0;
+}
+
+void outfile::openstandardoutput()
+{
+    if (isopen()) close();
+    name = "standard output";
+    descriptor = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+    if (descriptor < 0) ioerrno(name, "can't open for writing");
+    buffer.resize(buffersize);
+    used = misalignment = 0;
+}
+
+void outfile::openandkeep(const std::string &filename, int64 nlines)
+{
+    if (isopen()) close();
+    name = filename;
+    descriptor = opentoextend(name, nlines);
+    buffer.resize(buffersize);
+    used = 0;
+    const off_t offset = offsetbehindlines(descriptor, name, nlines);
+    cutandseek(descriptor, name, offset);
+    misalignment = static_cast<std::size_t>(offset) % alignment;
+}
+
+void outfile::openandkeepfixed(const std::string &filename, int64 nlines, int64 recordlength,
+                               int64 headerlength)
+{
+    if (isopen()) close();
+    name = filename;
+    const off_t offset = static_cast<off_t>(headerlength + nlines * recordlength);
+    descriptor = opentoextend(name, offset);
+    buffer.resize(buffersize);
+    used = 0;
+    if (offset > 0) {
+        char last = 0;
+        const ssize_t got = ::pread(descriptor, &last, 1, offset - 1);
+        if (got < 0) ioerrno(name, "can't read");
+        if (got == 0 || last != '\n')
+            ioerror(name, "does not hold the " + std::to_string(nlines) +
+                              " lines of earlier generations in the expected layout");
+    }
+    cutandseek(descriptor, name, offset);
+    misalignment = static_cast<std::size_t>(offset) % alignment;
+}
+
+void outfile::writethrough(const char *bytes, std::size_t n)
+{
+    misalignment = (misalignment + n) % alignment;
+    while (n > 0) {
+        const ssize_t written = ::write(descriptor, bytes, n);
+        if (written < 0) {
+            if (errno == EINTR) continue;
+            used = 0; // nothing more can be saved: keep the destructor from trying
+            ioerrno(name, "can't write");
+        }
+        bytes += written;
+        n -= static_cast<std::size_t>(written);
+    }
+}
+
+void outfile::flush()
+{
+    const std::size_t n = used;
+    used = 0;
+    writethrough(buffer.data(), n);
+}
+
+void outfile::makeroom(std::size_t n)
+{
+    const std::size_t beyond = (misalignment + used) % alignment; // the last multiple
+    if (beyond < used) {
+        writethrough(buffer.data(), used - beyond);
+        std::memmove(buffer.data(), buffer.data() + used - beyond, beyond);
+        used = beyond;
+    }
+    if (used + n > buffer.size()) buffer.resize(used + n);
+}
+
+void outfile::write(std::string_view bytes)
+{
+    if (bytes.size() >= buffersize) { // large pieces go straight through
+        flush();
+        writethrough(bytes.data(), bytes.size());
+        return;
+    }
+    std::memcpy(reserve(bytes.size()), bytes.data(), bytes.size());
+    commit(bytes.size());
+}
+
+void outfile::writeline(textline &line)
+{
+    line += '\n';
+    write(line);
+    line.clear();
+}
+
+void outfile::writeline(textline &&line)
+{
+    textline copy = std::move(line);
+    writeline(copy);
+}
+
+void outfile::writeline(const char *text)
+{
+    writeline(textline(text));
+}
+
+void outfile::close()
+{
+    if (descriptor < 0) return;
+    flush();
+    const int closing = std::exchange(descriptor, -1);
+    if (::close(closing) != 0 && errno != EINTR) ioerrno(name, "can't close");
+}

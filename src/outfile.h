@@ -1,0 +1,69 @@
+// outfile.h - a file being written: text lines and bytes, and files that are extended generation
+// by generation.
+//
+// Every open, write and close is checked: a failure ends the run with an I/O error that names the
+// file and the reason (see stops.h).
+#pragma once
+
+#include "arrays.h"
+#include "textlayout.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A file being written through one large buffer. Closed by close(), which reports what the
+// system could not write; a file destroyed unclosed (on the way out of a stop) is flushed
+// without a report.
+class outfile
+{
+  public:
+    outfile() = default;
+    // Creates the file, or replaces its content.
+    explicit outfile(const std::string &filename) { open(filename); }
+    outfile(const outfile &) = delete;
+    outfile &operator=(const outfile &) = delete;
+    outfile(outfile &&other) noexcept;
+    outfile &operator=(outfile &&other) noexcept;
+    ~outfile();
+
+    void open(const std::string &filename);
+    // The standard output, for programs that write much of it. What went there by other ways has
+    // to be flushed before.
+    void openstandardoutput();
+    // Opens for writing on behind the first nlines records, found by their line ends; creates the
+    // file if there is none and nothing is to be kept. What stood behind is dropped. A file with
+    // fewer records, or none, is an I/O error, which tells of a compressed form where there is one.
+    // Earlier records are passed over by scanning for line ends, never parsed.
+    void openandkeep(const std::string &filename, int64 nlines);
+    // The same where every record has the same known length (line end included): one seek. The
+    // line end before the place is checked. headerlength: bytes of a title before the records.
+    void openandkeepfixed(const std::string &filename, int64 nlines, int64 recordlength,
+                          int64 headerlength = 0);
+
+    bool isopen() const { return descriptor >= 0; }
+    const std::string &path() const { return name; }
+    void write(std::string_view bytes);
+    // Writes the line and a line end, and empties the line, keeping its memory.
+    void writeline(textline &line);
+    void writeline(textline &&line);
+    void writeline(const char *text);
+    // Room for n bytes in the buffer, to be filled in place and then committed.
+    char *reserve(std::size_t n)
+    {
+        if (used + n > buffer.size()) makeroom(n);
+        return buffer.data() + used;
+    }
+    void commit(std::size_t n) { used += n; }
+    void flush();
+    void close();
+
+  private:
+    void makeroom(std::size_t n);
+    void writethrough(const char *bytes, std::size_t n);
+    int descriptor = -1;
+    std::string name;
+    std::vector<char> buffer;
+    std::size_t used = 0;
+    std::size_t misalignment = 0; // of the file's end, behind what was written
+};
