@@ -167,7 +167,6 @@ void dropofgenerations(benchmark::State &bench)
     state &s = w.s;
     s.founders.nchrom = 1;
     s.founders.morgans = 1;
-    s.sites.nhaplos = 200;
     s.pop.nindivinthisgen.allocate({0, 2}, n);
     s.pop.cumindivnbtogen.allocate({0, 2});
     for (int64 g = 1; g <= 2; ++g) s.pop.cumindivnbtogen(g) = g * n;
@@ -180,7 +179,7 @@ void dropofgenerations(benchmark::State &bench)
     s.haplo.recombcount.allocate(2 * n, 2);
     s.haplo.recombfactperblock.allocate(nblock);
     s.sites.indivmutindicator.allocate(1, 2 * n);
-    s.haplo.haplotypes.allocate(s.sites.nhaplos, nblock);
+    s.haplo.haplotypes.allocate(200, nblock);
     for (auto _ : bench) {
         for (int64 gen = 1; gen <= 2; ++gen) {
             s.haplo.tmpgenome.allocate(n, nblock);

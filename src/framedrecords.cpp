@@ -177,9 +177,8 @@ void framereader::finish()
     endframe();
 }
 
-int64 lengthofrecord(const std::string &filename)
+int64 framereader::recordlength() const
 {
-    const int descriptor = openchecked(filename, O_RDONLY);
     int64 offset = 0, nbytes = 0;
     const auto mark = [&] {
         std::int32_t length = 0;
@@ -188,17 +187,16 @@ int64 lengthofrecord(const std::string &filename)
         return static_cast<int64>(got ? length : 0);
     };
     bool sound = true;
-    for (bool more = true; more && sound;) {
+    for (bool goeson = true; goeson && sound;) {
         const int64 leading = mark(), n = std::abs(leading);
         offset += n;
         nbytes += n;
         sound = std::abs(mark()) == n;
-        more = leading < 0;
+        goeson = leading < 0;
     }
     struct stat status {
     };
     const bool whole = ::fstat(descriptor, &status) == 0 && status.st_size == offset;
-    ::close(descriptor);
-    if (!sound || !whole) ioerror(filename, "does not hold one whole binary record");
+    if (!sound || !whole) ioerror(name, "does not hold one whole binary record");
     return nbytes;
 }

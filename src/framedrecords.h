@@ -65,6 +65,9 @@ class framereader
     void close();
     bool isopen() const { return descriptor >= 0; }
     const std::string &path() const { return name; }
+    // Bytes of the one record that the file consists of, by the marks of its frames. An I/O error
+    // if the file is cut or holds more.
+    int64 recordlength() const;
     // Begins a record of n bytes, then gives them piece by piece, and ends it.
     void begin(int64 nbytes);
     void get(void *bytes, int64 n);
@@ -109,7 +112,3 @@ class framereader
 
 // A whole record of a file at once.
 void writeframed(outfile &out, const void *bytes, int64 nbytes);
-
-// Bytes of the one record that a file consists of, by the marks of its frames. An I/O error if the
-// file is cut or holds more.
-int64 lengthofrecord(const std::string &filename);

@@ -18,6 +18,7 @@
 #include "randomnumbers.h"
 
 #include <string>
+#include <vector>
 
 // Run control. Set by the seed and the reader.
 struct runcontrol {
@@ -78,9 +79,15 @@ struct foundersettings {
     int64 ndenovomutperchr = 0;   // mutations added on each chromosome
 };
 
+// A de novo mutation: its slot, the individual that it arises in and the gamete of it (1 or 2),
+// block and included site. The block of a site that is a multiple of 60 stands one too high, as in
+// the file.
+struct denovomutation {
+    int64 slot = 0, carrier = 0, gamete = 0, block = 0, site = 0;
+};
+
 // Segregating sites. Lifetime: scalars while a chromosome is handled, arrays Stage.
 struct segregatingsites {
-    int64 nhaplos = 0;                               // haplotypes in the stores
     int64 nsegreg = 0, nsegregtmp = 0;               // sites with and without mutations
     int64 nsegregcomp = 0, nsegregtmpcomp = 0;       // the same after compression
     int64 nmut = 0;                                  // mutations added on the chromosome
@@ -92,15 +99,13 @@ struct segregatingsites {
     array1<double> inclphysicalmap;                  // (nsegregincl)
     array1<int64> compressindicator;                 // (nsegregtmp) 1: survives compression
     array1<int64> tmpwrk, tmpwrkcomp;                // (nsegreg), (nsegregcomp)
-    array1<int64> randomsegreg;                      // (nsegreg or nsegregcomp)
     array1<int64> inclsnpid;                         // (nsegregincl) slot of each included site
     array1<int64> mutindicator, mutsitesid;          // (nsegreg), (ndenovomutperchr)
     array1<int64> inclmutindicator, inclmutindicatorindivid; // (nsegregincl)
-    array3<int64> denovoinfo;       // (nchrom, ndenovomutperchr, 5) fields of MutDeNovoInfo.txt
-    array2<int8> indivmutindicator; // (nchrom, nindivp) 1: carries a mutation
-    array1<int64> blockindicator;   // (nsegregincl)
-    array1<int64> snponarrays;      // (nsegregincl) sites in random order
-    array1<double> minorallelefreq; // (nsegregincl)
+    array1<std::vector<denovomutation>> denovoinfo; // (nchrom) the included mutations, by site
+    array2<int8> indivmutindicator;                 // (nchrom, nindivp) 1: carries a mutation
+    array1<int64> snponarrays;                      // (nsegregincl) sites in random order
+    array1<double> minorallelefreq;                 // (nsegregincl)
 };
 
 // Haplotypes and recombination. Lifetime: Stage.

@@ -1,7 +1,5 @@
 #include "words.h"
 
-#include "files.h"
-
 std::string_view trimright(std::string_view text)
 {
     while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
@@ -47,11 +45,17 @@ std::string numbertext(int64 value)
     return std::to_string(value);
 }
 
-int64 countlines(const std::string &filename)
+int64 countlines(infile &in)
 {
-    infile in(filename);
     int64 nlines = 0;
     while (in.nextrecord())
         if (in.line().find_first_not_of(" \t\r") != std::string_view::npos) ++nlines;
+    in.rewind();
     return nlines;
+}
+
+int64 countlines(const std::string &filename)
+{
+    infile in(filename);
+    return countlines(in);
 }

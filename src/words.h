@@ -4,6 +4,7 @@
 #pragma once
 
 #include "arrays.h"
+#include "infile.h"
 
 #include <string>
 #include <string_view>
@@ -35,3 +36,5 @@ std::string numbertext(int64 value);
 
 // Number of lines with content of a text file that must exist.
 int64 countlines(const std::string &filename);
+// The same of a file just opened, which is back at its first record then.
+int64 countlines(infile &in);

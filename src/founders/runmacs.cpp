@@ -2,6 +2,7 @@
 
 #include "founders/presets.h"
 #include "founders/recombregions.h"
+#include "founders/simulatedsites.h"
 #include "shell.h"
 #include "sortstat.h"
 #include "stops.h"
@@ -37,7 +38,7 @@ macsrun lookatrun(int64 chrom)
 {
     macsrun run;
     const std::string output = chromfolder(chrom) + "output.txt";
-    const std::string segsites = chromfolder(chrom) + "SegSites.txt";
+    const std::string segsites = segsitesfile(chrom);
     if (!pathexists(output) || !pathexists(segsites)) return run;
     infile in(output);
     in.nextrecord(); // the command line

@@ -2,55 +2,119 @@
 
 #include "words.h"
 
-#include <numeric>
-
-void allocatechromarrays(state &s)
-{
-    const int64 nchrom = s.founders.nchrom;
-    s.sites.nsegreginclglobal.allocate(nchrom);
-    s.sites.nmutinclglobal.allocate(nchrom);
-    s.sites.denovoinfo.allocate(nchrom, s.founders.ndenovomutperchr, 5);
-    s.sites.indivmutindicator.allocate(nchrom, s.pop.nindivp);
-    s.loci.nqtnonthischrom.allocate(nchrom);
-    s.loci.nqtnrecombonthischrom.allocate(nchrom);
-    s.loci.nsnponthischipchrom.allocate(s.chips.nchip, nchrom);
-}
-
 void makechromarrays(state &s, arrayscope &arrays)
 {
-    allocatechromarrays(s);
-    arrays.hold(s.sites.nsegreginclglobal);
-    arrays.hold(s.sites.nmutinclglobal);
-    arrays.hold(s.sites.denovoinfo);
-    arrays.hold(s.sites.indivmutindicator);
-    arrays.hold(s.loci.nqtnonthischrom);
-    arrays.hold(s.loci.nqtnrecombonthischrom);
-    arrays.hold(s.loci.nsnponthischipchrom);
+    const int64 nchrom = s.founders.nchrom;
+    arrays.make(s.sites.nsegreginclglobal, nchrom);
+    arrays.make(s.sites.nmutinclglobal, nchrom);
+    arrays.make(s.sites.denovoinfo, nchrom);
+    arrays.make(s.sites.indivmutindicator, nchrom, s.pop.nindivp);
+    arrays.make(s.loci.nqtnonthischrom, nchrom);
+    arrays.make(s.loci.nqtnrecombonthischrom, nchrom);
+    arrays.make(s.loci.nsnponthischipchrom, s.chips.nchip, nchrom);
 }
 
-void releasechromarrays(state &s)
+void makeincludedsites(state &s, arrayscope &arrays)
 {
-    s.sites.nsegreginclglobal.release();
-    s.sites.nmutinclglobal.release();
-    s.sites.denovoinfo.release();
-    s.sites.indivmutindicator.release();
-    s.loci.nqtnonthischrom.release();
-    s.loci.nqtnrecombonthischrom.release();
-    s.loci.nsnponthischipchrom.release();
+    const int64 nsites = s.sites.nsegregincl;
+    arrays.make(s.sites.inclsnpid, nsites);
+    arrays.make(s.sites.inclphysicalmap, nsites);
+    arrays.make(s.sites.inclmutindicator, nsites);
+    arrays.make(s.sites.inclmutindicatorindivid, nsites);
 }
+
+// --------------------------------------------------------------------- writing
+
+namespace
+{
+void writesitesincluded(const state &s, int64 chrom)
+{
+    outfile out(sitesincludedfile(chrom));
+    out.writeline(freeline(s.sites.nsegregincl));
+    out.close();
+}
+
+void writeincludedmap(const state &s, int64 chrom)
+{
+    const segregatingsites &sites = s.sites;
+    outfile out(includedmapfile(chrom));
+    textline line;
+    for (int64 i = 1; i <= sites.nsegregincl; ++i) {
+        puti(line, i, 10);
+        puti(line, sites.inclsnpid(i), 10);
+        putf(line, sites.inclphysicalmap(i), 20, 10);
+        puti(line, sites.inclmutindicator(i), 10);
+        puti(line, sites.inclmutindicatorindivid(i), 10);
+        out.writeline(line);
+    }
+    out.close();
+}
+} // namespace
+
+void writemutations(int64 chrom, const std::vector<denovomutation> &rows)
+{
+    outfile out(mutationsfile(chrom));
+    textline line;
+    for (const denovomutation &row : rows) {
+        for (const int64 field : {row.slot, row.carrier, row.gamete, row.block, row.site})
+            puti(line, field, 20);
+        out.writeline(line);
+    }
+    out.close();
+}
+
+void writecarriers(int64 chrom, int64 nindiv, const std::vector<denovomutation> &rows)
+{
+    std::vector<bool> carries(static_cast<std::size_t>(nindiv + 1));
+    for (const denovomutation &row : rows) carries[static_cast<std::size_t>(row.carrier)] = true;
+    outfile out(carriersfile(chrom));
+    textline line;
+    for (int64 i = 1; i <= nindiv; ++i) {
+        puti(line, i, 10);
+        puti(line, carries[static_cast<std::size_t>(i)], 10);
+        out.writeline(line);
+    }
+    out.close();
+}
+
+void writesitestores(const state &s, int64 chrom)
+{
+    writesitesincluded(s, chrom);
+    writeincludedmap(s, chrom);
+    writemutations(chrom, s.sites.denovoinfo(chrom));
+    writecarriers(chrom, s.sites.nindivpinit, s.sites.denovoinfo(chrom));
+}
+
+void writesitenumbers(const state &s, int64 chrom)
+{
+    outfile out(sitenumbersfile(chrom));
+    const auto row = [&](int64 nqtnofset) {
+        textline line;
+        puti(line, nqtnofset, 20);
+        puti(line, s.sites.nmutinclglobal(chrom), 20);
+        for (int64 chip = 1; chip <= s.chips.nchip; ++chip)
+            puti(line, s.loci.nsnponthischipchrom(chip, chrom), 20);
+        out.writeline(line);
+    };
+    row(s.loci.nqtnonthischrom(chrom));
+    if (s.selection.recombselonoff) row(s.loci.nqtnrecombonthischrom(chrom));
+    out.close();
+}
+
+// --------------------------------------------------------------------- reading
 
 namespace
 {
 void readsitesincluded(state &s, int64 chrom, const std::string &folder)
 {
-    infile in(folder + "SegSitesIncluded.txt");
+    infile in(sitesincludedfile(chrom, folder));
     in.record();
     s.sites.nsegreginclglobal(chrom) = in.integer();
 }
 
 void readqtnmutationsandsnp(state &s, int64 chrom, const std::string &folder)
 {
-    infile in(folder + "NbOfQtnMutationsAndSnp.txt");
+    infile in(sitenumbersfile(chrom, folder));
     const auto row = [&](array1<int64> &nqtnofset) {
         in.record();
         nqtnofset(chrom) = in.integer();
@@ -66,20 +130,28 @@ void readqtnmutationsandsnp(state &s, int64 chrom, const std::string &folder)
                     numbertext(s.founders.ndenovomutperchr) + " mutations per chromosome");
 }
 
+denovomutation mutationofrecord(infile &in)
+{
+    denovomutation row;
+    for (int64 *field : {&row.slot, &row.carrier, &row.gamete, &row.block, &row.site})
+        *field = in.integer();
+    return row;
+}
+
 void readdenovoinfo(state &s, int64 chrom, const std::string &folder)
 {
+    s.sites.denovoinfo(chrom).clear(); // a merge reads the stores of one folder after the other
     if (s.sites.nmutinclglobal(chrom) <= 0) return;
-    infile in(folder + "MutDeNovoInfo.txt");
+    infile in(mutationsfile(chrom, folder));
     for (int64 j = 1; j <= s.sites.nmutinclglobal(chrom); ++j) {
         in.record();
-        for (int64 field = 1; field <= 5; ++field)
-            s.sites.denovoinfo(chrom, j, field) = in.integer();
+        s.sites.denovoinfo(chrom).push_back(mutationofrecord(in));
     }
 }
 
 void readindivmutindicator(state &s, int64 chrom, const std::string &folder)
 {
-    infile in(folder + "MutIndivIndicator.txt");
+    infile in(carriersfile(chrom, folder));
     int64 nrows = 0;
     while (in.nextrecord()) {
         if (in.line().find_first_not_of(" \t") == std::string_view::npos) continue;
@@ -88,11 +160,6 @@ void readindivmutindicator(state &s, int64 chrom, const std::string &folder)
         s.sites.indivmutindicator(chrom, nrows) = static_cast<int8>(in.integer());
     }
     s.sites.nindivpinit = nrows;
-}
-
-int64 sumof(const array1<int64> &values)
-{
-    return std::accumulate(values.begin(), values.end(), int64{0});
 }
 
 void computetotals(state &s)
@@ -113,18 +180,25 @@ void computetotals(state &s)
 void readsegsitesdatafromallchrom(state &s, const std::string &runfolder)
 {
     for (int64 chrom = 1; chrom <= s.founders.nchrom; ++chrom) {
-        const std::string folder = chromfolder(chrom, runfolder);
-        readsitesincluded(s, chrom, folder);
-        readqtnmutationsandsnp(s, chrom, folder);
-        readdenovoinfo(s, chrom, folder);
-        readindivmutindicator(s, chrom, folder);
+        readsitesincluded(s, chrom, runfolder);
+        readqtnmutationsandsnp(s, chrom, runfolder);
+        readdenovoinfo(s, chrom, runfolder);
+        readindivmutindicator(s, chrom, runfolder);
     }
     computetotals(s);
 }
 
+std::vector<denovomutation> readmutations(int64 chrom, const std::string &runfolder)
+{
+    std::vector<denovomutation> rows;
+    infile in(mutationsfile(chrom, runfolder));
+    while (in.nextrecord()) rows.push_back(mutationofrecord(in));
+    return rows;
+}
+
 void readsegsitesdataperchrom(state &s, int64 chrom)
 {
-    infile in(chromfolder(chrom) + "PhysicalMapIncluded.txt");
+    infile in(includedmapfile(chrom));
     for (int64 i = 1; i <= s.sites.nsegregincl; ++i) {
         in.record();
         in.integer(); // the row number
@@ -133,16 +207,16 @@ void readsegsitesdataperchrom(state &s, int64 chrom)
         s.sites.inclmutindicator(i) = in.integer();
         s.sites.inclmutindicatorindivid(i) = in.integer();
     }
-    s.sites.nhaplos = countlines(chromfolder(chrom) + "MacsHaplotypes.txt");
 }
 
-void readsegsitesdataperchromforrecomb(int64 chrom, array1<double> &map, int64 nsegregincl)
+array1<double> readincludedmap(int64 chrom, int64 nsegregincl)
 {
-    infile in(chromfolder(chrom) + "PhysicalMapIncluded.txt");
-    for (int64 i = 1; i <= nsegregincl; ++i) {
+    array1<double> map(nsegregincl);
+    infile in(includedmapfile(chrom));
+    for (double &position : map) {
         in.record();
-        in.integer();
-        in.integer();
-        map(i) = in.real();
+        in.skipwords(2); // site and slot
+        position = in.real();
     }
+    return map;
 }

@@ -15,10 +15,7 @@ void makesitearrays(state &s, arrayscope &arrays)
     const int64 nsites = s.sites.nsegregincl;
     arrays.make(s.sites.snponarrays, nsites);
     arrays.make(s.sites.minorallelefreq, nsites);
-    arrays.make(s.sites.inclsnpid, nsites);
-    arrays.make(s.sites.inclphysicalmap, nsites);
-    arrays.make(s.sites.inclmutindicator, nsites);
-    arrays.make(s.sites.inclmutindicatorindivid, nsites);
+    makeincludedsites(s, arrays);
     arrays.make(s.haplo.recombrateperblock, s.haplo.nblock);
     arrays.make(s.haplo.recombfactperblock, s.haplo.nblock);
     arrays.hold(s.haplo.haplotypes); // read by the first generation with an unknown parent

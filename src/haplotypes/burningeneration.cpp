@@ -64,8 +64,7 @@ parentsources loadparents(state &s, int64 chrom, int64 currentgen, int64 startin
     parentsources from;
     from.startindiv = startindiv;
     if (!parentsbetween(s, startindiv, endindiv, 0, 0).empty() && !s.haplo.haplotypes.allocated())
-        readhaplotypes(chromfolder(chrom) + "MacsHaplotypesInBlocks.txt", s.haplo.haplotypes,
-                       s.sites.nhaplos, s.haplo.nblock);
+        readhaplotypes(haplotypeblocksfile(chrom), s.haplo.haplotypes, s.haplo.nblock);
     if (currentgen == 1) return from;
     from.prev = s.pop.cumindivnbtogen(currentgen - 2);
     if (!parentsloaded)
@@ -94,7 +93,7 @@ parentstrands knownparent(const state &s, const parentsources &from, int64 paren
 // Two founder haplotypes, noted in base[0] and base[1].
 parentstrands unknownparent(state &s, int64 *base)
 {
-    const double nhaplos = static_cast<double>(s.sites.nhaplos);
+    const double nhaplos = static_cast<double>(s.haplo.haplotypes.nhaplos());
     base[0] = 1 + static_cast<int64>(nhaplos * ran1(s.random));
     base[1] = 1 + static_cast<int64>(nhaplos * ran1(s.random));
     return {s.haplo.haplotypes.haplotype(base[0]), s.haplo.haplotypes.haplotype(base[1])};

@@ -77,8 +77,3 @@ inline std::string trackingfile(int64 chrom)
 {
     return chromfolder(chrom) + "RecombinationTracking.txt";
 }
-
-inline std::string genomefile(int64 chrom, int64 gen)
-{
-    return chromfolder(chrom) + "GenomeGeneration" + std::to_string(gen) + ".txt";
-}

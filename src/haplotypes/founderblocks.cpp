@@ -3,6 +3,7 @@
 #include "haplotypes/blocks.h"
 #include "haplotypes/genomefiles.h"
 #include "stops.h"
+#include "words.h"
 
 #include <vector>
 
@@ -41,9 +42,11 @@ void packhaplotypes(state &s, int64 chrom)
     std::vector<int8> tmphapin(static_cast<std::size_t>(s.sites.nsegregtmp + 1), 0);
     int8 chunk[lociperblock];
 
-    infile in(chromfolder(chrom) + "MacsHaplotypes.txt");
+    infile in(founderhaplotypesfile(chrom));
+    const int64 nhaplos = countlines(in);
+    haplotypes.allocate(nhaplos, s.haplo.nblock);
     outfile out(chromfolder(chrom) + "MacsHaplotypesIncluded.txt");
-    for (int64 h = 1; h <= s.sites.nhaplos; ++h) {
+    for (int64 h = 1; h <= nhaplos; ++h) {
         readhaplotype(in, tmphapin, s.sites.nsegregtmp);
         const int64 *place = places.data();
         int64 *blocks = haplotypes.haplotype(h);
@@ -56,6 +59,6 @@ void packhaplotypes(state &s, int64 chrom)
         out.write("\n");
     }
     out.close();
-    if (s.sites.nhaplos == 0 && s.sites.nsegregincl > 0) ioerror(in.path(), "holds no haplotypes");
-    writehaplotypes(chromfolder(chrom) + "MacsHaplotypesInBlocks.txt", haplotypes);
+    if (nhaplos == 0 && s.sites.nsegregincl > 0) ioerror(in.path(), "holds no haplotypes");
+    writehaplotypes(haplotypeblocksfile(chrom), haplotypes);
 }

@@ -66,16 +66,15 @@ void recombinegametes(state &s, int64 chrom, int64 individ, int64 parentgender,
 
 void addmutinped(state &s, int64 chrom, int64 individ, int64 indivpos)
 {
-    for (int64 j = 1; j <= s.sites.nmutinclglobal(chrom); ++j) {
-        if (s.sites.denovoinfo(chrom, j, 2) != individ) continue;
-        const int64 gamete = s.sites.denovoinfo(chrom, j, 3);
-        int64 block = s.sites.denovoinfo(chrom, j, 4);
-        int64 position = s.sites.denovoinfo(chrom, j, 5) - (block - 1) * lociperblock;
+    for (const denovomutation &mutant : s.sites.denovoinfo(chrom)) {
+        if (mutant.carrier != individ) continue;
+        int64 block = mutant.block;
+        int64 position = mutant.site - (block - 1) * lociperblock;
         if (position == 0) { // stored as site / 60 + 1: one too high for the last site of a block
             --block;
             position = lociperblock;
         }
-        int64 &cell = s.haplo.tmpgenome(indivpos, block, gamete);
+        int64 &cell = s.haplo.tmpgenome(indivpos, block, mutant.gamete);
         mutation(lociperblock, cell, position, cell);
     }
 }

@@ -36,5 +36,5 @@ void recombinegametes(state &s, int64 chrom, int64 individ, int64 parentgender,
 
 // Sets the de novo mutations that individual individ carries on a chromosome to allele 1.
 //   indivpos  in  place of the individual in tmpgenome
-// Reads nmutinclglobal, denovoinfo; updates tmpgenome. Draws, stops: none.
+// Reads denovoinfo; updates tmpgenome. Draws, stops: none.
 void addmutinped(state &s, int64 chrom, int64 individ, int64 indivpos);

@@ -103,12 +103,15 @@ void readgenomerows(const std::string &path, int64 nindiv, int64 nblock, const a
     in.finish();
 }
 
-void readhaplotypes(const std::string &path, haplotypestore &h, int64 nhaplos, int64 nblock)
+void readhaplotypes(const std::string &path, haplotypestore &h, int64 nblock)
 {
     framereader in(path);
-    in.begin(nhaplos * nblock * 8);
-    if (!h.allocated() || h.nhaplos() != nhaplos || h.nblock() != nblock)
-        h.allocate(nhaplos, nblock);
+    const int64 nbytes = in.recordlength(), nhaplos = nbytes / (nblock * 8);
+    if (nhaplos * nblock * 8 != nbytes)
+        ioerror(path,
+                "holds no whole number of haplotypes of " + std::to_string(nblock) + " blocks");
+    in.begin(nbytes);
+    h.allocate(nhaplos, nblock);
     if (nhaplos > 0) getmatrix(in, h.haplotype(1), nblock, nhaplos, nblock);
     in.finish();
 }

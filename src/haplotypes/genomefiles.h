@@ -10,9 +10,18 @@
 #pragma once
 
 #include "files.h"
-#include "genomes.h"
+#include "state.h"
 
 #include <string>
+
+inline std::string haplotypeblocksfile(int64 chrom)
+{
+    return chromfolder(chrom) + "MacsHaplotypesInBlocks.txt";
+}
+inline std::string genomefile(int64 chrom, int64 gen)
+{
+    return chromfolder(chrom) + "GenomeGeneration" + std::to_string(gen) + ".txt";
+}
 
 // Genomes of a generation; g is made anew unless it has the extents already.
 void readgenome(const std::string &path, genomestore &g, int64 nindiv, int64 nblock);
@@ -25,6 +34,6 @@ void writegenome(const std::string &path, const genomestore &g, int64 limit = fr
 void readgenomerows(const std::string &path, int64 nindiv, int64 nblock, const array1<int64> &rows,
                     genomestore &g, int64 firstplace);
 
-// Founder haplotypes; h is made anew unless it has the extents already.
-void readhaplotypes(const std::string &path, haplotypestore &h, int64 nhaplos, int64 nblock);
+// Founder haplotypes, as many as the file holds of at least one block; h is made anew.
+void readhaplotypes(const std::string &path, haplotypestore &h, int64 nblock);
 void writehaplotypes(const std::string &path, const haplotypestore &h, int64 limit = framelimit);

@@ -141,15 +141,10 @@ void stopifshareslow(const state &s)
 
 void readrecombspec(state &s, int64 chrom)
 {
-    {
-        infile in(chromfolder(chrom) + "SegSitesIncluded.txt");
-        in.record();
-        s.sites.nsegregincl = in.integer();
-    }
+    s.sites.nsegregincl = s.haplo.nblock * lociperblock;
     const int64 nrecblocks = countlines(recombregionsfile(chrom));
     if (nrecblocks > s.haplo.nblock) toomanyregions(s, nrecblocks);
-    array1<double> map(s.sites.nsegregincl);
-    readsegsitesdataperchromforrecomb(chrom, map, s.sites.nsegregincl);
+    const array1<double> map = readincludedmap(chrom, s.sites.nsegregincl);
 
     std::vector<recombregion> regions = readrecombregions(chrom);
     if (!regionsinorder(regions)) {

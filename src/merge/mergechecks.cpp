@@ -4,6 +4,8 @@
 #include "founders/stores.h"
 #include "haplotypes/blocks.h"
 #include "haplotypes/droplines.h"
+#include "haplotypes/founderblocks.h"
+#include "haplotypes/genomefiles.h"
 #include "markers/sitesets.h"
 #include "merge/mergerecords.h"
 #include "pedigree/pedigree.h"
@@ -70,7 +72,7 @@ void checkchromosomes(const state &s, const std::string &folder)
 // The columns of the store of numbers: QTN, mutations, and a number for each chip.
 void checknumberofchips(const state &s, int64 chrom, const std::string &folder)
 {
-    const std::string path = chromfolder(chrom, folder) + "NbOfQtnMutationsAndSnp.txt";
+    const std::string path = sitenumbersfile(chrom, folder);
     infile in(path);
     in.record();
     int64 nchip = -2;
@@ -189,7 +191,8 @@ void checkgenome(const state &s, const sourcefolder &source, int64 chrom, int64 
 {
     const std::string path = inrunfolder(source.path, genomefile(chrom, gen));
     checkfile(path);
-    const int64 nbytes = lengthofrecord(path), bytesperblock = source.genarray(gen) * 2 * 8;
+    const int64 nbytes = framereader(path).recordlength(),
+                bytesperblock = source.genarray(gen) * 2 * 8;
     const int64 nblock = s.sites.nsegreginclglobal(chrom) / lociperblock;
     if (nbytes != nblock * bytesperblock)
         ioerror(path, "holds a record of " + numbertext(nbytes) + " bytes where " +
@@ -245,9 +248,10 @@ void checkburnin(const state &s, const std::string &folder)
     for (int64 e = 1; e <= s.chips.nchip; ++e)
         names.push_back("Chip" + numbertext(e) + "SnpInformation.txt");
     for (const std::string &name : names) checkfile(inside("SimulatedData/" + name));
-    for (int64 h = 1; h <= s.founders.nchrom; ++h)
-        for (const char *name : {"PhysicalMapIncluded.txt", "MacsHaplotypes.txt"})
-            checkfile(chromfolder(h, folder) + name);
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
+        checkfile(includedmapfile(h, folder));
+        checkfile(founderhaplotypesfile(h, folder));
+    }
     for (const individualfile &file : wholerunfiles(s)) checkrecords(file, inside(file.path), 0);
 }
 } // namespace

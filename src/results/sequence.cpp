@@ -72,13 +72,9 @@ void writemap(const state &s, int64 lasttmpgen)
     outfile out(sequencemapfile);
     if (lastgenisreached(s, lasttmpgen)) {
         for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-            infile in(chromfolder(h) + "PhysicalMapIncluded.txt");
-            for (int64 site = 1; site <= s.sites.nsegreginclglobal(h); ++site) {
-                in.record();
-                const int64 sequenceid = in.integer();
-                in.integer();
-                out.writeline(freeline(h, sequenceid, in.real()));
-            }
+            const array1<double> map = readincludedmap(h, s.sites.nsegreginclglobal(h));
+            for (int64 site = 1; site <= map.size(); ++site)
+                out.writeline(freeline(h, site, map(site)));
         }
     }
     out.close();

@@ -1,4 +1,5 @@
 #include "founders/extractsegsites.h"
+#include "founders/mutationslots.h"
 #include "founders/stores.h"
 #include "haplotypes/founderblocks.h"
 #include "testsupport.h"
@@ -44,6 +45,35 @@ state extractionstate(int64 nmut)
 }
 
 } // namespace
+
+// A mutation lies halfway between its left neighbour and the next simulated site, at the ends of the
+// map on the outermost slots.
+TEST_F(extraction, placemutationsbetweenneighbours)
+{
+    writechromosome(3, 1);
+    for (int64 seed = 1; seed <= 40; ++seed) {
+        state s = extractionstate(5);
+        s.random.idum = -seed;
+        s.sites.nsegregtmp = 3;
+        s.sites.nmut = 5;
+        s.sites.nsegreg = 8;
+        arrayscope arrays;
+        insertmutations(s, 1, arrays);
+        const array1<double> &map = s.sites.allphysicalmap;
+        const auto simulated = [&](int64 slot) { return s.sites.mutindicator(slot) == 0; };
+        int64 nsimulated = 0;
+        for (int64 slot = 1; slot <= 8; ++slot) {
+            int64 right = slot + 1;
+            while (right <= 8 && !simulated(right)) ++right;
+            const double there = right <= 8 ? map(right) : 1;
+            if (simulated(slot))
+                EXPECT_EQ(map(slot), 0.25 * static_cast<double>(++nsimulated));
+            else
+                EXPECT_EQ(map(slot), slot == 1 ? 0 : slot == 8 ? 1 : (map(slot - 1) + there) / 2);
+        }
+        EXPECT_EQ(nsimulated, 3);
+    }
+}
 
 TEST_F(extraction, stopwithtoofewsites)
 {
@@ -111,7 +141,8 @@ TEST_F(extraction, refusebrokenstores)
     for (const auto &[file, content] : broken) {
         const std::string path = chromfolder(1) + file, whole = readfile(path);
         writefile(path, content);
-        allocatechromarrays(s);
+        arrayscope arrays;
+        makechromarrays(s, arrays);
         const outcome result = runbody([&] { readsegsitesdatafromallchrom(s); });
         EXPECT_EQ(result.code(), -2) << file;
         EXPECT_NE(result.stop.reason.find(file), std::string::npos);

@@ -50,7 +50,7 @@ TEST_F(genomefiles, roundtrips)
         for (int64 i = 1; i <= nindiv; ++i)
             for (int64 b = 1; b <= nblock; ++b) h(i, b) = cell(i, b, 7);
         writehaplotypes("h", h, 100000);
-        readhaplotypes("h", hback, nindiv, nblock);
+        readhaplotypes("h", hback, nblock);
         for (int64 i = 1; i <= nindiv; ++i)
             for (int64 b = 1; b <= nblock; ++b) ASSERT_EQ(hback(i, b), cell(i, b, 7));
     }
