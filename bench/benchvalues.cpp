@@ -2,7 +2,7 @@
 // look-ups, and the whole stage against writing its output bytes. Prints, for each comparison,
 // "name ratio X.XX allowed Y.YY" (medians of several repetitions) beside the two times.
 #include "files.h"
-#include "pedigree/pedigree.h"
+#include "pedigree/pedigreefiles.h"
 #include "state.h"
 #include "stops.h"
 #include "traits/simulateqtneffects.h"
@@ -79,7 +79,7 @@ state settings()
     s.pop.nindivinthisgen.allocate({0, 1});
     s.pop.cumindivnbtogen.allocate({0, 1});
     s.pop.nindivinthisgen(1) = s.pop.cumindivnbtogen(1) = nindiv;
-    s.pop.pedigreestatus = "internal";
+    s.pop.pedigreefrom = pedigreesource::internal;
     s.chips.nchip = 1;
     s.qtn.nqtn = s.qtn.nqtngamma = nqtn;
     s.qtn.shapeparam = 0.4;

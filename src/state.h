@@ -20,6 +20,9 @@
 #include <string>
 #include <vector>
 
+// What a run merges: individuals listed by their numbers, whole folders, or nothing.
+enum class mergekind { none, ids, directories, unknown };
+
 // Run control. Set by the seed and the reader.
 struct runcontrol {
     int64 specstartgen = 0, specendgen = 0; // first and last generation of this run
@@ -27,12 +30,16 @@ struct runcontrol {
     bool selflexibilityonoff = false; // a selection generation may take its pedigree from outside
     int64 importstage = 2;            // 1: stop after the breeding values; 2: import and go on
     int64 importextpedforthisgen = 0; // the generation with the external pedigree
-    std::string mergetypes;           // ids, directories or none
-    std::string mergefiles;           // list of runs to merge
+    mergekind merging = mergekind::unknown;
+    std::string mergetypes; // the word that tells it
+    std::string mergefiles; // list of runs to merge
     int64 numberofmergeruns = 0;
     bool keepchromonoff = true; // the folder Chromosomes stays after the last generation
     bool fullseqoutonoff = false, zipsequenceonoff = false; // sequence output wanted; compressed
 };
+
+// Where the pedigree comes from: made by the run, or a file of the user's.
+enum class pedigreesource { unset, internal, file };
 
 // Population, generations and where the pedigree comes from. Lifetime: Run.
 struct populationsettings {
@@ -46,8 +53,9 @@ struct populationsettings {
     array1<int64> createdhinthisgen; // (ngen+ngensel) 1: doubled haploids; only if ngendh > 0
     int64 ngendh = 0;
     bool animbreedonoff = false, plantbreedonoff = false;
-    std::string gendermatters;  // yes: plant matings respect gender
-    std::string pedigreestatus; // internal, or the name of a pedigree file
+    std::string gendermatters;   // as the specification has it
+    bool plantsbygender = false; // it says yes: plant matings respect gender
+    pedigreesource pedigreefrom = pedigreesource::unset;
     std::string pedigreefile;
 };
 

@@ -114,7 +114,7 @@ void writecorvalindspec(const state &s, int64 selectioncycle, int64 currentgen)
         free("PerformMatingsConsideringTheGender      ,Yes");
     else
         free("PerformMatingsConsideringTheGender      ,", s.pop.gendermatters);
-    if (s.pop.animbreedonoff || isword(s.pop.gendermatters, "yes")) {
+    if (s.pop.animbreedonoff || s.pop.plantsbygender) {
         free("GenderFile                              ,GenderTesting.txt");
         free("NumberOfMales                           ,", s.pedi.nmalinthisgen(currentgen - 1));
         free("NumberOfFemales                         ,", s.pedi.nfeminthisgen(currentgen - 1));

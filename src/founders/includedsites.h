@@ -1,5 +1,5 @@
-// includedsites.h - the choice of the sites of a chromosome that the run works on, a multiple of 60,
-// and of those who carry its de novo mutations.
+// includedsites.h - the choice of the sites of a chromosome that the run works on, a multiple of
+// 60, and of those who carry its de novo mutations.
 //
 // Included sites are numbered 1 to nsegregincl in map order, and inclsnpid is the slot of each.
 #pragma once

@@ -12,8 +12,8 @@
 #include "state.h"
 
 // Strews the slots, and makes and fills allphysicalmap: a mutation slot lies halfway between its
-// neighbours, at 0 on the first slot, at 1 on the last, and halfway between its left neighbour and 1
-// where only mutation slots follow. Makes and fills also tmpwrk, mutindicator, mutsitesid and, with
-// compression in force, tmpwrkcomp and allphysicalmapcomp. The sites have been counted.
-// Draws: nsegreg - 1 for the order of the slots.
+// neighbours, at 0 on the first slot, at 1 on the last, and halfway between its left neighbour and
+// 1 where only mutation slots follow. Makes and fills also tmpwrk, mutindicator, mutsitesid and,
+// with compression in force, tmpwrkcomp and allphysicalmapcomp. The sites have been counted. Draws:
+// nsegreg - 1 for the order of the slots.
 void insertmutations(state &s, int64 chrom, arrayscope &arrays);

@@ -2,7 +2,8 @@
 // thinning by genome compression.
 //
 // Files of a chromosome:
-//   SegSites.txt           number of sites, the first value of its one line; with compression in force
+//   SegSites.txt           number of sites, the first value of its one line; with compression in
+//   force
 //                          replaced by nsegregcomp, free-form
 //   PhysicalMapInput.txt   their positions, free-form
 #pragma once

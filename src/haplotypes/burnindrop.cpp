@@ -5,6 +5,7 @@
 #include "haplotypes/burningeneration.h"
 #include "haplotypes/droplines.h"
 #include "pedigree/pedigree.h"
+#include "pedigree/pedigreefiles.h"
 
 #include <algorithm>
 

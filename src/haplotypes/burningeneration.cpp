@@ -4,7 +4,7 @@
 #include "haplotypes/droplines.h"
 #include "haplotypes/genomefiles.h"
 #include "haplotypes/recombmap.h"
-#include "pedigree/pedigree.h"
+#include "pedigree/pedigreefiles.h"
 #include "stops.h"
 #include "words.h"
 

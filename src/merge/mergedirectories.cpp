@@ -2,11 +2,11 @@
 
 #include "founders/stores.h"
 #include "haplotypes/blocks.h"
-#include "haplotypes/droplines.h"
+#include "haplotypes/genomefiles.h"
 #include "merge/mergechecks.h"
 #include "merge/mergerecords.h"
 #include "merge/mergeruns.h"
-#include "pedigree/pedigree.h"
+#include "pedigree/pedigreefiles.h"
 #include "shell.h"
 #include "stops.h"
 #include "values/coancestry.h"
@@ -136,19 +136,6 @@ mergeplan mergepedigree(const state &s, const std::vector<std::string> &paths,
 
 namespace
 {
-void writepedigree(const array1<pedigreeline> &ped)
-{
-    outfile out(pedigreetable);
-    textline line;
-    putpedigreetitle(line);
-    out.writeline(line);
-    for (const pedigreeline &row : ped) {
-        putpedigreeline(line, row);
-        out.writeline(line);
-    }
-    out.close();
-}
-
 // ------------------------------------------------------- files with lines per generation
 
 // First generation whose lines of such a file are zeros.
@@ -211,7 +198,7 @@ void mergedirectories(state &s)
     checkopenfiles(plan);
 
     copyfromburnin(plan.burninfolder);
-    writepedigree(ped);
+    writewholepedigree(ped);
     writezerovariances(s, firstunknown(s, plan));
     writezeromeans(s, firstunknown(s, plan));
     if (s.selection.computeavercoancestryyes1no0 == 1) writezerocoancestries(s);

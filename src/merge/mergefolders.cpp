@@ -1,6 +1,6 @@
 #include "merge/mergefolders.h"
 
-#include "pedigree/pedigree.h"
+#include "pedigree/pedigreefiles.h"
 #include "shell.h"
 #include "stops.h"
 #include "words.h"
@@ -15,17 +15,13 @@ std::string inrunfolder(const std::string &folder, const std::string &path)
 void calcindivsingen(const std::string &pathstr, array1<int64> &genarray,
                      array1<int64> &accumgenarray)
 {
-    const int64 ngenerations = countlines(pathstr) - 1;
+    const std::vector<generationcounts> generations = readgenerationcounts(pathstr);
+    const int64 ngenerations = std::ssize(generations);
     if (ngenerations < 1) ioerror(pathstr, "holds no generation");
     genarray.allocate(ngenerations);
     accumgenarray.allocate(extent(0, ngenerations));
-    infile in(pathstr);
-    in.skiprecords(1);
     for (int64 g = 1; g <= ngenerations; ++g) {
-        in.record();
-        in.integer();
-        genarray(g) = in.integer();
-        if (genarray(g) < 1) in.complain("a generation has at least one individual");
+        genarray(g) = generations[static_cast<std::size_t>(g - 1)].nindiv;
         accumgenarray(g) = accumgenarray(g - 1) + genarray(g);
     }
 }

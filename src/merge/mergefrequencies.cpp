@@ -1,7 +1,7 @@
 #include "merge/mergefrequencies.h"
 
 #include "markers/extraction.h"
-#include "pedigree/pedigree.h"
+#include "pedigree/pedigreefiles.h"
 #include "words.h"
 
 #include <algorithm>
@@ -185,27 +185,16 @@ void calcallelefreqmerge(const genotypecounts &genotypes, double &maf, double &h
 
 void calculatenewnbindivigen(int64 nindividuals)
 {
-    struct generationcount {
-        int64 gen = 0, nmal = 0, nfem = 0;
-    };
-    std::vector<generationcount> generations;
-    infile in(gendertable);
-    in.skiprecords(1);
-    for (int64 i = 1; i <= nindividuals; ++i) {
-        in.record();
-        const int64 gen = in.integer();
-        in.integer();
-        if (generations.empty() || generations.back().gen != gen) generations.push_back({gen});
-        ++(in.integer() == 1 ? generations.back().nmal : generations.back().nfem);
+    std::vector<generationcounts> generations;
+    int64 gen = 0;
+    for (const genderline &line : readgenderlines(nindividuals)) {
+        if (line.generation != gen) generations.push_back({});
+        gen = line.generation;
+        generationcounts &counts = generations.back();
+        ++counts.nindiv;
+        ++(line.gender == 1 ? counts.nmal : counts.nfem);
     }
-    outfile out(generationtable);
-    out.writeline(generationtitle);
-    textline line;
-    for (const generationcount &g : generations) {
-        putgenerationline(line, g.gen, g.nmal + g.nfem, g.nmal, g.nfem);
-        out.writeline(line);
-    }
-    out.close();
+    writegenerationcounts(1, generations);
 }
 
 namespace

@@ -3,7 +3,7 @@
 #include "flibs/fileregistry.h"
 #include "haplotypes/droplines.h"
 #include "haplotypes/genomefiles.h"
-#include "pedigree/pedigree.h"
+#include "pedigree/pedigreefiles.h"
 #include "results/sequence.h"
 #include "results/snpchips.h"
 #include "stops.h"
@@ -55,7 +55,7 @@ std::vector<individualfile> wholerunfiles(const state &s)
 {
     const int64 nvalues = 3 * s.qtn.nqtnmodels * s.traits.ntraits;
     std::vector<individualfile> files{
-        {gendertable, recordform::gender, 1, 1, 3 * 20 + 1},
+        {gendertable, recordform::gender, 1, 1, genderlinelength},
         {recombinationcounts, recordform::counts, 0, 1, 0},
         {valuetable, recordform::values, 1, 1, 4 * 10 + 20 * nvalues + 1}};
     if (s.selection.recombselonoff)

@@ -7,7 +7,7 @@
 #include "merge/mergefrequencies.h"
 #include "merge/mergemutations.h"
 #include "merge/mergerecords.h"
-#include "pedigree/pedigree.h"
+#include "pedigree/pedigreefiles.h"
 #include "results/sequence.h"
 #include "shell.h"
 #include "stops.h"

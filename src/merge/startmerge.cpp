@@ -31,21 +31,20 @@ void stopifnolist(const state &s)
 
 void startmerge(state &s)
 {
-    const std::string types = parsestringwindows(s.run.mergetypes);
-    if (types == "none") {
+    switch (s.run.merging) {
+    case mergekind::none:
         printline("");
         return;
-    }
-    if (types == "ids") {
+    case mergekind::ids:
         stopifnolist(s);
         mergeruns(s);
         finish("Merge has been successful! Please re-run Solvanto from generation two.");
-    }
-    if (types == "directories") {
+    case mergekind::directories:
         stopifnolist(s);
         mergedirectories(s);
         finish("Merge has been successful! Please run Solvanto from the next generation.");
+    case mergekind::unknown:
+        printline("MergeTypes is incorrectly set, please check your specfile " + s.run.mergetypes);
+        plainstop();
     }
-    printline("MergeTypes is incorrectly set, please check your specfile " + s.run.mergetypes);
-    plainstop();
 }

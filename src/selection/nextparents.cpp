@@ -1,7 +1,8 @@
 #include "selection/nextparents.h"
 
 #include "pedigree/matings.h"
-#include "pedigree/pedigreereadermaker.h"
+#include "pedigree/parentnumbers.h"
+#include "pedigree/randomparents.h"
 
 #include <algorithm>
 #include <cmath>

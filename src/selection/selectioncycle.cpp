@@ -12,6 +12,7 @@
 #include "haplotypes/selectiondrop.h"
 #include "markers/markgeneration.h"
 #include "pedigree/pedigree.h"
+#include "pedigree/pedigreefiles.h"
 #include "selection/coancestryreport.h"
 #include "selection/nextparents.h"
 #include "selection/optimalcontributions.h"
@@ -277,7 +278,7 @@ void drophaploselection(state &s)
     makepedigreearrays(s, arrays);
     makechromarrays(s, arrays);
     readpedigreegender(s);
-    if (!isword(s.pop.pedigreestatus, "internal")) readgenders(s);
+    if (s.pop.pedigreefrom == pedigreesource::file) readgenders(s);
     readsegsitesdatafromallchrom(s);
     makestagearrays(s, arrays);
 

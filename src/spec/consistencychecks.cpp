@@ -31,7 +31,7 @@ void checkgenerationsandscheme(const specreader &r)
     if (s.pop.ngensel == 0 && s.pop.ngen == 0)
         refuse(100001,
                {"ERROR- NumberGenerationsBurnIn and NumberGenerationsSelection can't both be 0"});
-    if (isword(s.pop.pedigreestatus, "internal")) {
+    if (s.pop.pedigreefrom == pedigreesource::internal) {
         if (isword(r.animalbreeding, "off") && isword(r.plantbreeding, "off"))
             refuse(100002, {"ERROR: When using an internal pedigree, either AnimalBreedingOnOff or",
                             "PlantBreedingOnOff must be On."});
@@ -96,7 +96,7 @@ void checkqtn(state &s)
 void checkediting(const state &s)
 {
     if (!s.editing.geneditonoff) return;
-    if (!isword(s.pop.pedigreestatus, "internal"))
+    if (s.pop.pedigreefrom != pedigreesource::internal)
         printline("ERROR: Gene editing is not allowed with external pedigrees");
     if (s.run.genflexibilityonoff && s.run.specstartgen > 1)
         printlines(
@@ -311,7 +311,7 @@ void checkheritabilities(const state &s)
 void checkcompulsorykeys(const specreader &r)
 {
     const state &s = r.s;
-    if (s.pop.pedigreestatus.empty()) failkey("pedigreestatus");
+    if (s.pop.pedigreefrom == pedigreesource::unset) failkey("pedigreestatus");
     if (s.pop.ngen == 0) failkey("numbergenerationsburnin");
     if (s.pop.ngensel == -1) failkey("numbergenerationsselection");
     const int64 ngenerations = s.pop.ngen + s.pop.ngensel;

@@ -46,8 +46,22 @@ void readparentnumbers(specreader &r, array1<int64> &numbers, std::string_view n
 
 void readpedigreestatus(specreader &r)
 {
-    r.s.pop.pedigreestatus = valuepath(r, 1);
-    if (!isword(r.s.pop.pedigreestatus, "internal")) r.s.pop.pedigreefile = r.s.pop.pedigreestatus;
+    const std::string status = valuepath(r, 1);
+    const bool internal = isword(status, "internal");
+    r.s.pop.pedigreefrom = internal         ? pedigreesource::internal
+                           : status.empty() ? pedigreesource::unset
+                                            : pedigreesource::file;
+    if (!internal) r.s.pop.pedigreefile = status;
+}
+
+void readmergetypes(specreader &r)
+{
+    runcontrol &run = r.s.run;
+    run.mergetypes = valueword(r, 1);
+    run.merging = isword(run.mergetypes, "none")          ? mergekind::none
+                  : isword(run.mergetypes, "ids")         ? mergekind::ids
+                  : isword(run.mergetypes, "directories") ? mergekind::directories
+                                                          : mergekind::unknown;
 }
 
 void readnumberofindividuals(specreader &r)
@@ -151,7 +165,9 @@ const speckey keys[] = {
     {"performmatingsconsideringthegenderyesno", 32,
      "performmatingsconsideringthegenderyesno not set properly",
      [](specreader &r) {
-         if (!r.s.pop.animbreedonoff) r.s.pop.gendermatters = valuetext(r, 1);
+         if (r.s.pop.animbreedonoff) return;
+         r.s.pop.gendermatters = valuetext(r, 1);
+         r.s.pop.plantsbygender = isword(r.s.pop.gendermatters, "yes");
      }},
     {"numberofmaleparentsineachgeneration", 33,
      "NumberOfMaleParentsInEachGeneration not set properly",
@@ -210,8 +226,7 @@ const speckey keys[] = {
      [](specreader &r) {
          r.s.run.importstage = r.s.run.selflexibilityonoff ? anyinteger(r, 1) : 2;
      }},
-    {"mergetypes", 46, "MergeTypes not set properly",
-     [](specreader &r) { r.s.run.mergetypes = valueword(r, 1); }},
+    {"mergetypes", 46, "MergeTypes not set properly", readmergetypes},
     {"numberofmergeruns", 47, "NumberOfMergeRuns not set properly",
      [](specreader &r) { r.s.run.numberofmergeruns = valueinteger(r, 1); }},
     {"mergefiles", 48, "MergeFiles not set properly",

@@ -3,6 +3,7 @@
 #include "files.h"
 #include "founders/stores.h"
 #include "pedigree/pedigree.h"
+#include "pedigree/pedigreefiles.h"
 #include "sortstat.h"
 #include "textlayout.h"
 #include "traits/covariances.h"

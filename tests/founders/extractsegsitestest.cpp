@@ -46,8 +46,8 @@ state extractionstate(int64 nmut)
 
 } // namespace
 
-// A mutation lies halfway between its left neighbour and the next simulated site, at the ends of the
-// map on the outermost slots.
+// A mutation lies halfway between its left neighbour and the next simulated site, at the ends of
+// the map on the outermost slots.
 TEST_F(extraction, placemutationsbetweenneighbours)
 {
     writechromosome(3, 1);

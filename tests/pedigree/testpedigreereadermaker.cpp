@@ -1,6 +1,6 @@
 // What the pedigree stage is refused for.
 #include "pedigree/matings.h"
-#include "pedigree/pedigree.h"
+#include "pedigree/pedigreefiles.h"
 #include "pedigree/pedigreereadermaker.h"
 #include "selection/population.h"
 #include "testsupport.h"
@@ -23,14 +23,14 @@ void setsizes(state &s, const std::vector<int64> &sizes, int64 ngen)
     makepopulation(s, ngen, sizes);
     s.run.specstartgen = 1;
     s.run.specendgen = std::ssize(sizes);
-    s.pop.pedigreestatus = "internal";
+    s.pop.pedigreefrom = pedigreesource::internal;
 }
 
 void makeplants(state &s, const char *gendermatters)
 {
     s.pop.animbreedonoff = false;
     s.pop.plantbreedonoff = true;
-    s.pop.gendermatters = gendermatters;
+    s.pop.plantsbygender = std::string_view(gendermatters) == "yes";
 }
 
 } // namespace

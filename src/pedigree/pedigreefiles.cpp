@@ -1,0 +1,218 @@
+#include "pedigree/pedigreefiles.h"
+
+#include "stops.h"
+#include "words.h"
+
+namespace
+{
+// Bytes of a line of Pedigree.txt, and of its title, line end included.
+constexpr int64 pedigreelinelength = 5 * 20 + 1 + 512 + 1, pedigreetitlelength = 6 * 20 + 1;
+
+void putpedigreetitle(textline &line)
+{
+    for (const char *title : {"Generation", "OldGlobalID", "NewId", "NewSire", "NewDam", "Path"})
+        puta(line, title, 20);
+}
+
+void putpedigreeline(textline &line, const pedigreeline &row)
+{
+    puti(line, row.generation, 20);
+    puti(line, row.oldglobalid, 20);
+    puti(line, row.newid, 20);
+    puti(line, row.newsire, 20);
+    puti(line, row.newdam, 20);
+    line += ' ';
+    putleft(line, row.path, pathwidth);
+}
+} // namespace
+
+void readpedigreeline(infile &in, pedigreeline &row, int64 rownumber)
+{
+    in.record();
+    constexpr std::size_t fifthcolumn = 4 * 20, pathcolumn = 5 * 20 + 1;
+    const std::string_view line = in.line();
+    const bool fourcolumns =
+        line.size() >= fifthcolumn && trim(line.substr(fifthcolumn, 20)).empty();
+    if (!fourcolumns && line.size() < pathcolumn)
+        in.complain("is too short for a line of the pedigree");
+    row.path = fourcolumns ? "" : cuttext(line.substr(pathcolumn), pathwidth);
+    row.generation = in.integer();
+    row.oldglobalid = in.integer();
+    row.newid = fourcolumns ? rownumber : in.integer();
+    row.newsire = fourcolumns ? 0 : in.integer();
+    row.newdam = fourcolumns ? 0 : in.integer();
+}
+
+void readpedigree(state &s, int64 n)
+{
+    infile in(pedigreetable);
+    in.skiprecords(1);
+    for (int64 i = 1; i <= n; ++i) readpedigreeline(in, s.pedi.ped(i), i);
+}
+
+namespace
+{
+// Goes on behind the first nrows rows: by one seek, unless a merge has left shorter ones.
+void openbehindrows(outfile &out, int64 nrows)
+{
+    infile in(pedigreetable);
+    const auto haslength = [&](int64 length) {
+        return in.nextrecord() && static_cast<int64>(in.line().size()) + 1 == length;
+    };
+    if (haslength(pedigreetitlelength) && haslength(pedigreelinelength))
+        out.openandkeepfixed(pedigreetable, nrows, pedigreelinelength, pedigreetitlelength);
+    else
+        out.openandkeep(pedigreetable, 1 + nrows);
+}
+} // namespace
+
+void writeoutpedigree(state &s)
+{
+    outfile out;
+    textline line;
+    if (s.run.specstartgen == 1) {
+        out.open(pedigreetable);
+        putpedigreetitle(line);
+        out.writeline(line);
+    } else {
+        openbehindrows(out, lastindivofgen(s, s.run.specstartgen - 1));
+    }
+    for (int64 j = s.run.specstartgen; j <= s.run.specendgen; ++j) {
+        for (int64 k = firstindivofgen(s, j); k <= lastindivofgen(s, j); ++k) {
+            s.pedi.ped(k).generation = j;
+            putpedigreeline(line, s.pedi.ped(k));
+            out.writeline(line);
+        }
+    }
+    out.close();
+}
+
+void writewholepedigree(const array1<pedigreeline> &ped)
+{
+    outfile out(pedigreetable);
+    textline line;
+    putpedigreetitle(line);
+    out.writeline(line);
+    for (const pedigreeline &row : ped) {
+        putpedigreeline(line, row);
+        out.writeline(line);
+    }
+    out.close();
+}
+
+void writefourcolumns(int64 n)
+{
+    outfile out(pedigreetable);
+    out.writeline(
+        "          Generation               Indiv              Father              Mother");
+    textline line;
+    for (int64 i = 1; i <= n; ++i) {
+        for (const int64 value : {int64{1}, i, int64{0}, int64{0}}) puti(line, value, 20);
+        out.writeline(line);
+    }
+    out.close();
+}
+
+// ------------------------------------------------------- genders
+
+std::vector<genderline> readgenderlines(int64 n)
+{
+    std::vector<genderline> lines(static_cast<std::size_t>(n));
+    infile in(gendertable);
+    in.skiprecords(1);
+    for (genderline &line : lines) {
+        in.record();
+        for (int64 *value : {&line.generation, &line.row, &line.gender}) *value = in.integer();
+    }
+    return lines;
+}
+
+void readgenders(state &s)
+{
+    int64 row = 0;
+    for (const genderline &line : readgenderlines(lastindivofgen(s, s.run.specendgen)))
+        s.pedi.globalgender(++row) = line.gender;
+}
+
+void writegenders(const state &s)
+{
+    outfile out;
+    if (s.run.specstartgen == 1) {
+        out.open(gendertable);
+        out.writeline("          Generation               Indiv               Gender");
+    } else {
+        out.openandkeep(gendertable, 1 + lastindivofgen(s, s.run.specstartgen - 1));
+    }
+    textline line;
+    for (int64 j = s.run.specstartgen; j <= s.run.specendgen; ++j) {
+        for (int64 k = firstindivofgen(s, j); k <= lastindivofgen(s, j); ++k) {
+            puti(line, j, 20);
+            puti(line, k, 20);
+            puti(line, s.pedi.globalgender(k), 20);
+            out.writeline(line);
+        }
+    }
+    out.close();
+}
+
+// ------------------------------------------------------- generations
+
+std::vector<generationcounts> readgenerationcounts(const std::string &path)
+{
+    std::vector<generationcounts> generations;
+    infile in(path);
+    in.record();
+    while (in.nextrecord()) {
+        if (trim(in.line()).empty()) continue;
+        generationcounts &counts = generations.emplace_back();
+        in.integer(); // the generation's number is the line's
+        for (int64 *value : {&counts.nindiv, &counts.nmal, &counts.nfem}) *value = in.integer();
+        if (counts.nindiv < 1) in.complain("a generation has at least one individual");
+    }
+    return generations;
+}
+
+std::vector<generationcounts> readgenerations(int64 n)
+{
+    std::vector<generationcounts> generations = readgenerationcounts(generationtable);
+    if (std::ssize(generations) < n)
+        ioerror(generationtable, "holds " + numbertext(std::ssize(generations)) +
+                                     " generations where " + numbertext(n) + " are needed");
+    generations.resize(static_cast<std::size_t>(n));
+    return generations;
+}
+
+void writegenerationcounts(int64 firstgen, const std::vector<generationcounts> &counts)
+{
+    outfile out;
+    if (firstgen == 1) {
+        out.open(generationtable);
+        out.writeline(" Gen     nIndivInThisGen       nMalInThisGen       nFemInThisGen");
+    } else {
+        out.openandkeep(generationtable, firstgen);
+    }
+    textline line;
+    int64 gen = firstgen;
+    for (const generationcounts &c : counts) {
+        puti(line, gen++, 4);
+        for (const int64 value : {c.nindiv, c.nmal, c.nfem}) puti(line, value, 20);
+        out.writeline(line);
+    }
+    out.close();
+}
+
+// ------------------------------------------------------- all three
+
+void readpedigreegender(state &s)
+{
+    readpedigree(s, lastindivofgen(s, s.run.specendgen));
+    if (s.pop.pedigreefrom == pedigreesource::internal) readgenders(s);
+    int64 gen = 0;
+    for (const generationcounts &counts : readgenerations(s.run.specendgen)) {
+        s.pop.nindivinthisgen(++gen) = counts.nindiv;
+        s.pedi.nmalinthisgen(gen) = counts.nmal;
+        s.pedi.nfeminthisgen(gen) = counts.nfem;
+    }
+    for (int64 j = 1; j <= s.pop.ngen + s.pop.ngensel; ++j)
+        s.pop.cumindivnbtogen(j) = s.pop.cumindivnbtogen(j - 1) + s.pop.nindivinthisgen(j);
+}
