@@ -70,11 +70,10 @@ void drophaploburninandmakearrays(state &s, generationstep finishgeneration)
     arrays.make(s.haplo.recombcount, s.pop.nindivp, 2);
     readpedigreegender(s);
     readsegsitesdatafromallchrom(s);
-    outfile locations(highestcrossingsfile);
+    writehighestcrossings(s.haplo.globalrecomblocationmax, 0);
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         dropchromosome(s, h, span, finishgeneration);
-        locations.writeline(freeline(h, s.haplo.globalrecomblocationmax(h)));
+        writehighestcrossings(s.haplo.globalrecomblocationmax, h);
     }
-    locations.close();
     printline(" ");
 }

@@ -4,10 +4,6 @@
 // Generation 1 of a chromosome is where its chips and QTN are chosen, and after each generation its
 // alleles are extracted: the caller gives the routine that does both. In memory are at most two
 // generations of one chromosome; the rest of the pedigree is on disk.
-//
-// Files beside those of burningeneration.h and droplines.h:
-//   SimulatedData/GlobalRecombLocationMax.txt  one free-form line per chromosome: chromosome,
-//                                              highest crossing site met
 #pragma once
 
 #include "haplotypes/droplines.h"

@@ -5,7 +5,7 @@
 // earlier generation, or earlier in the same one. In memory are two generations, and of older ones
 // only the parents that an external pedigree asks for.
 //
-// Files of a chromosome beside those of droplines.h:
+// Files of a chromosome beside those of crossingfiles.h:
 //   GenomeGeneration<g>.txt            one framed record, see genomefiles.h
 //   BaseIndividualGameteTracking.txt   I20,4I10 per individual with an unknown parent: newid, the
 //       two founder haplotypes of the sire's side, those of the dam's; -99 for a known parent.

@@ -6,26 +6,21 @@
 
 void opendrop(state &s, dropwork &work, int64 chrom, int64 startindiv)
 {
-    work.tracking.openandkeep(trackingfile(chrom), 2 * (startindiv - 1));
-    work.counts.openandkeep(recombinationcounts, startindiv - 1);
+    work.files.open(chrom, startindiv);
     work.recomblocation.allocate(s.haplo.nblock, -99);
 }
 
 void closedrop(dropwork &work)
 {
-    work.tracking.close();
-    work.counts.close();
+    work.files.close();
 }
 
 namespace
 {
 void writetrackingline(const state &s, dropwork &work, int64 individ)
 {
-    puti(work.line, s.pedi.ped(individ).newid, 20);
-    puti(work.line, work.firstpos, 4);
-    puti(work.line, work.nrecombperind, 10);
-    for (int64 c = 1; c <= work.nrecombperind; ++c) puti(work.line, work.recomblocation(c), 20);
-    work.tracking.writeline(work.line);
+    work.files.writegamete(s.pedi.ped(individ).newid, work.firstpos, work.nrecombperind,
+                           work.recomblocation);
 }
 } // namespace
 
@@ -52,10 +47,8 @@ void repeatsiregamete(state &s, dropwork &work, int64 individ)
 void finishindividual(state &s, dropwork &work, int64 chrom, int64 currentgen, int64 individ,
                       int64 indivpos)
 {
-    putfree(work.line, individ);
-    putfree(work.line, s.haplo.recombcount(individ, 1));
-    putfree(work.line, s.haplo.recombcount(individ, 2));
-    work.counts.writeline(work.line);
+    work.files.writecounts(individ, s.haplo.recombcount(individ, 1),
+                           s.haplo.recombcount(individ, 2));
     if (s.sites.indivmutindicator(chrom, individ) == 1) addmutinped(s, chrom, individ, indivpos);
     if (isdoubledhaploid(s, currentgen)) {
         const int64 *sireside = s.haplo.tmpgenome.gamete(indivpos, 1);

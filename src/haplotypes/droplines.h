@@ -1,23 +1,12 @@
 // droplines.h - what the gene drops of the burn-in and of the selection generations share: one
 // gamete and its tracking line, doubled haploids, the count lines, parents of any generation.
-//
-// Files that grow generation by generation, one chromosome or the whole run each:
-//   RecombinationTracking.txt of the chromosome: two lines per individual, for the gamete from the
-//       sire and from the dam, I20,I4,I10,nI20: newid; strand on which the gamete begins; number n
-//       of crossings; the last site before each
-//   SimulatedData/RecombinationCount.txt: one free-form line per individual: individual, crossings
-//       in its gametes from sire and dam, summed over the chromosomes dropped so far
 #pragma once
 
-#include "files.h"
+#include "haplotypes/crossingfiles.h"
 #include "haplotypes/gametes.h"
 #include "state.h"
 
 #include <vector>
-
-constexpr const char *recombinationcounts = "SimulatedData/RecombinationCount.txt";
-// One free-form line per chromosome: chromosome, highest crossing site met so far.
-constexpr const char *highestcrossingsfile = "./SimulatedData/GlobalRecombLocationMax.txt";
 
 // What others do with a generation on a chromosome, individuals startindiv to endindiv, whose
 // genomes are in tmpgenome: the stage that drops it is given the routines by its caller.
@@ -35,8 +24,7 @@ struct dropsteps {
 
 // The open files of a drop and its working space.
 struct dropwork {
-    outfile tracking, counts;
-    textline line;
+    crossingfiles files;
     int64 firstpos = 0, nrecombperind = 0; // of the last gamete
     array1<int64> recomblocation;          // (nblock) of the last gamete, -99 behind its crossings
 };
@@ -72,8 +60,3 @@ std::vector<int64> parentsbetween(const state &s, int64 startindiv, int64 endind
 // nblock blocks: ids[r] goes to place r + 1 of g, which is made anew. Only the files of their
 // generations are read, one block of a generation at a time.
 void readgenomesof(const state &s, int64 chrom, const std::vector<int64> &ids, genomestore &g);
-
-inline std::string trackingfile(int64 chrom)
-{
-    return chromfolder(chrom) + "RecombinationTracking.txt";
-}

@@ -2,7 +2,7 @@
 //
 // As in the burn-in, but one generation at a time, chromosome by chromosome; every parent is known,
 // and each has its own chromosome length in Morgans, recombperindperchr. Files, formats and the
-// making of a gamete are those of droplines.h and gametes.h.
+// making of a gamete are those of crossingfiles.h and gametes.h.
 #pragma once
 
 #include "haplotypes/droplines.h"

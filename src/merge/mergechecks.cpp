@@ -3,7 +3,7 @@
 #include "flibs/fileregistry.h"
 #include "founders/stores.h"
 #include "haplotypes/blocks.h"
-#include "haplotypes/droplines.h"
+#include "haplotypes/crossingfiles.h"
 #include "haplotypes/founderblocks.h"
 #include "haplotypes/genomefiles.h"
 #include "markers/sitesets.h"
@@ -234,7 +234,8 @@ void checkburnin(const state &s, const std::string &folder)
     const auto inside = [&](const std::string &path) { return inrunfolder(folder, path); };
     checkfirstgeneration(inside(variancetable), s.qtn.nqtnmodels);
     checkfirstgeneration(inside(meanstable), s.qtn.nqtnmodels * s.traits.ntraits);
-    std::vector<std::string> names{"GlobalRecombLocationMax.txt"};
+    checkfile(inside(highestcrossingsfile));
+    std::vector<std::string> names;
     for (const char *set : {"Unrestricted", "Restricted"}) {
         for (const char *what : {"QtnInformation.txt", "QtnAdditEffects.txt"})
             names.push_back(std::string(set) + what);

@@ -1,7 +1,7 @@
 #include "merge/mergerecords.h"
 
 #include "flibs/fileregistry.h"
-#include "haplotypes/droplines.h"
+#include "haplotypes/crossingfiles.h"
 #include "haplotypes/genomefiles.h"
 #include "pedigree/pedigreefiles.h"
 #include "results/sequence.h"

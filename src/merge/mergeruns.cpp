@@ -2,7 +2,7 @@
 
 #include "founders/stores.h"
 #include "haplotypes/blocks.h"
-#include "haplotypes/droplines.h"
+#include "haplotypes/crossingfiles.h"
 #include "merge/mergechecks.h"
 #include "merge/mergefrequencies.h"
 #include "merge/mergemutations.h"
@@ -134,20 +134,15 @@ namespace
 void mergehighestcrossings(const state &s, const mergeplan &plan)
 {
     const int64 nchrom = s.founders.nchrom;
-    array1<int64> highest(nchrom);
-    const auto read = [&](const std::string &folder) {
-        infile in(inrunfolder(folder, highestcrossingsfile));
-        for (int64 h = 1; h <= nchrom; ++h) {
-            in.record();
-            in.skipwords(1);
-            highest(h) = std::max(highest(h), in.integer());
-        }
+    const auto readfrom = [&](const std::string &folder) {
+        return readhighestcrossings(nchrom, inrunfolder(folder, highestcrossingsfile));
     };
-    read(plan.burninfolder);
-    for (const sourcefolder &source : plan.sources) read(source.path);
-    outfile out(highestcrossingsfile);
-    for (int64 h = 1; h <= nchrom; ++h) out.writeline(freeline(h, highest(h)));
-    out.close();
+    array1<int64> highest = readfrom(plan.burninfolder);
+    for (const sourcefolder &source : plan.sources) {
+        const array1<int64> ofsource = readfrom(source.path);
+        for (int64 h = 1; h <= nchrom; ++h) highest(h) = std::max(highest(h), ofsource(h));
+    }
+    writehighestcrossings(highest, nchrom);
 }
 
 // Individuals in each merged generation.

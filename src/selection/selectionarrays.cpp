@@ -6,7 +6,7 @@
 void makestagearrays(state &s, arrayscope &arrays)
 {
     makevaluearrays(s, arrays);
-    arrays.make(s.haplo.globalrecomblocationmax, s.founders.nchrom);
+    arrays.hold(s.haplo.globalrecomblocationmax);
     const editingsettings &edit = s.editing;
     editdata &edits = s.edits;
     for (array1<int64> *list : {&edits.qtnidsortedbyabsval, &edits.qtnidsortedbyabsvalchrom,

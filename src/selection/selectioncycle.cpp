@@ -8,6 +8,7 @@
 #include "evaluation/selectionchip.h"
 #include "evaluation/trainingdata.h"
 #include "founders/stores.h"
+#include "haplotypes/crossingfiles.h"
 #include "haplotypes/droplines.h"
 #include "haplotypes/selectiondrop.h"
 #include "markers/markgeneration.h"
@@ -33,26 +34,6 @@
 
 namespace
 {
-constexpr const char *highestcrossings = "./SimulatedData/GlobalRecombLocationMax.txt";
-
-void readglobalrecomblocationmax(state &s)
-{
-    infile in(highestcrossings);
-    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        in.record();
-        in.skipwords(1);
-        s.haplo.globalrecomblocationmax(h) = in.integer();
-    }
-}
-
-void writeglobalrecomblocationmax(const state &s)
-{
-    outfile out(highestcrossings);
-    for (int64 h = 1; h <= s.founders.nchrom; ++h)
-        out.writeline(freeline(h, s.haplo.globalrecomblocationmax(h)));
-    out.close();
-}
-
 // ------------------------------------------------------------------------ one trait
 
 // Writes the genotypes of the training and test individuals. Generations of which nothing is asked
@@ -288,8 +269,8 @@ void drophaploselection(state &s)
         endgen = s.run.specendgen;
     }
     printoutselectiondetails(s);
-    readglobalrecomblocationmax(s);
+    s.haplo.globalrecomblocationmax = readhighestcrossings(s.founders.nchrom);
     for (int64 currentgen = startgen; currentgen <= endgen; ++currentgen)
         if (!runcycle(s, currentgen, endgen)) break;
-    writeglobalrecomblocationmax(s);
+    writehighestcrossings(s.haplo.globalrecomblocationmax, s.founders.nchrom);
 }

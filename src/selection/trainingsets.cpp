@@ -1,6 +1,7 @@
 #include "selection/trainingsets.h"
 
 #include "cyclefolder.h"
+#include "haplotypes/crossingfiles.h"
 #include "shell.h"
 #include "textlayout.h"
 
@@ -56,12 +57,7 @@ void readrecombination(state &s)
         return;
     }
     s.values.recombperindperchr.fill(s.founders.morgans);
-    infile in("./SimulatedData/RecombinationCount.txt");
-    for (int64 i = 1; i <= s.cycle.endtestindiv; ++i) {
-        in.record();
-        in.skipwords(1);
-        for (int64 side = 1; side <= 2; ++side) s.haplo.recombcount(i, side) = in.integer();
-    }
+    readrecombcounts(s, s.cycle.endtestindiv);
 }
 
 void writevalue(outfile &out, textline &line, int64 id, double value)

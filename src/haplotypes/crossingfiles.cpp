@@ -1,0 +1,58 @@
+#include "haplotypes/crossingfiles.h"
+
+void crossingfiles::open(int64 chrom, int64 firstindiv)
+{
+    tracking.openandkeep(trackingfile(chrom), 2 * (firstindiv - 1));
+    counts.openandkeep(recombinationcounts, firstindiv - 1);
+}
+
+void crossingfiles::writegamete(int64 newid, int64 strand, int64 ncrossings,
+                                const array1<int64> &locations)
+{
+    puti(line, newid, 20);
+    puti(line, strand, 4);
+    puti(line, ncrossings, 10);
+    for (int64 c = 1; c <= ncrossings; ++c) puti(line, locations(c), 20);
+    tracking.writeline(line);
+}
+
+void crossingfiles::writecounts(int64 individ, int64 fromsire, int64 fromdam)
+{
+    for (const int64 value : {individ, fromsire, fromdam}) putfree(line, value);
+    counts.writeline(line);
+}
+
+void crossingfiles::close()
+{
+    tracking.close();
+    counts.close();
+}
+
+void readrecombcounts(state &s, int64 n)
+{
+    infile in(recombinationcounts);
+    for (int64 i = 1; i <= n; ++i) {
+        in.record();
+        in.skipwords(1);
+        for (int64 side = 1; side <= 2; ++side) s.haplo.recombcount(i, side) = in.integer();
+    }
+}
+
+array1<int64> readhighestcrossings(int64 nchrom, const std::string &path)
+{
+    array1<int64> highest(nchrom);
+    infile in(path);
+    for (int64 &site : highest) {
+        in.record();
+        in.skipwords(1);
+        site = in.integer();
+    }
+    return highest;
+}
+
+void writehighestcrossings(const array1<int64> &highest, int64 nchrom)
+{
+    outfile out(highestcrossingsfile);
+    for (int64 h = 1; h <= nchrom; ++h) out.writeline(freeline(h, highest(h)));
+    out.close();
+}
