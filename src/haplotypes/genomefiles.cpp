@@ -106,7 +106,7 @@ void readgenomerows(const std::string &path, int64 nindiv, int64 nblock, const a
 void readhaplotypes(const std::string &path, haplotypestore &h, int64 nblock)
 {
     framereader in(path);
-    const int64 nbytes = in.recordlength(), nhaplos = nbytes / (nblock * 8);
+    const int64 nbytes = in.recordlength(), nhaplos = nblock > 0 ? nbytes / (nblock * 8) : 0;
     if (nhaplos * nblock * 8 != nbytes)
         ioerror(path,
                 "holds no whole number of haplotypes of " + std::to_string(nblock) + " blocks");

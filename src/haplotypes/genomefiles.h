@@ -34,6 +34,6 @@ void writegenome(const std::string &path, const genomestore &g, int64 limit = fr
 void readgenomerows(const std::string &path, int64 nindiv, int64 nblock, const array1<int64> &rows,
                     genomestore &g, int64 firstplace);
 
-// Founder haplotypes, as many as the file holds of at least one block; h is made anew.
+// Founder haplotypes, as many as the file holds; h is made anew.
 void readhaplotypes(const std::string &path, haplotypestore &h, int64 nblock);
 void writehaplotypes(const std::string &path, const haplotypestore &h, int64 limit = framelimit);
