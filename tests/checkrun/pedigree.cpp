@@ -2,91 +2,65 @@
 #include "checkrun/checkrun.h"
 #include "checkrun/runfolder.h"
 
-#include <algorithm>
-#include <cmath>
-
 namespace checkrun
 {
 namespace
 {
-constexpr const char *sizefile = "SimulatedData/NbOfIndivInEachGen.txt",
-                     *pedigreefile = "SimulatedData/Pedigree.txt";
+constexpr const char *sizefile = "SimulatedData/NbOfIndivInEachGen.txt";
 
-std::string trimmed(std::string_view text)
-{
-    const std::size_t from = text.find_first_not_of(' '), to = text.find_last_not_of(' ');
-    return from == text.npos ? "" : std::string(text.substr(from, to - from + 1));
-}
-
-// Generations but for one that waits for parents from outside, of which there is only the pedigree.
+// Generations but for one that waits for parents from outside: there is only the pedigree of it.
 void readsizes(run &r, int64 nrows)
 {
     const textfile file = r.files.read(sizefile);
-    int64 n = file.size() - 1;
+    int64 n = file.n() - 1;
     if (r.spec.word("SelectionFlexibilityOnOff") == "on" &&
         r.spec.number("ImportStagePut1ToComputeBV2ToContinue") == 1 &&
         r.spec.number("ImportAnExternalPedigreeForThisGeneration") == double(n)) {
-        r.told().skip("generation " + std::to_string(n--), "it waits for its parents");
-        nrows -= file.numbers(n + 2).whole(2);
+        nrows -= file(n + 1).whole(2);
+        r.told.leaveout(numbered("generation ", n--, ""), "it waits for its parents");
     }
-    r.last.assign(1, 0);
-    for (int64 g = 1; g <= n; ++g) {
-        const numberline line = file.numbers(g + 1);
-        r.told().equal({sizefile, g + 1}, "generation", g, line.whole(1));
-        r.told().equal({sizefile, g + 1}, "males and females together", line.whole(2),
-                       line.whole(3) + line.whole(4));
-        r.last.push_back(r.last.back() + std::max<int64>(line.whole(2), 0));
+    for (r.ngenerations = 1; r.ngenerations <= n; ++r.ngenerations) {
+        const numberline line = file(r.ngenerations + 1);
+        r.told.is({sizefile, r.ngenerations + 1}, "generation", double(r.ngenerations), line(1));
+        r.nindiv += std::max<int64>(line.whole(2), 0);
+        r.last.push_back(r.nindiv);
     }
-    r.ngenerations = static_cast<int64>(r.last.size()) - 1;
-    r.nindiv = r.last.back();
-    r.told().equal({sizefile}, "individuals of all generations, rows of the pedigree", nrows,
-                   r.nindiv);
+    --r.ngenerations;
+    r.told.is({sizefile}, "individuals, by the pedigree", double(nrows), double(r.nindiv));
 }
 
-// Rows are Generation, OldGlobalID, NewId, NewSire, NewDam, Path; of individuals that a merge took
-// four columns, generation, number, 0, 0.
-void readrows(run &r, const textfile &file)
+// Rows are generation, number in an external pedigree, number, sire, dam, path; of individuals that
+// a merge took four columns: generation, number, 0, 0.
+void readindividuals(run &r, const textfile &pedigree, const textfile &genders)
 {
-    statements &told = r.told();
-    r.individuals.resize(static_cast<std::size_t>(r.nindiv) + 1);
-    for (int64 g = 1, i = 1; i <= std::min(r.nindiv, file.size() - 1); ++i) {
-        while (i > r.end(g)) ++g;
-        const place where{pedigreefile, i + 1};
-        const std::string_view line = file.line(i + 1);
+    for (int64 g = 1, i = 1; i <= r.nindiv; ++i) {
+        while (i > r.last(g)) ++g;
+        const std::string_view line = i < pedigree.n() ? pedigree.lines(i + 1) : "";
+        const place where{pedigree.path, i + 1}, gender{genders.path, i + 1};
         const numberline row = numbersof(line.substr(0, 100));
-        individual &one = r.individuals[static_cast<std::size_t>(i)];
-        const bool whole = row.size() == 5;
-        told.holds(whole || row.size() == 4, where, "five columns, or four of a merge");
-        one.generation = g;
-        told.equal(where, "generation, by the sizes", g, row.whole(1));
-        told.equal(where, "number", i, row.whole(whole ? 3 : 2));
+        const int64 skipped = row.n() == 5;
+        individual one{g, {}, genders(i + 1).whole(3), ""};
+        r.told.is(where, "generation", double(g), row(1));
+        r.told.is(where, "number", double(i), row(2 + skipped));
         for (const int64 side : {1, 2}) {
-            const int64 parent = row.whole(2 + side + whole);
-            const bool ok = told.holds(parent >= 0 && parent < i, where, "parents on earlier rows");
-            one.parent[side] = ok ? parent : 0;
+            const int64 parent = row.whole(2 + side + skipped);
+            if (r.told.holds(parent >= 0 && parent < i, where, "parents stand on earlier rows"))
+                one.parent[side] = parent;
         }
-        if (whole && line.size() > 100) one.path = trimmed(line.substr(100));
-        if (one.path.empty()) r.merged = true;
+        if (line.size() > 101) one.path = line.substr(101, line.find(' ', 101) - 101);
+        r.merged = r.merged || one.path.empty();
+        r.told.is(gender, "generation", double(g), genders(i + 1)(1));
+        r.told.is(gender, "individual", double(i), genders(i + 1)(2));
+        r.told.holds(one.gender == 1 || one.gender == 2, gender, "gender 1 or 2");
+        r.individuals.push_back(one);
     }
-}
-
-void checkgenders(run &r)
-{
-    const textfile file = r.files.read("SimulatedData/Gender.txt"), sizes = r.files.read(sizefile);
-    r.told().holds(file.size() > r.nindiv, {file.path}, "a gender for each individual");
-    std::vector<int64> males(r.last.size(), 0);
-    for (int64 i = 1; i <= std::min(r.nindiv, file.size() - 1); ++i) {
-        const numberline line = file.numbers(i + 1);
-        const int64 gender = line.whole(3);
-        r.told().equal({file.path, i + 1}, "generation", r.of(i).generation, line.whole(1));
-        r.told().equal({file.path, i + 1}, "individual", i, line.whole(2));
-        r.told().holds(gender == 1 || gender == 2, {file.path, i + 1}, "gender 1 or 2");
-        r.individuals[static_cast<std::size_t>(i)].gender = gender;
-        males[static_cast<std::size_t>(r.of(i).generation)] += gender == 1;
-    }
+    const textfile sizes = r.files.read(sizefile);
     for (int64 g = 1; g <= r.ngenerations; ++g)
-        r.told().equal({sizefile, g + 1}, "males, by their genders",
-                       males[static_cast<std::size_t>(g)], sizes.numbers(g + 1).whole(3));
+        for (const int64 gender : {1, 2}) {
+            int64 n = 0;
+            for (int64 i = r.first(g); i <= r.last(g); ++i) n += r.individuals(i).gender == gender;
+            r.told.is({sizefile, g + 1}, "males, females", double(n), sizes(g + 1)(2 + gender));
+        }
 }
 
 void readswitches(run &r)
@@ -96,66 +70,73 @@ void readswitches(run &r)
     if (spec.word("GenerationFlexibilityOnOff") == "on")
         r.firstgeneration = static_cast<int64>(spec.number("StartStopGeneration"));
     const bool restricted =
-        spec.word("SelectionBasedOnRestrictedOrUnrestrictedQtn") == "restricted";
+                   spec.word("SelectionBasedOnRestrictedOrUnrestrictedQtn") == "restricted",
+               gamma = spec.word("DistributionOfQtnOfSelectionTraits") == "gamma";
     r.selectedset = restricted ? "RestrictedQtn" : "UnrestrictedQtn";
-    r.selectedmodel =
-        1 + restricted + 2 * (spec.word("DistributionOfQtnOfSelectionTraits") == "gamma");
+    r.selectedmodel = 1 + restricted + 2 * gamma;
     r.dominance = r.files.there("SimulatedData/UnrestrictedQtnDominEffects.txt");
-    while (
-        r.files.there("SimulatedData/Chip" + std::to_string(r.nchips + 1) + "SnpInformation.txt"))
+    while (r.files.there(numbered("SimulatedData/Chip", r.nchips + 1, "SnpInformation.txt")))
         ++r.nchips;
     if (spec.word("PlantBreedingOnOff") == "on")
-        for (std::size_t k = 0; k < spec.number("NumberOfGenerationsIncludingDoubledHaploids"); ++k)
+        for (int64 k = 1; k <= spec.number("NumberOfGenerationsIncludingDoubledHaploids"); ++k)
             r.doubledhaploids.insert(
                 static_cast<int64>(spec.number("CreateDoubledHaploidsInTheseGenerations", k)));
     // Behind a merge the first columns are wider.
     const textfile information = r.files.read("SimulatedData/UnrestrictedQtnInformation.txt");
-    if (information.size() > 1 && information.line(2).size() > 130) r.merged = true;
+    if (information.n() > 1 && information.lines(2).size() > 130) r.merged = true;
 }
 } // namespace
 
 bool run::ownvalues(int64 g) const
 {
-    if (!merged) return true;
-    for (int64 i = first(g); i <= end(g); ++i)
-        if (of(i).path.empty() || of(i).path != of(nindiv).path) return false;
-    return spec.word("MergeTypes") == "none";
+    for (int64 i = first(g); merged && i <= last(g); ++i)
+        if (individuals(i).path.empty() || individuals(i).path != individuals.back().path)
+            return false;
+    return !merged || spec.word("MergeTypes") == "none";
 }
 
-std::vector<genomesite> run::sitesof(const std::string &set) const
+list<genomesite> run::sitesof(const std::string &set, int64 h) const
 {
-    std::vector<genomesite> sites;
-    for (int64 h = 1; h <= nchrom; ++h) {
-        const chromosome &on = chromosomes[static_cast<std::size_t>(h)];
-        const auto found = on.sets.find(set);
-        if (found == on.sets.end()) continue;
-        for (const int64 site : found->second) sites.push_back({&on, h, site});
-    }
+    list<genomesite> sites;
+    for (int64 k = h ? h : 1; k <= (h ? h : chromosomes.n()); ++k)
+        if (const auto found = chromosomes(k).sets.find(set); found != chromosomes(k).sets.end())
+            for (const int64 site : found->second) sites.push_back({&chromosomes(k), k, site});
     return sites;
 }
 
-double mean(const std::vector<double> &x)
+std::string numbered(const std::string &before, int64 n, const std::string &behind)
+{
+    return before + std::to_string(n) + behind;
+}
+
+reals column(const run &r, int64 g, int64 kind, int64 model, int64 trait)
+{
+    reals x;
+    for (int64 i = r.first(g); i <= r.last(g); ++i) x.push_back(r.value(i, kind, model, trait));
+    return x;
+}
+
+double mean(const reals &x)
 {
     double sum = 0;
     for (const double value : x) sum += value;
-    return sum / static_cast<double>(x.size());
+    return sum / double(x.n());
 }
 
-double covariance(const std::vector<double> &x, const std::vector<double> &y)
+double covariance(const reals &x, const reals &y)
 {
     const double mx = mean(x), my = mean(y);
     double sum = 0;
-    for (std::size_t i = 0; i < x.size(); ++i) sum += (x[i] - mx) * (y[i] - my);
-    return sum / static_cast<double>(x.size() - 1);
+    for (int64 i = 1; i <= x.n(); ++i) sum += (x(i) - mx) * (y(i) - my);
+    return sum / double(x.n() - 1);
 }
 
 void checkpedigree(run &r)
 {
     r.spec = readsettings(r.files);
-    const textfile pedigree = r.files.read(pedigreefile);
-    readsizes(r, pedigree.size() - 1);
-    readrows(r, pedigree);
-    checkgenders(r);
+    const textfile pedigree = r.files.read("SimulatedData/Pedigree.txt");
+    readsizes(r, pedigree.n() - 1);
+    readindividuals(r, pedigree, r.files.read("SimulatedData/Gender.txt"));
     readswitches(r);
 }
 } // namespace checkrun
@@ -166,7 +147,7 @@ checkrun::statements checkrunfolder(const std::string &folder)
     checkrun::run r(told, folder);
     checkpedigree(r);
     if (r.nindiv == 0) {
-        told.skip("everything else", "there are no individuals");
+        told.leaveout("everything else", "there are no individuals");
         return told;
     }
     checkgenomes(r);

@@ -6,35 +6,36 @@
 
 #include <functional>
 #include <limits>
-#include <map>
 
 namespace checkrun
 {
-inline constexpr double any =
-    std::numeric_limits<double>::quiet_NaN();  // a value that isn't checked
+inline constexpr double any = std::numeric_limits<double>::quiet_NaN(); // isn't looked at
 inline constexpr double tendecimals = 0.6e-10; // how far a value in ten decimals may be off
 
-// The words of a line as numbers, columns from 1; not a number for a word that is none and for a
-// column that isn't there.
+// Indices from 1.
+template <class T> struct list : std::vector<T> {
+    using std::vector<T>::vector;
+    T &operator()(int64 i) { return (*this)[static_cast<std::size_t>(i - 1)]; }
+    const T &operator()(int64 i) const { return (*this)[static_cast<std::size_t>(i - 1)]; }
+    int64 n() const { return static_cast<int64>(this->size()); }
+};
+using reals = list<double>;
+
+// The words of a line as numbers; not a number for one that is none and behind the last one.
 struct numberline {
-    std::vector<double> values;
-    double operator()(int64 column) const;
-    int64 whole(int64 column) const; // -1 if it isn't a whole number
-    int64 size() const { return static_cast<int64>(values.size()); }
+    reals values;
+    double operator()(int64 k) const { return k >= 1 && k <= n() ? values(k) : any; }
+    int64 whole(int64 k) const; // -1 if it isn't a whole number
+    int64 n() const { return values.n(); }
 };
 numberline numbersof(std::string_view line);
 
 struct textfile {
     std::string path;
     std::vector<char> content;
-    std::vector<std::string_view> lines; // into content
-    int64 size() const { return static_cast<int64>(lines.size()); }
-    std::string_view line(int64 i) const { return lines[static_cast<std::size_t>(i - 1)]; }
-    // None of a line that isn't there.
-    numberline numbers(int64 i) const
-    {
-        return i >= 1 && i <= size() ? numbersof(line(i)) : numberline{};
-    }
+    list<std::string_view> lines; // into content
+    int64 n() const { return lines.n(); }
+    numberline operator()(int64 i) const; // none behind the last line
 };
 
 struct runfiles {
@@ -42,28 +43,20 @@ struct runfiles {
     statements &told;
 
     bool there(const std::string &path) const;    // as it is, or compressed
-    textfile read(const std::string &path) const; // no lines if it isn't there: that is a violation
-    // The 64-bit integers of all framed records, one behind the other, each of which must hold
-    // recordsize of them; none if the file isn't so.
-    std::vector<int64> records(const std::string &path, int64 recordsize) const;
-
-    // Lines behind the titles hold, each, what fill puts into expected for it (from 1), value by
-    // value. The file has nlines of them.
-    void tableholds(const std::string &path, int64 ntitles, int64 nlines, std::string_view what,
-                    const std::function<void(int64 line, std::vector<double> &expected)> &fill,
-                    double tolerance = tendecimals) const;
-    // The same for lines of an individual (I20) and alleles or genotypes (I2): individual(line) and
-    // value(line, column).
-    void allelesholds(const std::string &path, int64 ntitles, int64 nlines, int64 ncolumns,
-                      const std::function<int64(int64 line)> &individual,
-                      const std::function<int(int64 line, int64 column)> &value) const;
+    textfile read(const std::string &path) const; // that it isn't there is a violation
+    // The 64-bit integers of all framed records, one behind the other; none if the file doesn't
+    // consist of records of that many.
+    list<int64> records(const std::string &path, int64 recordsize) const;
+    // The lines behind the titles hold, value by value, what of() gives; there are so many of them.
+    void table(const std::string &path, int64 ntitles, int64 nlines, std::string_view what,
+               const std::function<reals(int64 line)> &of, double tolerance = tendecimals) const;
 };
 
-// The keys of the specification of the last run, in lower case, with their values.
+// The keys of a specification in lower case, with their values.
 struct settings {
     std::map<std::string, std::vector<std::string>> values;
     std::string word(const std::string &key) const; // first value in lower case, or empty
-    double number(const std::string &key, std::size_t which = 0) const; // not a number without it
+    double number(const std::string &key, int64 which = 1) const; // not a number without it
 };
 settings readsettings(const runfiles &files);
 } // namespace checkrun

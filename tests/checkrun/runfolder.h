@@ -1,4 +1,4 @@
-// runfolder.h - what the parts of the check share: sizes, descent, and the genomes of a run folder.
+// runfolder.h - what the parts of the check share: sizes, descent, genomes, values of a run folder.
 //
 // Individuals, generations, chromosomes, sites, traits and QTN models count from 1; side 1 is the
 // gamete of the sire, side 2 that of the dam.
@@ -18,23 +18,15 @@ struct individual {
 struct chromosome {
     std::string folder;
     int64 nsites = 0, nblocks = 0;
-    std::vector<double> position, mutation, maf; // of a site, from 1
-    std::vector<int64> founders;                 // haplotype after haplotype, each nblocks
-    std::vector<int64> genomes; // individual after individual, side after side, each nblocks
-    std::map<std::string, std::vector<int64>> sets; // "Chip1", "RestrictedQtn": sites, ascending
+    reals position, mutation, maf;           // of a site
+    list<int64> founders, genomes;           // haplotype after haplotype, side after side: blocks
+    std::map<std::string, list<int64>> sets; // "Chip1", "RestrictedQtn": sites, ascending
 
     const int64 *strand(int64 i, int64 side) const
     {
-        return genomes.data() + (2 * (i - 1) + side - 1) * nblocks;
+        return &genomes((2 * i + side - 3) * nblocks + 1);
     }
-    int64 *strand(int64 i, int64 side)
-    {
-        return genomes.data() + (2 * (i - 1) + side - 1) * nblocks;
-    }
-    const int64 *founder(int64 haplotype) const
-    {
-        return founders.data() + (haplotype - 1) * nblocks;
-    }
+    const int64 *founder(int64 k) const { return &founders((k - 1) * nblocks + 1); }
 };
 
 // Site 1 of a block of 60 is the bit of weight 2^59.
@@ -51,52 +43,55 @@ inline int alleleof(const int64 *strand, int64 site)
     return (strand[blockof(site)] & bitof(site)) != 0;
 }
 
-// One site of the whole genome, in the order of chromosomes.
 struct genomesite {
     const chromosome *on;
-    int64 h, site;
+    int64 h, site; // h: its chromosome
     int allele(int64 i, int64 side) const { return alleleof(on->strand(i, side), site); }
     int genotype(int64 i) const { return allele(i, 1) + allele(i, 2); }
 };
 
 struct run {
-    run(statements &to, const std::string &folder) : files{folder, to} {}
+    run(statements &to, const std::string &folder) : told(to), files{folder, to} {}
+    statements &told;
     runfiles files;
-    settings spec;
-    int64 ngenerations = 0, nindiv = 0, nchrom = 0, nchips = 0, ntraits = 0, nmodels = 0;
+    settings spec; // of the last run
+    int64 ngenerations = 0, nindiv = 0, nchips = 0, ntraits = 0, nmodels = 0;
     int64 nburnin = 0, firstgeneration = 1; // of the last run
     bool merged = false, dominance = false;
-    std::vector<int64> last;             // last individual of a generation, [0] = 0
-    std::vector<individual> individuals; // [0] unused
-    std::set<int64> doubledhaploids;     // generations
-    std::vector<chromosome> chromosomes; // [0] unused; without genomes if their folder is gone
-    std::string selectedset;             // that selection follows
+    list<int64> last; // last individual of a generation
+    list<individual> individuals;
+    std::set<int64> doubledhaploids; // generations
+    list<chromosome> chromosomes;    // none if the run has removed them
+    std::string selectedset;         // of QTN, that selection follows
     int64 selectedmodel = 1;
-    // Values in PedigreeTbvTdvTpv.txt: kind 1 tbv, 2 tdv, 3 tpv.
-    std::vector<std::vector<double>> values; // [individual][4 + ...]
+    list<numberline> values; // of individuals, as in PedigreeTbvTdvTpv.txt
+
+    // Of individual i; kind 1 breeding value, 2 dominance deviation, 3 phenotype.
     double value(int64 i, int64 kind, int64 model, int64 trait) const
     {
-        return values[static_cast<std::size_t>(i)][static_cast<std::size_t>(
-            4 + (kind - 1) * ntraits * nmodels + (trait - 1) * nmodels + model - 1)];
+        return values(i)(4 + ((kind - 1) * ntraits + trait - 1) * nmodels + model);
     }
-
-    int64 first(int64 g) const { return last[static_cast<std::size_t>(g - 1)] + 1; }
-    int64 end(int64 g) const { return last[static_cast<std::size_t>(g)]; }
-    int64 size(int64 g) const { return end(g) - first(g) + 1; }
-    const individual &of(int64 i) const { return individuals[static_cast<std::size_t>(i)]; }
-    bool hasgenomes() const { return nchrom > 0; }
+    int64 first(int64 g) const { return g == 1 ? 1 : last(g - 1) + 1; }
+    int64 size(int64 g) const { return last(g) - first(g) + 1; }
     // Whether a generation was made behind the last merge, so that its values follow from the
     // files.
     bool ownvalues(int64 g) const;
-    // Sites of a set on all chromosomes.
-    std::vector<genomesite> sitesof(const std::string &set) const;
-    statements &told() const { return files.told; }
+    // Sites of a set in the order of chromosomes, or on one of them.
+    list<genomesite> sitesof(const std::string &set, int64 h = 0) const;
 };
 
-double mean(const std::vector<double> &x);
-double covariance(const std::vector<double> &x, const std::vector<double> &y); // n - 1 below
+// Lines of n individuals from first on and their genotypes at sites, or two lines with their
+// alleles; with first 0, of whatever individuals the lines name.
+void checkgenotypes(run &r, const std::string &path, int64 ntitles, const list<genomesite> &sites,
+                    bool phase, int64 first, int64 n);
 
-// The parts of the check, in this order; each reads what it needs.
+std::string numbered(const std::string &before, int64 n, const std::string &behind);
+// Values of a generation, as run::value gives them.
+reals column(const run &r, int64 g, int64 kind, int64 model, int64 trait);
+double mean(const reals &x);
+double covariance(const reals &x, const reals &y); // n - 1 below
+
+// The parts of the check, in this order.
 void checkpedigree(run &r); // and sizes, genders, settings
 void checkgenomes(run &r); // sites, founders, drop, phases, genotypes, frequencies, chips, sequence
 void checkvalues(run &r);  // QTN, effects, true values, phenotypes, variances, heritabilities

@@ -6,20 +6,9 @@
 
 namespace checkrun
 {
-namespace
-{
-constexpr int64 shown = 5; // violations of a statement about one file
-
-std::string numbertext(double x)
-{
-    char text[40];
-    std::snprintf(text, sizeof text, "%.12g", x);
-    return text;
-}
-} // namespace
-
 void statements::violate(const place &where, std::string_view what, const std::string &detail)
 {
+    constexpr int64 shown = 5;
     ++nviolated;
     const int64 n = ++ofkind[std::string(where.file) + '\n' + std::string(what)];
     if (n > shown + 1) return;
@@ -36,26 +25,20 @@ bool statements::holds(bool ok, const place &where, std::string_view what)
     return ok;
 }
 
-bool statements::equal(const place &where, std::string_view what, int64 expected, int64 found)
-{
-    ++nchecked;
-    if (expected != found)
-        violate(where, what,
-                ": expected " + std::to_string(expected) + ", found " + std::to_string(found));
-    return expected == found;
-}
-
-bool statements::near(const place &where, std::string_view what, double expected, double found,
-                      double tolerance)
+bool statements::is(const place &where, std::string_view what, double expected, double found,
+                    double tolerance)
 {
     ++nchecked;
     const bool ok = std::fabs(found - expected) <= tolerance;
-    if (!ok)
-        violate(where, what, ": expected " + numbertext(expected) + ", found " + numbertext(found));
+    char detail[90];
+    if (!ok) {
+        std::snprintf(detail, sizeof detail, ": expected %.12g, found %.12g", expected, found);
+        violate(where, what, detail);
+    }
     return ok;
 }
 
-void statements::skip(const std::string &what, const std::string &why)
+void statements::leaveout(const std::string &what, const std::string &why)
 {
     const std::string text = what + ": " + why;
     if (std::find(left.begin(), left.end(), text) == left.end()) left.push_back(text);

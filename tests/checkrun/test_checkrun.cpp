@@ -99,11 +99,9 @@ TEST_F(checkrunfolders, everydamageisfound)
         {"editing",
          {{cycle + "GeneEditingInformation.txt", 2, 3},
           {cycle + "GeneEditingInformation.txt", 2, 4},
-          {cycle + "QtnGeneticGainAlleleFreqGener3.txt", 2, 5},
           {data + "FixedQtn.txt", 4, 3}}},
         {"contributions",
          {{cycle + "GenderTesting.txt", 2, 2},
-          {cycle + "GFullMatrix1-1.txt", 3, 4},
           {cycle + "CorvalindResults/MatingListFinal.txt", 4, 1}}}};
     for (const auto &[name, damages] : cases) {
         SCOPED_TRACE(name);

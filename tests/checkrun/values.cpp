@@ -1,102 +1,85 @@
 // QTN, effects, and what follows from them: true values, phenotypes, variances, heritabilities.
-//
-// Effects and frequencies stand in the files with ten decimals, so sums of them are told within
-// some 1e-10.
 #include "checkrun/runfolder.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace checkrun
 {
 namespace
 {
-using double2 = std::vector<double>;
-constexpr double sumsoften = 3e-10; // of values with ten decimals
+constexpr const char *valuefile = "SimulatedData/PedigreeTbvTdvTpv.txt";
+constexpr double sums = 3e-10; // how far sums of values in ten decimals may be off
 
-// A set of QTN. Effects are [QTN][distribution, trait], the normal ones first, from 0; substitution
+// A set of QTN. Effects are [QTN](distribution and trait), the normal ones first; substitution
 // effects are the additive ones without dominance.
 struct qtnset {
-    std::string name, stem; // "UnrestrictedQtn", and with the folder
+    std::string stem; // "SimulatedData/UnrestrictedQtn"
     int64 n = 0;
-    textfile store;    // genotypes of all individuals
-    double2 frequency; // in generation 1, or among the merged
-    std::vector<double2> additive, dominance, substitution;
+    textfile store;  // genotypes of all individuals
+    reals frequency; // in generation 1, or among the merged
+    list<numberline> additive, dominance, substitution;
 
     int genotype(int64 i, int64 q) const
     {
-        return store.line(i)[static_cast<std::size_t>(21 + 2 * q)] - '0';
+        return store.lines(i)[static_cast<std::size_t>(19 + 2 * q)] - '0';
     }
-    std::vector<double> frequencies(const run &r, int64 g) const
+    reals frequencies(const run &r, int64 g) const
     {
-        std::vector<double> f;
-        for (int64 q = 0; q < n; ++q) {
-            int64 sum = 0;
-            for (int64 i = r.first(g); i <= r.end(g); ++i) sum += genotype(i, q);
-            f.push_back(double(sum) / (2.0 * double(r.size(g))));
+        reals f;
+        for (int64 q = 1; q <= n; ++q) {
+            int64 count = 0;
+            for (int64 i = r.first(g); i <= r.last(g); ++i) count += genotype(i, q);
+            f.push_back(double(count) / (2.0 * double(r.size(g))));
         }
         return f;
     }
 };
 
-std::size_t cell(int64 k)
+// Where the QTN are, their frequencies, and the store of genotypes.
+qtnset readqtn(run &r, const std::string &name, const std::string &path)
 {
-    return static_cast<std::size_t>(k);
-}
-
-// Where the QTN are, their frequencies, and the store of genotypes against the genomes.
-qtnset readqtn(run &r, const std::string &name, const std::string &file)
-{
-    qtnset set{name, "SimulatedData/" + name, 0, {}, {}, {}, {}, {}};
-    const std::string path = "SimulatedData/" + file, storepath = set.stem + "IndivGenotypes.txt";
+    qtnset set{"SimulatedData/" + name, 0, {}, {}, {}, {}, {}};
     const textfile information = r.files.read(path);
-    set.n = information.size() - 1;
-    set.store = r.files.read(storepath);
-    bool whole = r.told().equal({storepath}, "lines", r.nindiv, set.store.size()) && set.n > 0;
+    const list<genomesite> sites = r.sitesof(name);
+    const std::string storefile = set.stem + "IndivGenotypes.txt";
+    set.store = r.files.read(storefile);
+    bool whole = set.store.n() == r.nindiv && (sites.empty() || sites.n() == information.n() - 1);
     for (const std::string_view line : set.store.lines)
-        whole = whole && std::ssize(line) == 20 + 2 * set.n;
-    if (!r.told().holds(whole, {storepath}, "a genotype for each QTN and individual")) {
-        set.n = 0;
-        return set;
-    }
-    const std::vector<genomesite> sites = r.sitesof(name);
-    if (r.hasgenomes()) {
-        if (!r.told().equal({path}, "QTN of all chromosomes", std::ssize(sites), set.n)) set.n = 0;
-        r.files.allelesholds(
-            storepath, 0, r.nindiv, set.n, [](int64 line) { return line; },
-            [&](int64 line, int64 k) { return sites[cell(k - 1)].genotype(line); });
-    }
-    if (set.n > 0 && !r.merged) set.frequency = set.frequencies(r, 1);
-    r.files.tableholds(path, 1, set.n, "QTN, chromosome, site, frequencies, position",
-                       [&](int64 q, double2 &expected) {
-                           expected.assign(cell(information.numbers(q + 1).size()), any);
-                           expected[0] = double(q);
-                           if (!r.merged) expected[4] = set.frequency[cell(q - 1)];
-                           if (!r.hasgenomes()) return;
-                           const genomesite &at = sites[cell(q - 1)];
-                           expected[1] = double(at.h);
-                           expected[2] = double(at.site);
-                           if (!r.merged) expected[3] = at.on->maf[cell(at.site)];
-                           expected[5] = at.on->position[cell(at.site)];
-                           if (expected.size() == 8) expected[6] = at.on->mutation[cell(at.site)];
-                       });
-    if (r.merged) // counted among the merged individuals; the effects' reference all the same
-        for (int64 q = 1; q <= set.n; ++q) set.frequency.push_back(information.numbers(q + 1)(5));
+        whole = whole && std::ssize(line) == 18 + 2 * information.n();
+    if (!r.told.holds(whole, {storefile}, "a genotype for each individual and QTN")) return set;
+    if (!sites.empty()) checkgenotypes(r, storefile, 0, sites, false, 1, r.nindiv);
+    set.n = information.n() - 1;
+    set.frequency = set.frequencies(r, 1);
+    for (int64 q = 1; q <= set.n && r.merged; ++q) set.frequency(q) = information(q + 1)(5);
+    r.files.table(path, 1, set.n, "QTN, chromosome, site, frequencies, position", [&](int64 q) {
+        reals expected(static_cast<std::size_t>(information(q + 1).n()), any);
+        expected.resize(std::max<std::size_t>(expected.size(), 7), any);
+        expected(1) = double(q);
+        expected(5) = set.frequency(q);
+        if (sites.empty()) return expected;
+        const auto &[on, h, site] = sites(q);
+        expected(2) = double(h);
+        expected(3) = double(site);
+        if (!r.merged) expected(4) = on->maf(site);
+        expected(6) = on->position(site);
+        if (expected.n() == 8) expected(7) = on->mutation(site);
+        return expected;
+    });
     return set;
 }
 
 // The columns of an effect file behind QTN, chromosome and site.
-std::vector<double2> readeffects(run &r, const qtnset &set, const std::string &what, int64 ncolumns)
+list<numberline> readeffects(run &r, const qtnset &set, const std::string &what, int64 ncolumns)
 {
-    std::vector<double2> effects;
     const textfile file = r.files.read(set.stem + what);
-    r.told().equal({file.path}, "lines", set.n + 1, file.size());
+    list<numberline> effects;
+    r.told.is({file.path}, "lines", double(set.n + 1), double(file.n()));
     for (int64 q = 1; q <= set.n; ++q) {
-        const numberline line = q < file.size() ? file.numbers(q + 1) : numberline{};
-        r.told().equal({file.path, q + 1}, "QTN", q, line.whole(1));
-        r.told().equal({file.path, q + 1}, "columns", 3 + ncolumns, line.size());
-        effects.emplace_back();
-        for (int64 k = 4; k <= 3 + ncolumns; ++k) effects.back().push_back(line(k));
+        numberline line = file(q + 1);
+        r.told.is({file.path, q + 1}, "QTN", double(q), line(1));
+        r.told.is({file.path, q + 1}, "columns", double(3 + ncolumns), double(line.n()));
+        line.values.erase(line.values.begin(), line.values.begin() + std::min<int64>(line.n(), 3));
+        effects.push_back(line);
     }
     return effects;
 }
@@ -104,335 +87,271 @@ std::vector<double2> readeffects(run &r, const qtnset &set, const std::string &w
 // Dominance effects are degrees of the additive ones' size; substitution effects a + d (1 - 2 p).
 void checkeffects(run &r, qtnset &set)
 {
-    const int64 n = r.ntraits * (r.nmodels / 2); // columns of a block
-    set.additive = readeffects(r, set, "AdditEffects.txt", n);
-    set.substitution = set.additive;
+    const int64 n = r.ntraits * (r.nmodels / 2);
+    set.additive = set.substitution = readeffects(r, set, "AdditEffects.txt", n);
     if (!r.dominance) return;
     set.dominance = readeffects(r, set, "DominEffects.txt", 2 * n);
     set.substitution = readeffects(r, set, "AverAlleleSubstEffects.txt", n);
-    for (int64 q = 0; q < set.n; ++q)
-        for (std::size_t k = 0; k < cell(n); ++k) {
-            const double a = set.additive[cell(q)][k], d = set.dominance[cell(q)][k],
-                         degree = set.dominance[cell(q)][k + cell(n)];
-            r.told().near({set.stem + "DominEffects.txt", q + 2},
-                          "dominance effect, degree x size of the additive one",
-                          degree * std::fabs(a), d, sumsoften * (1 + std::fabs(degree)));
-            if (!r.merged)
-                r.told().near({set.stem + "AverAlleleSubstEffects.txt", q + 2},
-                              "substitution effect, a + d (1 - 2 p)",
-                              a + d * (1 - 2 * set.frequency[cell(q)]),
-                              set.substitution[cell(q)][k], sumsoften);
+    const std::string path = set.stem + "DominEffects.txt",
+                      alphafile = set.stem + "AverAlleleSubstEffects.txt";
+    for (int64 q = 1; q <= set.n; ++q)
+        for (int64 k = 1; k <= n; ++k) {
+            const double a = set.additive(q)(k), d = set.dominance(q)(k),
+                         degree = set.dominance(q)(n + k);
+            r.told.is({path, q + 1}, "dominance effect by its degree", degree * std::fabs(a), d,
+                      sums * (1 + std::fabs(degree)));
+            const double alpha =
+                r.merged ? set.substitution(q)(k) : a + d * (1 - 2 * set.frequency(q));
+            r.told.is({alphafile, q + 1}, "substitution effect", alpha, set.substitution(q)(k),
+                      sums);
         }
 }
 
 // ------------------------------------------------------------------------ values of individuals
 
-constexpr const char *valuefile = "SimulatedData/PedigreeTbvTdvTpv.txt";
-
 void readvalues(run &r)
 {
-    const int64 ncolumns = 4 + 3 * r.nmodels * r.ntraits;
-    r.files.tableholds(valuefile, 1, r.nindiv, "generation, individual, sire, dam",
-                       [&](int64 i, double2 &expected) {
-                           expected.assign(cell(ncolumns), any);
-                           const individual &one = r.of(i);
-                           expected[0] = double(one.generation);
-                           expected[1] = double(i);
-                           expected[2] = double(one.parent[1]);
-                           expected[3] = double(one.parent[2]);
-                       });
+    const std::size_t ncolumns = static_cast<std::size_t>(4 + 3 * r.nmodels * r.ntraits);
+    r.files.table(valuefile, 1, r.nindiv, "generation, individual, sire, dam", [&](int64 i) {
+        const individual &one = r.individuals(i);
+        reals expected = {double(one.generation), double(i), double(one.parent[1]),
+                          double(one.parent[2])};
+        expected.resize(ncolumns, any);
+        return expected;
+    });
     const textfile file = r.files.read(valuefile);
-    r.values.assign(cell(r.nindiv) + 1, double2(cell(ncolumns), any));
-    for (int64 i = 1; i <= std::min(r.nindiv, file.size() - 1); ++i) {
-        r.values[cell(i)] = file.numbers(i + 1).values;
-        r.values[cell(i)].resize(cell(ncolumns), any);
-    }
+    for (int64 i = 1; i <= r.nindiv; ++i) r.values.push_back(file(i + 1));
 }
 
 // True breeding values are sums of effect x (genotype - 2 p); dominance deviations by genotype
-// -2 p^2 d, 2 p q d, -2 q^2 d. Where a merge has counted frequencies anew the breeding values of
+// -2 p^2 d, 2 p q d, -2 q^2 d. Where a merge has counted frequencies anew, breeding values of
 // individuals from one run differ by a constant from what the new ones give.
-void checktruevalues(run &r, const qtnset &set, int64 model, std::size_t block)
+void checktruevalues(run &r, const qtnset &set, int64 model, int64 trait)
 {
-    std::map<std::string, double> shift;
+    const int64 k = (model - 1) / 2 * r.ntraits + trait;
+    const std::string which = numbered(numbered(", model ", model, ", trait "), trait, "");
+    std::map<std::string, double> shift; // by the path of the run
     for (int64 i = 1; i <= r.nindiv; ++i) {
-        const bool own = r.ownvalues(r.of(i).generation);
+        const bool own = r.ownvalues(r.individuals(i).generation);
         if (!own && r.dominance) {
-            r.told().skip("values of merged individuals",
-                          "with dominance they stand on frequencies that are gone");
+            r.told.leaveout("values of merged individuals", "frequencies of their run are gone");
             continue;
         }
-        for (int64 t = 1; t <= r.ntraits; ++t) {
-            const std::size_t k = block * cell(r.ntraits) + cell(t - 1);
-            double tbv = 0, tdv = 0;
-            for (int64 q = 0; q < set.n; ++q) {
-                const double g = set.genotype(i, q), p = set.frequency[cell(q)];
-                tbv += set.substitution[cell(q)][k] * (g - 2 * p);
-                if (r.dominance)
-                    tdv += set.dominance[cell(q)][k] * (g == 0   ? -2 * p * p
-                                                        : g == 1 ? 2 * p * (1 - p)
-                                                                 : -2 * (1 - p) * (1 - p));
-            }
-            const place where{valuefile, i + 1};
-            const std::string which =
-                " of trait " + std::to_string(t) + ", model " + std::to_string(model);
-            if (!own)
-                tbv += shift.try_emplace(r.of(i).path + which, r.value(i, 1, model, t) - tbv)
-                           .first->second;
-            r.told().near(where, "breeding value" + which, tbv, r.value(i, 1, model, t), sumsoften);
-            r.told().near(where, "dominance deviation" + which, tdv, r.value(i, 2, model, t),
-                          sumsoften);
+        double tbv = 0, tdv = 0;
+        for (int64 q = 1; q <= set.n; ++q) {
+            const double g = set.genotype(i, q), p = set.frequency(q);
+            const double deviation = g == 0 ? -p * p : g == 1 ? p * (1 - p) : -(1 - p) * (1 - p);
+            tbv += set.substitution(q)(k) * (g - 2 * p);
+            if (r.dominance) tdv += 2 * deviation * set.dominance(q)(k);
         }
+        const double found = r.value(i, 1, model, trait);
+        if (!own) tbv += shift.try_emplace(r.individuals(i).path, found - tbv).first->second;
+        r.told.is({valuefile, i + 1}, "breeding value" + which, tbv, found, sums);
+        r.told.is({valuefile, i + 1}, "dominance deviation" + which, tdv,
+                  r.value(i, 2, model, trait), sums);
     }
 }
 
-// Residuals by the factor of their covariances: none beyond 7 standard deviations; mean and
-// variance within 6 standard errors, which a good run misses once in 10^8.
-void checkresiduals(run &r, int64 model, const std::vector<double2> &residual)
+// Residuals: none beyond 7 standard deviations; mean and variance within 6 standard errors and a
+// bit for small numbers.
+void checkresiduals(run &r, int64 model, int64 trait, double variance)
 {
-    for (int64 t = 1; t <= r.ntraits; ++t) {
-        const double variance = residual[cell(t)][cell(t)], n = double(r.nindiv);
-        const std::string which =
-            " of residuals, trait " + std::to_string(t) + ", model " + std::to_string(model);
-        double sum = 0, squares = 0;
-        for (int64 i = 1; i <= r.nindiv; ++i) {
-            const double e =
-                r.value(i, 3, model, t) - r.value(i, 1, model, t) - r.value(i, 2, model, t);
-            r.told().near({valuefile, i + 1}, "size" + which, 0, e,
-                          7 * std::sqrt(variance) + tendecimals);
-            sum += e;
-            squares += e * e;
-        }
-        r.told().near({valuefile}, "mean" + which, 0, sum / n,
-                      6 * std::sqrt(variance / n) + tendecimals);
-        r.told().near({valuefile}, "variance" + which, variance, squares / n,
-                      6 * variance * std::sqrt(2 / n) + 1.0 / n * variance * 6 + tendecimals);
+    const double n = double(r.nindiv), sd = std::sqrt(variance);
+    const std::string which = numbered(numbered(", model ", model, ", trait "), trait, "");
+    double sum = 0, squares = 0;
+    for (int64 i = 1; i <= r.nindiv; ++i) {
+        const auto value = [&](int64 kind) { return r.value(i, kind, model, trait); };
+        const double e = value(3) - value(1) - value(2);
+        r.told.is({valuefile, i + 1}, "residual, mean and 7 deviations" + which, 0, e,
+                  7 * sd + sums);
+        sum += e / n;
+        squares += e * e / n;
     }
+    r.told.is({valuefile}, "mean residual" + which, 0, sum, 6 * sd / std::sqrt(n) + sums);
+    r.told.is({valuefile}, "residual variance" + which, variance, squares,
+              6 * variance * (std::sqrt(2 / n) + 1 / n) + sums);
 }
 
 // ------------------------------------------------------------------------ variances
 
-double2 column(const run &r, int64 g, int64 kind, int64 model, int64 trait)
+double covarianceof(const run &r, int64 g, int64 kind, int64 model, int64 a, int64 b)
 {
-    double2 x;
-    for (int64 i = r.first(g); i <= r.end(g); ++i) x.push_back(r.value(i, kind, model, trait));
-    return x;
+    return covariance(column(r, g, kind, model, a), column(r, g, kind, model, b));
 }
 
-// Residual covariances of a model, from 1, by their factor.
-std::vector<double2> residualcovariances(run &r, int64 model)
+using matrix = list<reals>;
+
+// Residual covariances of a model by their factor.
+matrix residualcovariances(run &r, int64 model)
 {
-    const textfile file = r.files.read("SimulatedData/TraitVarianceComponentsResidualCholQtnModel" +
-                                       std::to_string(model) + ".txt");
-    r.told().equal({file.path}, "lines", r.ntraits, file.size());
-    std::vector<double2> e(cell(r.ntraits) + 1, double2(cell(r.ntraits) + 1, 0.0));
+    const textfile file = r.files.read(
+        numbered("SimulatedData/TraitVarianceComponentsResidualCholQtnModel", model, ".txt"));
+    matrix e(static_cast<std::size_t>(r.ntraits), reals(static_cast<std::size_t>(r.ntraits), 0.0));
     for (int64 a = 1; a <= r.ntraits; ++a)
-        for (int64 b = 1; b <= a; ++b)
-            for (int64 c = 1; c <= b; ++c)
-                e[cell(a)][cell(b)] = e[cell(b)][cell(a)] +=
-                    file.numbers(std::min(a, file.size()))(c) *
-                    file.numbers(std::min(b, file.size()))(c);
+        for (int64 b = 1; b <= r.ntraits; ++b)
+            for (int64 c = 1; c <= std::min(a, b); ++c) e(a)(b) += file(a)(c) * file(b)(c);
     return e;
 }
 
-// Seven lines per trait; the labels before the numbers count as a few columns that are none.
-void checkcomponents(run &r, const std::vector<std::vector<double2>> &residual)
+// Seven lines per trait: two of headings, then numbers of the models behind a label.
+void checkcomponents(run &r, const list<matrix> &residual)
 {
-    const std::string path = "SimulatedData/TraitVarianceComponents.txt";
-    const textfile file = r.files.read(path);
-    r.told().equal({path}, "lines", 7 * r.ntraits, file.size());
+    const textfile file = r.files.read("SimulatedData/TraitVarianceComponents.txt");
     if (r.merged)
-        r.told().skip("genetic variances of generation 1",
-                      "a merge keeps those of the burn-in folder");
-    for (int64 t = 1; t <= r.ntraits && file.size() == 7 * r.ntraits; ++t) {
-        const auto found = [&](int64 line, int64 model) {
-            const numberline row = file.numbers(7 * (t - 1) + line);
-            return row(row.size() - r.nmodels + model);
-        };
+        r.told.leaveout("variances of generation 1", "a merge keeps the burn-in folder's");
+    for (int64 t = 1; t <= r.ntraits; ++t)
         for (int64 p = 1; p <= r.nmodels; ++p) {
-            const auto at = [&](int64 line) { return place{path, 7 * (t - 1) + line}; };
-            const double a = found(3, p), d = found(4, p), e = found(5, p), all = a + d + e;
-            if (!r.merged) {
-                const double2 tbv = column(r, 1, 1, p, t), tdv = column(r, 1, 2, p, t);
-                r.told().near(at(3), "additive variance of generation 1", covariance(tbv, tbv), a,
-                              sumsoften * (1 + a));
-                r.told().near(at(4), "dominance variance of generation 1", covariance(tdv, tdv), d,
-                              sumsoften * (1 + d));
-            }
-            r.told().near(at(5), "residual variance, by its factor",
-                          residual[cell(p)][cell(t)][cell(t)], e, sumsoften * (1 + e));
+            const auto found = [&](int64 line) {
+                const numberline row = file(7 * t - 7 + line);
+                return row(row.n() - r.nmodels + p);
+            };
+            const auto check = [&](int64 line, const char *what, double expected,
+                                   double tolerance) {
+                r.told.is({file.path, 7 * t - 7 + line}, what, expected, found(line), tolerance);
+            };
+            const double a = found(3), d = found(4), e = found(5), all = a + d + e;
+            if (!r.merged)
+                check(3, "additive variance", covarianceof(r, 1, 1, p, t, t), sums * (1 + a));
+            if (!r.merged)
+                check(4, "dominance variance", covarianceof(r, 1, 2, p, t, t), sums * (1 + d));
+            check(5, "residual variance, by its factor", residual(p)(t)(t), sums * (1 + e));
             if (all < 1e-6) continue;
-            r.told().near(at(6), "narrow-sense heritability", a / all, found(6, p),
-                          sumsoften / all + sumsoften);
-            r.told().near(at(7), "broad-sense heritability", (a + d) / all, found(7, p),
-                          sumsoften / all + sumsoften);
+            check(6, "narrow-sense heritability", a / all, sums / all + sums);
+            check(7, "broad-sense heritability", (a + d) / all, sums / all + sums);
             if (!r.merged && r.firstgeneration == 1)
-                r.told().near(at(7), "heritability asked for",
-                              r.spec.number("TraitHeritability", cell(t - 1)), found(7, p),
-                              sumsoften / all + sumsoften);
+                check(7, "heritability asked for", r.spec.number("TraitHeritability", t),
+                      sums / all + sums);
         }
-    }
 }
 
-// Additive, dominance and residual covariances and heritabilities, four decimals. Only the lines
-// that are numbers count.
-void checkcovariances(run &r, const std::vector<std::vector<double2>> &residual)
+// Additive, dominance and residual covariances and heritabilities, four decimals; the lines of
+// numbers behind one another.
+void checkcovariances(run &r, const list<matrix> &residual)
 {
-    const std::string path = "SimulatedData/TraitVarianceComponentsCovariance.txt";
-    const textfile file = r.files.read(path);
-    std::vector<std::pair<int64, double>> found; // line, value
-    for (int64 k = 1; k <= file.size(); ++k)
-        for (const double x : file.numbers(k).values)
+    const textfile file = r.files.read("SimulatedData/TraitVarianceComponentsCovariance.txt");
+    list<std::pair<int64, double>> found; // line, value
+    for (int64 k = 1; k <= file.n(); ++k)
+        for (const double x : file(k).values)
             if (!std::isnan(x)) found.emplace_back(k, x);
-    if (!r.told().equal({path}, "numbers", r.nmodels * r.ntraits * (3 * r.ntraits + 2),
-                        std::ssize(found)) ||
-        r.merged)
-        return;
-    std::size_t at = 0;
+    const int64 n = r.nmodels * r.ntraits * (3 * r.ntraits + 2);
+    if (!r.told.is({file.path}, "numbers", double(n), double(found.n())) || r.merged) return;
+    int64 at = 0;
     const auto check = [&](const char *what, double expected) {
-        r.told().near({path, found[at].first}, what, expected, found[at].second, 0.51e-4);
         ++at;
+        r.told.is({file.path, found(at).first}, what, expected, found(at).second, 0.51e-4);
     };
     for (int64 p = 1; p <= r.nmodels; ++p) {
         const auto of = [&](int64 kind, int64 a, int64 b) {
-            return covariance(column(r, 1, kind, p, a), column(r, 1, kind, p, b));
+            return kind == 3 ? residual(p)(a)(b) : covarianceof(r, 1, kind, p, a, b);
         };
         for (int64 kind = 1; kind <= 3; ++kind)
             for (int64 a = 1; a <= r.ntraits; ++a)
                 for (int64 b = 1; b <= r.ntraits; ++b)
-                    check("covariance of generation 1",
-                          kind == 3 ? residual[cell(p)][cell(a)][cell(b)] : of(kind, a, b));
+                    check("covariance of generation 1", of(kind, a, b));
         for (const bool broad : {false, true})
             for (int64 t = 1; t <= r.ntraits; ++t) {
-                const double a = of(1, t, t), d = of(2, t, t),
-                             e = residual[cell(p)][cell(t)][cell(t)];
-                check("heritability", a + d + e > 0 ? (broad ? a + d : a) / (a + d + e) : 0);
+                const double genetic = of(1, t, t) + of(2, t, t), all = genetic + of(3, t, t);
+                check("heritability", all > 0 ? (broad ? genetic : of(1, t, t)) / all : 0);
             }
     }
 }
 
-// One line per generation, model and trait, and one per generation and model. Genic variances are
-// sums of 2 p q alpha^2 and (2 p q d)^2.
-void checkgenerations(run &r, const std::vector<qtnset> &sets)
+// Means by generation, model and trait; variances by generation and model: genic ones, sums of
+// 2 p q alpha^2 and (2 p q d)^2, and those of the values.
+void checkgenerations(run &r, const qtnset &unrestricted, const qtnset &restricted)
 {
-    const auto skipped = [&](int64 g) {
+    const auto own = [&](int64 g) {
         if (!r.ownvalues(g))
-            r.told().skip("means and variances of merged generations",
-                          "they are those of the base folder, or 0");
-        return !r.ownvalues(g);
+            r.told.leaveout("means and variances of merged generations",
+                            "a merge takes others, or 0");
+        return r.ownvalues(g);
     };
-    if (skipped(r.ngenerations)) return;
-    const std::string path = "SimulatedData/TotalGenicAndGeneticVariancesPerGeneration.txt";
-    std::map<std::pair<int64, const qtnset *>, double2> frequencies;
-    r.files.tableholds(
-        "SimulatedData/GeneticMeansPerGeneration.txt", 1, r.ngenerations * r.nmodels * r.ntraits,
+    if (!own(r.ngenerations)) return;
+    const int64 nt = r.ntraits, nm = r.nmodels;
+    r.files.table(
+        "SimulatedData/GeneticMeansPerGeneration.txt", 1, r.ngenerations * nm * nt,
         "mean breeding value",
-        [&](int64 line, double2 &expected) {
-            const int64 t = (line - 1) % r.ntraits + 1, p = (line - 1) / r.ntraits % r.nmodels + 1,
-                        g = (line - 1) / r.ntraits / r.nmodels + 1;
-            expected = {double(g), double(p), double(t),
-                        skipped(g) ? any : mean(column(r, g, 1, p, t))};
+        [&](int64 line) {
+            const int64 t = (line - 1) % nt + 1, p = (line - 1) / nt % nm + 1,
+                        g = (line - 1) / nt / nm + 1;
+            return reals{double(g), double(p), double(t),
+                         own(g) ? mean(column(r, g, 1, p, t)) : any};
         },
-        sumsoften);
+        sums);
+    const std::string path = "SimulatedData/TotalGenicAndGeneticVariancesPerGeneration.txt";
     const textfile file = r.files.read(path);
-    r.told().equal({path}, "lines", 1 + r.ngenerations * r.nmodels, file.size());
-    for (int64 line = 1; line < file.size(); ++line) {
-        const int64 p = (line - 1) % r.nmodels + 1, g = (line - 1) / r.nmodels + 1;
-        const numberline found = file.numbers(line + 1);
-        r.told().equal({path, line + 1}, "generation", g, found.whole(1));
-        r.told().equal({path, line + 1}, "model", p, found.whole(2));
-        if (g > r.ngenerations || skipped(g)) continue;
-        const qtnset &set = sets[cell(1 - p % 2)];
-        double2 &f = frequencies[{g, &set}];
-        if (f.empty()) f = set.frequencies(r, g);
-        for (int64 t = 1; t <= r.ntraits; ++t) {
-            const std::size_t k = cell((p - 1) / 2 * r.ntraits + t - 1);
-            const double2 tbv = column(r, g, 1, p, t), tdv = column(r, g, 2, p, t);
-            double genic[2] = {};
-            for (std::size_t q = 0; q < f.size(); ++q) {
-                const double pq2 = 2 * f[q] * (1 - f[q]), alpha = set.substitution[q][k],
-                             d = r.dominance ? set.dominance[q][k] : 0;
-                genic[0] += pq2 * alpha * alpha;
-                genic[1] += pq2 * d * pq2 * d;
+    r.files.table(
+        path, 1, r.ngenerations * nm, "genic and genetic variances",
+        [&](int64 line) {
+            const int64 p = (line - 1) % nm + 1, g = (line - 1) / nm + 1;
+            reals expected(static_cast<std::size_t>(own(g) ? 2 + 4 * nt : file(line + 1).n()), any);
+            expected(1) = double(g);
+            expected(2) = double(p);
+            if (!own(g)) return expected;
+            const qtnset &set = p % 2 == 1 ? unrestricted : restricted;
+            const reals f = set.frequencies(r, g);
+            for (int64 t = 1; t <= nt; ++t) {
+                double *genic[] = {&expected(2 + t), &expected(2 + nt + t)};
+                *genic[0] = *genic[1] = 0;
+                for (int64 q = 1; q <= set.n; ++q) {
+                    const int64 k = (p - 1) / 2 * nt + t;
+                    const double pq2 = 2 * f(q) * (1 - f(q)), alpha = set.substitution(q)(k);
+                    *genic[0] += pq2 * alpha * alpha;
+                    if (r.dominance) *genic[1] += std::pow(pq2 * set.dominance(q)(k), 2);
+                }
+                for (const int64 kind : {1, 2})
+                    expected(2 + (1 + kind) * nt + t) = covarianceof(r, g, kind, p, t, t);
             }
-            const double expected[] = {genic[0], genic[1], covariance(tbv, tbv),
-                                       covariance(tdv, tdv)};
-            const char *what[] = {"additive genic variance", "dominance genic variance",
-                                  "additive genetic variance", "dominance genetic variance"};
-            for (int64 b = 0; b < 4; ++b)
-                r.told().near({path, line + 1}, what[b], expected[b],
-                              found(3 + b * r.ntraits + t - 1), sumsoften * (1 + expected[b]));
-        }
-    }
-}
-
-// How many of the largest QTN exceed a share of the genic variance of generation 1: with that many
-// it does, with one fewer it doesn't.
-void checkclasses(run &r, const std::string &path, int64 nbefore, int64 line, int64 columns,
-                  const double2 &frequency, const std::function<double(std::size_t)> &effect)
-{
-    const numberline found = r.files.read(path).numbers(line);
-    double2 share;
-    for (std::size_t q = 0; q < frequency.size(); ++q)
-        share.push_back(2 * frequency[q] * (1 - frequency[q]) * effect(q) * effect(q));
-    std::sort(share.rbegin(), share.rend());
-    double all = 0, sum = 0;
-    for (const double x : share) all += x;
-    const double limit = found(nbefore) / 100 * all;
-    const int64 n = found.whole(columns);
-    const place where{path, line};
-    if (all == 0 || !r.told().holds(n >= 1 && n <= std::ssize(share), where, "a number of QTN"))
-        return;
-    for (int64 q = 1; q < n; ++q) sum += share[cell(q - 1)];
-    r.told().holds(sum <= limit + 1e-7 * all && sum + share[cell(n - 1)] > limit - 1e-7 * all,
-                   where, "QTN that explain the share");
+            return expected;
+        },
+        sums);
 }
 
 // ------------------------------------------------------------------------ other traits and tables
 
 // Values are standardised in each generation to the variance of generation 1; the rate follows as
 // exp(log(Morgans) + value), the Morgans being those of the first individual.
-void checkrecombination(run &r, const qtnset &set)
+void checkrecombination(run &r)
 {
     const std::string path = "SimulatedData/PedigreeTbvRecombination.txt",
-                      components = "SimulatedData/RecombinationVarianceComponents.txt";
-    const textfile file = r.files.read(path), parts = r.files.read(components),
-                   counts = r.files.read("SimulatedData/RecombinationCount.txt");
-    const textfile effects = r.files.read("SimulatedData/RecombinationQtnInformationEffects.txt");
-    if (set.n == 0 || parts.size() != 3 || file.size() < 2) return;
-    const auto lastof = [](const numberline &line) { return line(line.size()); };
-    const double va = lastof(parts.numbers(1)), ve = lastof(parts.numbers(2));
-    const double scale = file.numbers(2)(6) / std::exp(file.numbers(2)(5));
-    r.told().near({components, 3}, "heritability", va / (va + ve), lastof(parts.numbers(3)),
-                  sumsoften);
-    r.told().near({components, 2}, "residual variance, one over the Morgans of the genome",
-                  1 / (scale * double(r.nchrom)), ve, r.hasgenomes() ? sumsoften * 10 : 1e9);
-    std::vector<double2> value(cell(r.ngenerations) + 1);
+                      effectfile = "SimulatedData/RecombinationQtnInformationEffects.txt";
+    if (!r.files.there(path)) return;
+    const qtnset set = readqtn(r, "RecombinationQtn", effectfile);
+    const textfile file = r.files.read(path),
+                   counts = r.files.read("SimulatedData/RecombinationCount.txt"),
+                   effects = r.files.read(effectfile),
+                   parts = r.files.read("SimulatedData/RecombinationVarianceComponents.txt");
+    const auto part = [&](int64 line) { return parts(line)(parts(line).n()); };
+    const double va = part(1), ve = part(2), morgans = file(2)(6) / std::exp(file(2)(5));
+    r.told.is({parts.path, 3}, "heritability", va / (va + ve), part(3), sums);
+    if (!r.chromosomes.empty())
+        r.told.is({parts.path, 2}, "residual variance, 1 / Morgans",
+                  1 / (morgans * double(r.chromosomes.n())), ve, 10 * sums);
+    list<reals> raw(static_cast<std::size_t>(r.ngenerations));
     for (int64 i = 1; i <= r.nindiv; ++i) {
         double sum = 0;
-        for (int64 q = 0; q < set.n; ++q)
-            sum += effects.numbers(q + 2)(7) * (set.genotype(i, q) - 2 * set.frequency[cell(q)]);
-        value[cell(r.of(i).generation)].push_back(sum);
+        for (int64 q = 1; q <= set.n; ++q)
+            sum += effects(q + 1)(7) * (set.genotype(i, q) - 2 * set.frequency(q));
+        raw(r.individuals(i).generation).push_back(sum);
     }
-    r.files.tableholds(
+    r.files.table(
         path, 1, r.nindiv, "generation, individual, parents, value, rate, crossings",
-        [&](int64 i, double2 &expected) {
-            const individual &one = r.of(i);
-            const double2 &all = value[cell(one.generation)];
-            const double sd = std::sqrt(covariance(all, all));
-            const double z = sd > 1e-12 ? (all[cell(i - r.first(one.generation))] - mean(all)) /
-                                              sd * std::sqrt(va)
-                                        : 0;
-            const numberline count = counts.numbers(i);
-            expected = {double(one.generation),
-                        double(i),
-                        double(one.parent[1]),
-                        double(one.parent[2]),
-                        r.ownvalues(one.generation) ? z : any,
-                        scale * std::exp(file.numbers(i + 1)(5)),
-                        count(2),
-                        count(3),
-                        count(2) + count(3)};
+        [&](int64 i) {
+            const individual &one = r.individuals(i);
+            const reals &all = raw(one.generation);
+            const double sd = std::sqrt(covariance(all, all)),
+                         own = all(i - r.first(one.generation) + 1);
+            const double z = sd > 1e-12 ? (own - mean(all)) / sd * std::sqrt(va) : 0;
+            const numberline count = counts(i);
+            return reals{double(one.generation),
+                         double(i),
+                         double(one.parent[1]),
+                         double(one.parent[2]),
+                         r.ownvalues(one.generation) ? z : any,
+                         morgans * std::exp(file(i + 1)(5)),
+                         count(2),
+                         count(3),
+                         count(2) + count(3)};
         },
         1e-9);
 }
@@ -441,55 +360,38 @@ void checkfixed(run &r, const qtnset &set)
 {
     const std::string path = "SimulatedData/FixedQtn.txt";
     if (!r.files.there(path)) return;
-    std::vector<double2> frequencies(1);
-    for (int64 g = 1; g <= r.ngenerations; ++g) frequencies.push_back(set.frequencies(r, g));
-    r.files.tableholds(path, 1, r.ngenerations * set.n, "generation, QTN, 0 fixed or 1 segregating",
-                       [&](int64 line, double2 &expected) {
-                           const int64 g = (line - 1) / set.n + 1, q = (line - 1) % set.n;
-                           const double f = frequencies[cell(g)][cell(q)];
-                           expected = {double(g), double(q + 1), f > 0 && f < 1 ? 1.0 : 0.0};
-                       });
+    r.files.table(path, 1, r.ngenerations * set.n, "generation, QTN, 0 fixed or 1 segregating",
+                  [&](int64 line) {
+                      const int64 g = (line - 1) / set.n + 1, q = (line - 1) % set.n + 1;
+                      const double f = set.frequencies(r, g)(q);
+                      return reals{double(g), double(q), double(f > 0 && f < 1)};
+                  });
 }
 } // namespace
 
 void checkvalues(run &r)
 {
     const textfile components = r.files.read("SimulatedData/TraitVarianceComponents.txt");
-    r.ntraits = components.size() / 7;
-    if (r.ntraits == 0) return r.told().skip("values", "the run has simulated no traits");
-    r.nmodels = components.numbers(2).size();
-    std::vector<qtnset> sets;
-    std::vector<std::vector<double2>> residual(1);
-    for (const char *name : {"Unrestricted", "Restricted"}) {
-        sets.push_back(
-            readqtn(r, std::string(name) + "Qtn", std::string(name) + "QtnInformation.txt"));
+    r.ntraits = components.n() / 7;
+    r.nmodels = components(2).n();
+    list<qtnset> sets;
+    for (const std::string name : {"UnrestrictedQtn", "RestrictedQtn"}) {
+        sets.push_back(readqtn(r, name, "SimulatedData/" + name + "Information.txt"));
         checkeffects(r, sets.back());
     }
     readvalues(r);
+    list<matrix> residual;
     for (int64 p = 1; p <= r.nmodels; ++p) {
         residual.push_back(residualcovariances(r, p));
-        checktruevalues(r, sets[cell(1 - p % 2)], p, cell((p - 1) / 2));
-        checkresiduals(r, p, residual.back());
+        for (int64 t = 1; t <= r.ntraits; ++t) {
+            checktruevalues(r, sets(2 - p % 2), p, t);
+            checkresiduals(r, p, t, residual(p)(t)(t));
+        }
     }
     checkcomponents(r, residual);
     checkcovariances(r, residual);
-    checkgenerations(r, sets);
-    const std::string classes = "SimulatedData/ProportionOfVariationExplainedByNumberOfQtn";
-    for (int64 line = 2; line <= 1 + 5 * r.ntraits && !r.merged; ++line)
-        for (int64 p = 1; p <= r.nmodels; ++p) {
-            const qtnset &set = sets[cell(1 - p % 2)];
-            const std::size_t k = cell((p - 1) / 2 * r.ntraits + (line - 2) / 5);
-            checkclasses(r, classes + ".txt", 2, line, 2 + p, set.frequency,
-                         [&](std::size_t q) { return set.substitution[q][k]; });
-        }
-    checkfixed(r, sets[r.selectedset == "RestrictedQtn"]);
-    if (!r.files.there("SimulatedData/PedigreeTbvRecombination.txt")) return;
-    const qtnset recombination =
-        readqtn(r, "RecombinationQtn", "RecombinationQtnInformationEffects.txt");
-    checkrecombination(r, recombination);
-    const textfile effects = r.files.read("SimulatedData/RecombinationQtnInformationEffects.txt");
-    for (int64 line = 2; line <= 6 && !r.merged; ++line)
-        checkclasses(r, classes + "Recombination.txt", 1, line, 2, recombination.frequency,
-                     [&](std::size_t q) { return effects.numbers(static_cast<int64>(q) + 2)(7); });
+    checkgenerations(r, sets(1), sets(2));
+    checkrecombination(r);
+    checkfixed(r, sets(1 + (r.selectedset == "RestrictedQtn")));
 }
 } // namespace checkrun
