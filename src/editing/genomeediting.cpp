@@ -8,14 +8,18 @@
 #include "textlayout.h"
 #include "words.h"
 
+int64 nbofeditableparents(const state &s, int64 parentgen)
+{
+    const int64 nselfed = s.pop.nselfedparinthisgen(parentgen);
+    return nselfed > 0 ? nselfed : s.pop.nsireinthisgen(parentgen);
+}
+
 namespace
 {
 void stopiftoomanyedited(const state &s, int64 parentgen)
 {
-    const bool selfed = s.pop.plantbreedonoff && s.pop.nselfedparinthisgen(parentgen) > 0;
-    const int64 nparents =
-        selfed ? s.pop.nselfedparinthisgen(parentgen) : s.pop.nsireinthisgen(parentgen);
-    if (s.editing.nindedited <= nparents) return;
+    const bool selfed = s.pop.nselfedparinthisgen(parentgen) > 0;
+    if (s.editing.nindedited <= nbofeditableparents(s, parentgen)) return;
     printline(selfed ? "ERROR: Number of plants to be edited is greater than the number of selfed "
                        "parents"
                      : "ERROR: Number of sires/male parents to be edited is greater than the "

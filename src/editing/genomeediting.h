@@ -12,6 +12,9 @@
 
 #include "state.h"
 
+// Male parents of a generation that may be edited: the selfed where there are any, else the sires.
+int64 nbofeditableparents(const state &s, int64 parentgen);
+
 // Chooses the edits of the cycle that makes generation currentgen: the nindedited best male
 // parents, or selfed parents, in rank order, and for each of them the first ngeneditsperind QTN of
 // the sorted list that may be edited and at which it isn't homozygous for the favourable allele. An

@@ -33,11 +33,6 @@ void dropgamete(state &s, dropwork &work, int64 chrom, int64 individ, int64 indi
     writetrackingline(s, work, individ);
 }
 
-bool isdoubledhaploid(const state &s, int64 currentgen)
-{
-    return s.pop.ngendh > 0 && s.pop.createdhinthisgen(currentgen) == 1;
-}
-
 void repeatsiregamete(state &s, dropwork &work, int64 individ)
 {
     s.haplo.recombcount(individ, 2) = s.haplo.recombcount(individ, 1);

@@ -4,6 +4,7 @@
 
 #include "haplotypes/crossingfiles.h"
 #include "haplotypes/gametes.h"
+#include "pedigree/breedingplan.h"
 #include "state.h"
 
 #include <vector>
@@ -40,9 +41,6 @@ void closedrop(dropwork &work);
 void dropgamete(state &s, dropwork &work, int64 chrom, int64 individ, int64 indivpos,
                 int64 parentgender, const parentstrands &strands);
 
-// Whether a generation consists of doubled haploids: only the gamete from the sire is made, and
-// it stands on both sides.
-bool isdoubledhaploid(const state &s, int64 currentgen);
 // Counts and tracks the gamete just made for the sire's side on the dam's side, too.
 void repeatsiregamete(state &s, dropwork &work, int64 individ);
 

@@ -1,15 +1,10 @@
 #include "pedigree/randomparents.h"
 
+#include "pedigree/breedingplan.h"
 #include "pedigree/matings.h"
 #include "pedigree/parentnumbers.h"
 
 #include <algorithm>
-
-bool genderisignored(const state &s, int64 currentgen)
-{
-    return s.pop.plantbreedonoff && (s.pop.nrandparinthisgen(currentgen - 1) > 0 ||
-                                     s.pop.nselfedparinthisgen(currentgen - 1) > 0);
-}
 
 namespace
 {
@@ -45,48 +40,15 @@ void selectnextparentsrandom(state &s, int64 parentgender, int64 currentgen, int
     array1<int64> matingvec(nmatings);
     buildmatingvec(parents, npargender, nmatings, matingvec);
     assignparents(s, firstrow, nmatings, matingvec, parentgender);
-    if (s.pop.nrandparinthisgen(currentgen - 1) > 0)
-        randommating(s, firstrow, nmatings, matingvec, 2);
+    if (israndommated(s, currentgen)) randommating(s, firstrow, nmatings, matingvec, 2);
 }
-
-// ------------------------------------------------------- the burn-in
-
-namespace
-{
-void setdamtosire(state &s, int64 gen)
-{
-    for (int64 i = firstindivofgen(s, gen); i <= lastindivofgen(s, gen); ++i)
-        s.pedi.ped(i).newdam = s.pedi.ped(i).newsire;
-}
-
-void drawplantparents(state &s, int64 gen)
-{
-    const int64 parentgen = gen - 1;
-    if (s.pop.nselfedparinthisgen(parentgen) > 0) {
-        selectnextparentsrandom(s, 1, gen, s.pop.nselfedparinthisgen(parentgen));
-        setdamtosire(s, gen);
-    } else if (s.pop.nrandparinthisgen(parentgen) > 0) {
-        selectnextparentsrandom(s, 1, gen, s.pop.nrandparinthisgen(parentgen));
-    } else {
-        selectnextparentsrandom(s, 1, gen, s.pop.nsireinthisgen(parentgen));
-        if (s.pop.ngendh == 0)
-            selectnextparentsrandom(s, 2, gen, s.pop.ndaminthisgen(parentgen));
-        else if (s.pop.createdhinthisgen(gen) == 1)
-            setdamtosire(s, gen); // doubled haploids come from one parent
-    }
-}
-} // namespace
 
 void drawparentsofburnin(state &s)
 {
     const int64 firstgen = std::max<int64>(2, s.run.specstartgen);
     const int64 lastgen = std::min(s.run.specendgen, s.pop.ngen);
-    for (int64 j = firstgen; j <= lastgen; ++j) {
-        if (s.pop.plantbreedonoff) {
-            drawplantparents(s, j);
-        } else {
-            selectnextparentsrandom(s, 1, j, s.pop.nsireinthisgen(j - 1));
-            selectnextparentsrandom(s, 2, j, s.pop.ndaminthisgen(j - 1));
-        }
-    }
+    for (int64 j = firstgen; j <= lastgen; ++j)
+        chooseparentsof(s, j, [](state &st, int64 gen, int64 parentgender, int64 npargender) {
+            selectnextparentsrandom(st, parentgender, gen, npargender);
+        });
 }

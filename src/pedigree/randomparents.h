@@ -12,9 +12,6 @@
 // randommating, before the first draw.
 void selectnextparentsrandom(state &s, int64 parentgender, int64 currentgen, int64 npargender);
 
-// Whether parents of currentgen are chosen regardless of gender.
-bool genderisignored(const state &s, int64 currentgen);
-
-// Chooses the parents of the burn-in generations of this run, but generation 1, by the numbers that
-// the specification gives. Draws: those of selectnextparentsrandom, generation by generation.
+// Chooses the parents of the burn-in generations of this run, but generation 1, by the plan of
+// each. Draws: those of selectnextparentsrandom, generation by generation.
 void drawparentsofburnin(state &s);

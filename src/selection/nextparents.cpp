@@ -1,8 +1,8 @@
 #include "selection/nextparents.h"
 
+#include "pedigree/breedingplan.h"
 #include "pedigree/matings.h"
 #include "pedigree/parentnumbers.h"
-#include "pedigree/randomparents.h"
 
 #include <algorithm>
 #include <cmath>
@@ -62,6 +62,5 @@ void selectnextparentstruncat(state &s, int64 currentgen, int64 parentgender, in
     for (int64 &parent : matingvec) parent += cycle.endtestindiv - cycle.ntestindiv; // place to row
 
     assignparents(s, firstrow, nmatings, matingvec, parentgender);
-    if (s.pop.nrandparinthisgen(currentgen - 1) > 0)
-        randommating(s, firstrow, nmatings, matingvec, parentgender);
+    if (israndommated(s, currentgen)) randommating(s, firstrow, nmatings, matingvec, parentgender);
 }

@@ -1,6 +1,7 @@
 #include "selection/selectionarrays.h"
 
 #include "editing/genedrive.h"
+#include "editing/genomeediting.h"
 #include "values/valuearrays.h"
 
 void makestagearrays(state &s, arrayscope &arrays)
@@ -33,9 +34,7 @@ void makecyclearrays(state &s, int64 currentgen, arrayscope &arrays)
     for (array1<double> *a :
          {&cycle.estimatedbvrecomb, &cycle.estimatedbvindex, &cycle.estimatedbv})
         arrays.make(*a, cycle.ntestindiv);
-    const int64 nselfed = s.pop.plantbreedonoff ? s.pop.nselfedparinthisgen(currentgen - 1) : 0;
-    arrays.make(s.edits.indivtobeedited,
-                nselfed > 0 ? nselfed : s.pop.nsireinthisgen(currentgen - 1));
+    arrays.make(s.edits.indivtobeedited, nbofeditableparents(s, currentgen - 1));
     s.values.nindivinsimulrun = s.pop.nindivinthisgen(currentgen);
     makegenotypetables(s, arrays);
 

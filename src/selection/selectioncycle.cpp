@@ -12,6 +12,7 @@
 #include "haplotypes/droplines.h"
 #include "haplotypes/selectiondrop.h"
 #include "markers/markgeneration.h"
+#include "pedigree/breedingplan.h"
 #include "pedigree/pedigree.h"
 #include "pedigree/pedigreefiles.h"
 #include "selection/coancestryreport.h"
@@ -107,6 +108,28 @@ void estimatevalues(state &s, int64 selectioncycle, int64 selectedtrait)
         computereadebv(s, selectioncycle, selectedtrait);
 }
 
+// Selection on true values or phenotypes has no prediction: the candidates rank by what is known of
+// them. After the last generation there are as many estimates as candidates of the cycle before:
+// the first of both are taken.
+void takeknownvalues(state &s, int64 selectioncycle, int64 selectedtrait)
+{
+    cycledata &cycle = s.cycle;
+    const int64 first = cycle.starttestindiv;
+    const auto take = [&](const double *from, double *to, int64 nto) {
+        std::copy_n(from + first - 1, std::min(cycle.ntestindiv, nto), to);
+    };
+    const int64 nestimates = cycle.estimatedbvtrait.extent1().size();
+    double *const estimates = cycle.estimatedbvtrait.column(selectedtrait);
+    if (s.selection.selontbvyes1no0 == 1) {
+        take(s.values.tbv.column(s.qtn.qtnmodel, selectedtrait), estimates, nestimates);
+        if (s.selection.recombselonoff)
+            take(s.values.tbvrecombz.data(), cycle.estimatedbvrecomb.data(),
+                 cycle.estimatedbvrecomb.size());
+    }
+    if (s.selection.selmethindicator == 3 && selectioncycle != s.pop.ngensel + s.pop.ngen)
+        take(s.values.tpv.column(s.qtn.qtnmodel, selectedtrait), estimates, nestimates);
+}
+
 void evaluatetrait(state &s, int64 selectioncycle, int64 currentgen, int64 selectedtrait)
 {
     const bool predicted = s.selection.selontbvyes1no0 == 0;
@@ -115,48 +138,27 @@ void evaluatetrait(state &s, int64 selectioncycle, int64 currentgen, int64 selec
     // Without training data the file of the candidates is the same for all traits.
     if (predicted || selectedtrait == 1) writechipdata(s, selectioncycle, currentgen);
     if (predicted) estimatevalues(s, selectioncycle, selectedtrait);
+    takeknownvalues(s, selectioncycle, selectedtrait);
     computebvaccuracyandmoments(s, selectioncycle, selectedtrait);
 }
 
 // ------------------------------------------------------------------------ one cycle
 
-void copysirestodams(state &s, int64 startindiv, int64 endindiv)
+void choosebytruncation(state &s, int64 currentgen)
 {
-    for (int64 i = startindiv; i <= endindiv; ++i) s.pedi.ped(i).newdam = s.pedi.ped(i).newsire;
-}
-
-void choosebytruncation(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
-{
-    const int64 parentgen = currentgen - 1;
-    const int64 nselfed = s.pop.plantbreedonoff ? s.pop.nselfedparinthisgen(parentgen) : 0;
-    const int64 nrandom = s.pop.plantbreedonoff ? s.pop.nrandparinthisgen(parentgen) : 0;
-    const int64 ndams = s.pop.ndaminthisgen(parentgen);
-    if (nselfed > 0) {
-        selectnextparentstruncat(s, currentgen, 1, nselfed);
-        copysirestodams(s, startindiv, endindiv);
-    } else if (nrandom > 0) {
-        selectnextparentstruncat(s, currentgen, 1, nrandom);
-        selectnextparentstruncat(s, currentgen, 2, nrandom);
-    } else {
-        selectnextparentstruncat(s, currentgen, 1, s.pop.nsireinthisgen(parentgen));
-        if (isdoubledhaploid(s, currentgen) && ndams == 0) // made from the sires alone
-            copysirestodams(s, startindiv, endindiv);
-        else
-            selectnextparentstruncat(s, currentgen, 2, ndams);
-    }
+    chooseparentsof(s, currentgen, selectnextparentstruncat);
     if (s.editing.geneditonoff) {
         runge(s, currentgen - s.pop.ngen, currentgen);
         editgenome(s, currentgen - s.pop.ngen, currentgen);
     }
 }
 
-void chooseparents(state &s, int64 selectioncycle, int64 currentgen, int64 startindiv,
-                   int64 endindiv)
+void chooseparents(state &s, int64 selectioncycle, int64 currentgen)
 {
     if (s.selection.optcontribselonoff)
         selectbyoptimcontrib(s, selectioncycle, currentgen);
     else
-        choosebytruncation(s, currentgen, startindiv, endindiv);
+        choosebytruncation(s, currentgen);
 }
 
 void makegeneration(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
@@ -190,8 +192,10 @@ void reportlastgeneration(state &s, int64 selectioncycle, int64 currentgen)
     puta(line, "  Last Generation", 17);
     puti(line, currentgen, 4);
     printline(line);
-    for (int64 t = 1; t <= s.traits.ntraits; ++t)
+    for (int64 t = 1; t <= s.traits.ntraits; ++t) {
+        takeknownvalues(s, selectioncycle + 1, t);
         computebvaccuracyandmoments(s, selectioncycle + 1, t);
+    }
     cycle.accuracyfile.close();
 }
 
@@ -216,7 +220,7 @@ bool runcycle(state &s, int64 currentgen, int64 endgen)
     if (imported)
         printline("");
     else
-        chooseparents(s, selectioncycle, currentgen, startindiv, endindiv);
+        chooseparents(s, selectioncycle, currentgen);
     makegeneration(s, currentgen, startindiv, endindiv);
     if (currentgen == endgen) reportlastgeneration(s, selectioncycle, currentgen);
     if (s.editing.genedriveonoff && currentgen == endgen) writegenedriveinformation(s, currentgen);

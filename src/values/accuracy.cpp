@@ -30,11 +30,6 @@ comparison compare(const double *estimates, int64 nestimates, const std::vector<
     return c;
 }
 
-void copyestimates(const std::vector<double> &from, double *to, int64 nto)
-{
-    std::copy_n(from.data(), std::min(static_cast<int64>(from.size()), nto), to);
-}
-
 // Values of the test individuals, from the first of them.
 std::vector<double> testvalues(const state &s, const double *first)
 {
@@ -120,24 +115,14 @@ void computebvaccuracyandmoments(state &s, int64 selectioncycle, int64 selectedt
     outfile &out = cycle.accuracyfile;
     if (!out.isopen() || out.path() != path) out.open(path);
 
-    const int64 nestimates = cycle.estimatedbvtrait.extent1().size();
-    double *const estimates = cycle.estimatedbvtrait.column(selectedtrait);
     const double *const tbv = s.values.tbv.column(s.qtn.qtnmodel, selectedtrait);
-    const double *const tpv = s.values.tpv.column(s.qtn.qtnmodel, selectedtrait);
     const int64 offset = cycle.starttestindiv - 1;
     const std::vector<double> truth = testvalues(s, tbv + offset);
     std::vector<double> z;
     if (d.recombselonoff) z = testvalues(s, s.values.tbvrecombz.data() + offset);
 
-    if (d.selontbvyes1no0 == 1) {
-        copyestimates(truth, estimates, nestimates);
-        if (d.recombselonoff)
-            copyestimates(z, cycle.estimatedbvrecomb.data(), cycle.estimatedbvrecomb.size());
-    }
-    if (d.selmethindicator == 3 && selectioncycle != s.pop.ngensel + s.pop.ngen)
-        copyestimates(testvalues(s, tpv + offset), estimates, nestimates);
-
-    const comparison trait = compare(estimates, nestimates, truth);
+    const comparison trait = compare(cycle.estimatedbvtrait.column(selectedtrait),
+                                     cycle.estimatedbvtrait.extent1().size(), truth);
     const bool phenotypes = d.selmethindicator == 3;
     if (d.recombselonoff)
         reportrecombination(

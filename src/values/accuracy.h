@@ -7,10 +7,8 @@
 // tbv of the test individuals (starttestindiv to endtestindiv, ntestindiv of them) under qtnmodel,
 // and the mean and sample variance of those tbv; with recombselonoff the same of the recombination
 // trait, and the mean expected number of crossovers over the genome.
-// Selection on true values or phenotypes has no prediction step: here tbv (selontbvyes1no0 = 1) or
-// tpv (selmethindicator = 3, unless selectioncycle = ngensel + ngen) become the estimates.
 // When the test set and the estimates differ in size, as they may after the last generation, the
-// first min(sizes) of both are copied and correlated.
+// first min(sizes) of both are correlated.
 //
 // Writes Selection/AccuracyOfBreedingValueSelectionCycle<selectioncycle>.txt, a title and a line of
 // F20.5 per trait, and the same on standard output. accuracyfile stays open for the further traits
