@@ -66,9 +66,13 @@ void readindividuals(run &r, const textfile &pedigree, const textfile &genders)
 void readswitches(run &r)
 {
     const settings &spec = r.spec;
-    r.nburnin = static_cast<int64>(spec.number("NumberGenerationsBurnIn"));
+    const auto whole = [&](const std::string &key, int64 which = 1) {
+        const double x = spec.number(key, which);
+        return x >= 0 && x < 1e9 ? static_cast<int64>(x) : 0;
+    };
+    r.nburnin = whole("NumberGenerationsBurnIn");
     if (spec.word("GenerationFlexibilityOnOff") == "on")
-        r.firstgeneration = static_cast<int64>(spec.number("StartStopGeneration"));
+        r.firstgeneration = std::max<int64>(whole("StartStopGeneration"), 1);
     const bool restricted =
                    spec.word("SelectionBasedOnRestrictedOrUnrestrictedQtn") == "restricted",
                gamma = spec.word("DistributionOfQtnOfSelectionTraits") == "gamma";
@@ -78,9 +82,8 @@ void readswitches(run &r)
     while (r.files.there(numbered("SimulatedData/Chip", r.nchips + 1, "SnpInformation.txt")))
         ++r.nchips;
     if (spec.word("PlantBreedingOnOff") == "on")
-        for (int64 k = 1; k <= spec.number("NumberOfGenerationsIncludingDoubledHaploids"); ++k)
-            r.doubledhaploids.insert(
-                static_cast<int64>(spec.number("CreateDoubledHaploidsInTheseGenerations", k)));
+        for (int64 k = 1; k <= whole("NumberOfGenerationsIncludingDoubledHaploids"); ++k)
+            r.doubledhaploids.insert(whole("CreateDoubledHaploidsInTheseGenerations", k));
     // Behind a merge the first columns are wider.
     const textfile information = r.files.read("SimulatedData/UnrestrictedQtnInformation.txt");
     if (information.n() > 1 && information.lines(2).size() > 130) r.merged = true;
