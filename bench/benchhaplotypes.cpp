@@ -180,6 +180,7 @@ void dropofgenerations(benchmark::State &bench)
     s.haplo.recombfactperblock.allocate(nblock);
     s.sites.indivmutindicator.allocate(1, 2 * n);
     s.haplo.haplotypes.allocate(200, nblock);
+    setburninrecombrates(s, 1);
     for (auto _ : bench) {
         for (int64 gen = 1; gen <= 2; ++gen) {
             s.haplo.tmpgenome.allocate(n, nblock);

@@ -2,10 +2,13 @@
 
 #include "founders/extractsegsites.h"
 #include "founders/runmacs.h"
+#include "founders/stores.h"
 #include "haplotypes/burnindrop.h"
 #include "haplotypes/founderblocks.h"
 #include "markers/markgeneration.h"
 #include "merge/startmerge.h"
+#include "pedigree/pedigree.h"
+#include "pedigree/pedigreefiles.h"
 #include "pedigree/pedigreereadermaker.h"
 #include "results/sequence.h"
 #include "results/snpchips.h"
@@ -71,6 +74,26 @@ void printtiming(float seconds)
     printline("");
 }
 
+void makefounders(state &s)
+{
+    runmacs(s);
+    extractsegsites(s, packhaplotypes);
+}
+
+// What the pedigree and the founders left in their files is read once, for all generations.
+void simulate(state &s)
+{
+    const bool newsimulation = s.run.specstartgen == 1;
+    const bool burnin = s.run.specstartgen <= s.pop.ngen;
+    arrayscope arrays;
+    makepedigreearrays(s, arrays);
+    readpedigreegender(s);
+    if (burnin) drophaploburninandmakearrays(s, markgeneration);
+    if (newsimulation) simulateqtneffects(s);
+    if (burnin) computetbvvaravareandburnintpv(s);
+    if (s.pop.ngensel > 0) drophaploselection(s);
+}
+
 void writeresults(state &s)
 {
     const int64 first = s.run.specstartgen;
@@ -93,17 +116,13 @@ void solvanto(state &s)
     startmerge(s);
 
     const bool newsimulation = s.run.specstartgen == 1;
-    const bool burnin = s.run.specstartgen <= s.pop.ngen;
     if (newsimulation) makedirectories(s);
     pedigreereadermaker(s);
-    if (newsimulation) {
-        runmacs(s);
-        extractsegsites(s, packhaplotypes);
-    }
-    if (burnin) drophaploburninandmakearrays(s, markgeneration);
-    if (newsimulation) simulateqtneffects(s);
-    if (burnin) computetbvvaravareandburnintpv(s);
-    if (s.pop.ngensel > 0) drophaploselection(s);
+    if (newsimulation) makefounders(s);
+    arrayscope arrays;
+    makechromarrays(s, arrays);
+    readsegsitesdatafromallchrom(s);
+    simulate(s);
     writeresults(s);
     if (s.run.specendgen == s.pop.ngensel + s.pop.ngen && !s.run.keepchromonoff)
         runshell("rm -r Chromosomes", "Solvanto: ");

@@ -5,8 +5,8 @@
 //   Run    made by readinparameters, and there as long as the state; scalars that the reader sets
 //          hold for the whole run;
 //   Stage  made when a stage begins and freed when it ends (arrayscope.h). A later stage fills its
-//   arrays again
-//          from the files, so nothing in an array passes from stage to stage.
+//          arrays again from the files. The pedigree, and the numbers of sites, QTN and SNP per
+//          chromosome, are read once for all stages behind them (solvanto.cpp).
 // Units: positions relative to the chromosome (0 to 1); lengths in Morgans; frequencies 0 to 1.
 #pragma once
 
@@ -123,6 +123,7 @@ struct haplotypedata {
     genomestore tmpgenome;                 // (n, nblock, 2) the generation at hand
     genomestore oldtmpgenome;              // the same for the parents
     array1<double> recombfactperblock;     // (nblock) share of the chromosome's recombination
+    array1<array1<double>> recombfactors;  // (nchrom) recombfactperblock of those met so far
     array1<double> recombrateperblock;     // (nblock) crossing probability for the parent at hand
     array1<int64> globalrecomblocationmax; // (nchrom) highest crossing site met
     array2<int64> recombcount;             // (nindivp, 2) crossings per individual and gamete

@@ -11,8 +11,8 @@ std::string recombregionsfile(int64 chrom)
 std::vector<recombregion> readrecombregions(int64 chrom)
 {
     const std::string path = recombregionsfile(chrom);
-    std::vector<recombregion> regions(static_cast<std::size_t>(countlines(path)));
     infile in(path);
+    std::vector<recombregion> regions(static_cast<std::size_t>(countlines(in)));
     for (recombregion &region : regions) {
         in.record();
         region.start = in.real();

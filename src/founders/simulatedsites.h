@@ -3,8 +3,7 @@
 //
 // Files of a chromosome:
 //   SegSites.txt           number of sites, the first value of its one line; with compression in
-//   force
-//                          replaced by nsegregcomp, free-form
+//                          force replaced by nsegregcomp, free-form
 //   PhysicalMapInput.txt   their positions, free-form
 #pragma once
 

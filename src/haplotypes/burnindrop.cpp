@@ -4,8 +4,6 @@
 #include "haplotypes/blocks.h"
 #include "haplotypes/burningeneration.h"
 #include "haplotypes/droplines.h"
-#include "pedigree/pedigree.h"
-#include "pedigree/pedigreefiles.h"
 
 #include <algorithm>
 
@@ -30,6 +28,7 @@ void prepareforchromosome(state &s, arrayscope &arrays, int64 chrom)
     s.haplo.nblock = s.sites.nsegregincl / lociperblock;
     makesitearrays(s, arrays);
     readsegsitesdataperchrom(s, chrom);
+    setburninrecombrates(s, chrom);
     s.haplo.globalrecomblocationmax(chrom) = 1;
 }
 
@@ -64,12 +63,8 @@ void drophaploburninandmakearrays(state &s, generationstep finishgeneration)
 {
     const generationspan span = burningenerations(s);
     arrayscope arrays;
-    makepedigreearrays(s, arrays);
-    makechromarrays(s, arrays);
     arrays.make(s.haplo.globalrecomblocationmax, s.founders.nchrom);
     arrays.make(s.haplo.recombcount, s.pop.nindivp, 2);
-    readpedigreegender(s);
-    readsegsitesdatafromallchrom(s);
     writehighestcrossings(s.haplo.globalrecomblocationmax, 0);
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         dropchromosome(s, h, span, finishgeneration);

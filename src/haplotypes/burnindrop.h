@@ -4,6 +4,7 @@
 // Generation 1 of a chromosome is where its chips and QTN are chosen, and after each generation its
 // alleles are extracted: the caller gives the routine that does both. In memory are at most two
 // generations of one chromosome; the rest of the pedigree is on disk.
+// The pedigree and the stores of the founder sites have been read.
 #pragma once
 
 #include "haplotypes/droplines.h"

@@ -38,13 +38,6 @@ void stopiftoofewblocks(const state &s)
     stopwithcode(110012);
 }
 
-void setburninrecombrates(state &s, int64 chrom)
-{
-    setrecombfactors(s, chrom);
-    for (int64 j = 1; j <= s.haplo.nblock; ++j)
-        s.haplo.recombrateperblock(j) = s.founders.morgans * s.haplo.recombfactperblock(j);
-}
-
 // Every parent must stand before its offspring, since its genome must exist by then.
 void checkparents(const state &s, int64 startindiv, int64 endindiv)
 {
@@ -110,11 +103,17 @@ void writebaseline(const state &s, outfile &basefile, int64 chrom, int64 individ
 }
 } // namespace
 
+void setburninrecombrates(state &s, int64 chrom)
+{
+    setrecombfactors(s, chrom);
+    for (int64 j = 1; j <= s.haplo.nblock; ++j)
+        s.haplo.recombrateperblock(j) = s.founders.morgans * s.haplo.recombfactperblock(j);
+    stopiftoofewblocks(s);
+}
+
 void genedropburninindiv(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
                          bool parentsloaded)
 {
-    setburninrecombrates(s, chrom);
-    stopiftoofewblocks(s);
     checkparents(s, startindiv, endindiv);
     const parentsources from =
         loadparents(s, chrom, currentgen, startindiv, endindiv, parentsloaded);

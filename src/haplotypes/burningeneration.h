@@ -15,16 +15,19 @@
 
 #include "state.h"
 
+// Sets recombfactperblock and recombrateperblock (made by the caller), the same for all burn-in
+// generations of a chromosome. Stops: nblock not above morgans, 110012; those of readrecombspec.
+void setburninrecombrates(state &s, int64 chrom);
+
 // Drops generation currentgen, individuals startindiv to endindiv, of a chromosome.
 //   tmpgenome      out  made by the caller with every cell -99, (nindivinthisgen, nblock, 2)
 //   parentsloaded  in   oldtmpgenome holds generation currentgen - 1 already; otherwise it is read
 //                       from its file. It stays for the caller to free
-// Sets recombfactperblock and recombrateperblock (made by the caller). Parents may stand in any
+// Parents may stand in any
 // earlier generation or earlier in the same one; another one is an I/O error of the pedigree.
 // Draws, for each individual: for the sire's side, if the sire is unknown, one for each of the two
 // founder haplotypes; one for the strand to begin on; those of recombinegametes; then the same for
 // the dam's side, unless the generation is of doubled haploids.
-// Stops: nblock not above morgans, 110012; those of readrecombspec.
 void genedropburninindiv(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
                          bool parentsloaded = false);
 

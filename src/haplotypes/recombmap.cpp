@@ -26,7 +26,7 @@ void printvalue(std::string_view text, double value)
     printline("nBlock:            " + numbertext(s.haplo.nblock));
     printline("nRecBlock:         " + numbertext(nrecblocks));
     printline("nSegSitesPerBlock: " + numbertext(lociperblock));
-    printline("nSegSites:         " + numbertext(s.sites.nsegregincl));
+    printline("nSegSites:         " + numbertext(s.haplo.nblock * lociperblock));
     printline("Solution:");
     printline(" 1. Decrease the number of recombination regions (=decrease nRecBlock)");
     printline(" 2. Simulate genome with more segregating sites (=increase nBlock)");
@@ -141,12 +141,9 @@ void stopifshareslow(const state &s)
 
 void readrecombspec(state &s, int64 chrom)
 {
-    s.sites.nsegregincl = s.haplo.nblock * lociperblock;
-    const int64 nrecblocks = countlines(recombregionsfile(chrom));
-    if (nrecblocks > s.haplo.nblock) toomanyregions(s, nrecblocks);
-    const array1<double> map = readincludedmap(chrom, s.sites.nsegregincl);
-
     std::vector<recombregion> regions = readrecombregions(chrom);
+    if (std::ssize(regions) > s.haplo.nblock) toomanyregions(s, std::ssize(regions));
+    const array1<double> map = readincludedmap(chrom, s.haplo.nblock * lociperblock);
     if (!regionsinorder(regions)) {
         printline("ERROR: Variable recombination file should be sorted from start to end of "
                   "chromosome");

@@ -14,7 +14,7 @@
 // met in block j, it ends with block j - 1, but not before it starts; the last one ends with
 // nblock. Its proportion is shared out evenly; where regions overlap the later one holds, and
 // blocks without a region get 0.
-// Reads nblock; resets nsegregincl from SegSitesIncluded.txt. Draws: none.
+// Reads nblock. Draws: none.
 // Stops: more regions than blocks, plain; regions out of order, 110033; a start or stop, other
 // than the last stop, that meets no block, 110034; shares that sum to less than 0.9999, 110035.
 void readrecombspec(state &s, int64 chrom);

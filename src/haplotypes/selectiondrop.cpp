@@ -23,9 +23,9 @@ struct parentrows {
     }
 };
 
-parentrows loadparents(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
-                       int64 endtestindiv)
+parentrows loadparents(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv)
 {
+    const int64 endtestindiv = s.cycle.endtestindiv;
     parentrows parents;
     if (s.run.importextpedforthisgen == currentgen) {
         parents.ids = parentsbetween(s, startindiv, endindiv, 1, endtestindiv);
@@ -56,6 +56,18 @@ void editparents(state &s, int64 chrom, const parentrows &parents)
         }
 }
 
+// Shares of the chromosome's blocks in its recombination: worked out for the first generation, and
+// kept for the others.
+void setsharesofblocks(state &s, int64 chrom)
+{
+    array1<double> &kept = s.haplo.recombfactors(chrom);
+    if (!kept.allocated()) {
+        setrecombfactors(s, chrom);
+        kept = s.haplo.recombfactperblock;
+    }
+    s.haplo.recombfactperblock = kept;
+}
+
 // Crossing probabilities in the gametes of a parent.
 void setparentrates(state &s, int64 parent)
 {
@@ -63,16 +75,14 @@ void setparentrates(state &s, int64 parent)
     for (int64 j = 1; j <= s.haplo.nblock; ++j)
         s.haplo.recombrateperblock(j) = morgans * s.haplo.recombfactperblock(j);
 }
-} // namespace
 
 void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
-                       int64 endtestindiv, const dropsteps &steps)
+                       const dropsteps &steps)
 {
     arrayscope arrays;
     arrays.hold(s.haplo.oldtmpgenome);
-    const parentrows parents =
-        loadparents(s, chrom, currentgen, startindiv, endindiv, endtestindiv);
-    setrecombfactors(s, chrom);
+    const parentrows parents = loadparents(s, chrom, currentgen, startindiv, endindiv);
+    setsharesofblocks(s, chrom);
     dropwork work;
     opendrop(s, work, chrom, startindiv);
     s.haplo.tmpgenome.fill(-99);
@@ -99,6 +109,8 @@ void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv
     closedrop(work);
 }
 
+} // namespace
+
 void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int64 endindiv,
                               const dropsteps &steps)
 {
@@ -108,7 +120,7 @@ void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int6
         arrays.make(s.haplo.tmpgenome, s.pop.nindivinthisgen(currentgen), s.haplo.nblock);
         arrays.make(s.haplo.recombrateperblock, s.haplo.nblock);
         arrays.make(s.haplo.recombfactperblock, s.haplo.nblock);
-        genedropselection(s, chrom, currentgen, startindiv, endindiv, s.cycle.endtestindiv, steps);
+        genedropselection(s, chrom, currentgen, startindiv, endindiv, steps);
         steps.finishgeneration(s, chrom, currentgen, startindiv, endindiv);
     }
 }

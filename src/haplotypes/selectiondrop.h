@@ -22,9 +22,3 @@
 // Stops: those of readrecombspec.
 void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int64 endindiv,
                               const dropsteps &steps);
-
-// The same for one chromosome, without steps.finishgeneration: tmpgenome, recombfactperblock and
-// recombrateperblock are made by the caller, nblock is set. endtestindiv is the last individual of
-// the generation before.
-void genedropselection(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
-                       int64 endtestindiv, const dropsteps &steps);

@@ -127,13 +127,6 @@ std::vector<genderline> readgenderlines(int64 n)
     return lines;
 }
 
-void readgenders(state &s)
-{
-    int64 row = 0;
-    for (const genderline &line : readgenderlines(lastindivofgen(s, s.run.specendgen)))
-        s.pedi.globalgender(++row) = line.gender;
-}
-
 void writegenders(const state &s)
 {
     outfile out;
@@ -206,7 +199,9 @@ void writegenerationcounts(int64 firstgen, const std::vector<generationcounts> &
 void readpedigreegender(state &s)
 {
     readpedigree(s, lastindivofgen(s, s.run.specendgen));
-    if (s.pop.pedigreefrom == pedigreesource::internal) readgenders(s);
+    int64 row = 0;
+    for (const genderline &line : readgenderlines(lastindivofgen(s, s.run.specendgen)))
+        s.pedi.globalgender(++row) = line.gender;
     int64 gen = 0;
     for (const generationcounts &counts : readgenerations(s.run.specendgen)) {
         s.pop.nindivinthisgen(++gen) = counts.nindiv;

@@ -43,8 +43,6 @@ struct genderline {
 };
 // Lines 1 to n behind the title.
 std::vector<genderline> readgenderlines(int64 n);
-// Fills globalgender up to generation specendgen.
-void readgenders(state &s);
 // Writes the genders of generations specstartgen to specendgen behind those of the generations
 // before.
 void writegenders(const state &s);
@@ -64,6 +62,5 @@ void writegenerationcounts(int64 firstgen, const std::vector<generationcounts> &
 // ------------------------------------------------------- all three
 
 // Fills ped and globalgender up to generation specendgen, the three counts per generation and
-// cumindivnbtogen from the files. With an external pedigree the genders stay as they are.
-// The arrays exist already.
+// cumindivnbtogen from the files. The arrays exist already.
 void readpedigreegender(state &s);

@@ -83,9 +83,6 @@ void writemap(const state &s, int64 lasttmpgen)
 
 void writeoutsequence(state &s, int64 firsttmpgen, int64 lasttmpgen)
 {
-    arrayscope arrays;
-    makechromarrays(s, arrays);
-    readsegsitesdatafromallchrom(s);
     const int64 totalsites = countsites(s);
     outfile phases, genotypes;
     openresultfile(phases, s, sequencephasefile, firsttmpgen, 2, totalsites, titlelength);

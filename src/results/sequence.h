@@ -6,8 +6,7 @@
 //       individual, I20, totalsites items I2: individual, alleles of gamete 1, then of gamete 2
 //   SimulatedData/FullSequenceGenotype.txt   the same, one line per individual: genotypes
 //   SimulatedData/FullSequencePhysicalMapIncluded.txt   free-form: chromosome, site, position;
-//   empty
-//       until the last generation of the simulation has been written
+//       empty until the last generation of the simulation has been written
 // Lines of earlier generations stay; what stands behind them is replaced.
 #pragma once
 

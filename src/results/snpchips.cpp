@@ -1,6 +1,5 @@
 #include "results/snpchips.h"
 
-#include "founders/stores.h"
 #include "results/gathering.h"
 #include "shell.h"
 #include "words.h"
@@ -87,9 +86,6 @@ void writesnpmap(const state &s, int64 chip)
 
 void writeoutsnpchips(state &s, int64 firsttmpgen, int64 lasttmpgen)
 {
-    arrayscope arrays;
-    makechromarrays(s, arrays);
-    readsegsitesdatafromallchrom(s);
     if (s.run.specstartgen == 1) runshell(std::string("mkdir ") + chipfolder, "WriteOutSnpChips");
     for (int64 e = 1; e <= s.chips.nchip; ++e) {
         const int64 nsnp = countsnp(s, e);

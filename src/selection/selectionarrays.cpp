@@ -8,6 +8,7 @@ void makestagearrays(state &s, arrayscope &arrays)
 {
     makevaluearrays(s, arrays);
     arrays.hold(s.haplo.globalrecomblocationmax);
+    arrays.make(s.haplo.recombfactors, s.founders.nchrom);
     const editingsettings &edit = s.editing;
     editdata &edits = s.edits;
     for (array1<int64> *list : {&edits.qtnidsortedbyabsval, &edits.qtnidsortedbyabsvalchrom,

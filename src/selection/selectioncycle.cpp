@@ -7,13 +7,11 @@
 #include "evaluation/predictionruns.h"
 #include "evaluation/selectionchip.h"
 #include "evaluation/trainingdata.h"
-#include "founders/stores.h"
 #include "haplotypes/crossingfiles.h"
 #include "haplotypes/droplines.h"
 #include "haplotypes/selectiondrop.h"
 #include "markers/markgeneration.h"
 #include "pedigree/breedingplan.h"
-#include "pedigree/pedigree.h"
 #include "pedigree/pedigreefiles.h"
 #include "selection/coancestryreport.h"
 #include "selection/nextparents.h"
@@ -260,11 +258,6 @@ void drophaploselection(state &s)
 {
     if (s.run.specendgen <= s.pop.ngen) return; // nothing of selection belongs to this run
     arrayscope arrays;
-    makepedigreearrays(s, arrays);
-    makechromarrays(s, arrays);
-    readpedigreegender(s);
-    if (s.pop.pedigreefrom == pedigreesource::file) readgenders(s);
-    readsegsitesdatafromallchrom(s);
     makestagearrays(s, arrays);
 
     int64 startgen = s.pop.ngen + 1, endgen = s.pop.ngen + s.pop.ngensel;

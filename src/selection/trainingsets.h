@@ -6,8 +6,7 @@
 // Reads    PedigreeTbvTdvTpv.txt, and PedigreeTbvRecombination.txt with recombination selection on,
 //          otherwise RecombinationCount.txt; the training range and the test set
 // Updates  rows 1 to endtestindiv of tbv, tdv, tpv, recombcount, recombperindperchr (morgans for
-// all
-//          without recombination selection) and tbvrecombz; phenvaltrain, phenvalrecombtrain
+//          all without recombination selection) and tbvrecombz; phenvaltrain, phenvalrecombtrain
 //          (allocated for trait 1) and trainindicator
 #pragma once
 
@@ -19,8 +18,8 @@
 //   SelectionTbvTest[Trait<t>].txt       I20,F20.10  true value of each test individual
 //   SelectionTbvRecombZTesting.txt       I20,F20.10  with recombination selection
 //   SelectionPhenTest[Trait<t>].txt      I20,F20.10  phenotypes, under selection on phenotypes
-//   SelectionPhenTrain[Trait<t>].txt     I20,F20.10  under selection on estimates: those who have
-//   one SelectionPhenRecombTrain.txt         I20,F20.10  log crossover counts, the same
+//   SelectionPhenTrain[Trait<t>].txt     I20,F20.10  under selection on estimates: those who have one
+//   SelectionPhenRecombTrain.txt         I20,F20.10  log crossover counts, the same
 //   PedigreeBlupTrain<t>.txt             4I10,F20.10 animal, sire, dam, 1, phenotype or -99;
 //                                        empty unless the prediction is by pedigree
 // Draws: for the strategy of random phenotypes one random order of the range, for every trait.

@@ -1,7 +1,6 @@
 #include "traits/simulateqtneffects.h"
 
 #include "files.h"
-#include "founders/stores.h"
 #include "randomnumbers.h"
 #include "traits/covariances.h"
 #include "traits/effectarrays.h"
@@ -114,8 +113,6 @@ void readqtninformation(state &s)
 void simulateqtneffects(state &s)
 {
     arrayscope arrays;
-    makechromarrays(s, arrays);
-    readsegsitesdatafromallchrom(s);
     makeeffectarrays(s, arrays);
     readqtninformation(s);
     workoutgeneticcovariances(s);

@@ -1,9 +1,6 @@
 #include "values/burninvalues.h"
 
 #include "files.h"
-#include "founders/stores.h"
-#include "pedigree/pedigree.h"
-#include "pedigree/pedigreefiles.h"
 #include "sortstat.h"
 #include "textlayout.h"
 #include "traits/covariances.h"
@@ -200,11 +197,7 @@ void computetbvvaravareandburnintpv(state &s)
 {
     const generationspan span = burningenerations(s);
     arrayscope arrays;
-    makepedigreearrays(s, arrays);
-    makechromarrays(s, arrays);
     makevaluearrays(s, arrays);
-    readpedigreegender(s);
-    readsegsitesdatafromallchrom(s);
     for (int64 gen = span.first; gen <= span.last; ++gen) computegeneration(s, gen);
 }
 
