@@ -1,5 +1,6 @@
 #include "evaluation/selectionchip.h"
 
+#include "allelerows.h"
 #include "cyclefolder.h"
 #include "textlayout.h"
 
@@ -14,9 +15,7 @@ namespace
 void readphases(infile &in, array2<int8> &phases, int64 at, int64 n)
 {
     for (int64 m = 1; m <= 2; ++m) {
-        in.record();
-        in.skipwords(1);
-        in.alleles(phases.column(m) + at, n);
+        readallelerow(in, phases.column(m) + at, n);
     }
 }
 
@@ -34,21 +33,6 @@ void readindividual(const state &s, generationphases &phases)
         readphases(phases.qtn[h], phases.qtnalleles, at, n);
         at += n;
     }
-}
-
-// Room in a file for a record of the cycle: its identifier is written, the alleles follow.
-char *beginrecord(outfile &out, int64 individ, int64 nloci)
-{
-    textline id;
-    puti(id, individ, 20);
-    char *const p = out.reserve(static_cast<std::size_t>(2 * nloci) + 21);
-    return std::copy(id.begin(), id.end(), p);
-}
-
-void endrecord(outfile &out, char *behind, int64 nloci)
-{
-    *behind = '\n';
-    out.commit(static_cast<std::size_t>(2 * nloci) + 21);
 }
 
 int64 nloci(const state &s)
@@ -84,19 +68,19 @@ char *putgenotypes(char *to, const array2<int8> &phases, int64 n)
 void writegenotyperecord(const state &s, outfile &out, const generationphases &phases,
                          int64 individ)
 {
-    char *p = beginrecord(out, individ, nloci(s));
+    char *p = beginallelerows(out, individ, nloci(s));
     p = putgenotypes(p, phases.snpalleles, s.loci.nsnp);
-    if (areqtnadded(s)) p = putgenotypes(p, phases.qtnalleles, s.loci.ntotqtn);
-    endrecord(out, p, nloci(s));
+    if (areqtnadded(s)) putgenotypes(p, phases.qtnalleles, s.loci.ntotqtn);
+    endallelerows(out, nloci(s));
 }
 
 void writephaserecord(const state &s, outfile &out, const generationphases &phases, int64 individ,
                       int64 m)
 {
-    char *p = beginrecord(out, individ, nloci(s));
+    char *p = beginallelerows(out, individ, nloci(s));
     p = putalleles(p, phases.snpalleles.column(m), s.loci.nsnp);
-    if (areqtnadded(s)) p = putalleles(p, phases.qtnalleles.column(m), s.loci.ntotqtn);
-    endrecord(out, p, nloci(s));
+    if (areqtnadded(s)) putalleles(p, phases.qtnalleles.column(m), s.loci.ntotqtn);
+    endallelerows(out, nloci(s));
 }
 
 void countalleles(const array2<int8> &phases, int64 *counts, int64 n)

@@ -1,5 +1,6 @@
 #include "evaluation/trainingdata.h"
 
+#include "allelerows.h"
 #include "cyclefolder.h"
 #include "shell.h"
 #include "textlayout.h"
@@ -144,9 +145,7 @@ void scalegenottestingdata(state &s, int64 selectioncycle, [[maybe_unused]] int6
     std::vector<int8> genotypes(static_cast<std::size_t>(nloci));
     textline id;
     for (int64 i = 1; i <= s.cycle.ntestindiv; ++i) {
-        in.record();
-        puti(id, in.integer(), 20);
-        in.alleles(genotypes.data(), nloci);
+        puti(id, readallelerow(in, genotypes.data(), nloci), 20);
         out.write(id);
         id.clear();
         const char *from = fields.data();
@@ -171,14 +170,10 @@ void writetestingqtngenotypes(state &s, int64 selectioncycle, int64 testgen,
     outfile out(cyclefolder(selectioncycle) +
                 (lastgeneration ? "TmpQtnGenotypeLastGeneration.txt" : "TmpQtnGenotypeTest.txt"));
     std::vector<int8> genotypes(static_cast<std::size_t>(s.loci.ntotqtn));
-    textline line;
     in.skiprecords(tmpstarttestindiv - 1);
     for (int64 i = 1; i <= s.pop.nindivinthisgen(testgen); ++i) {
-        in.record();
-        puti(line, in.integer(), 20);
-        in.alleles(genotypes.data(), s.loci.ntotqtn);
-        putalleles(line, genotypes.data(), s.loci.ntotqtn);
-        out.writeline(line);
+        const int64 id = readallelerow(in, genotypes.data(), s.loci.ntotqtn);
+        writeallelerow(out, id, genotypes.data(), s.loci.ntotqtn);
     }
     out.close();
 }

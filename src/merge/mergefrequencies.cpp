@@ -1,5 +1,6 @@
 #include "merge/mergefrequencies.h"
 
+#include "allelerows.h"
 #include "markers/extraction.h"
 #include "pedigree/pedigreefiles.h"
 #include "words.h"
@@ -54,9 +55,7 @@ class genotypecounter
     explicit genotypecounter(std::size_t nsites) : counts(nsites), row(nsites) {}
     void read(infile &in)
     {
-        in.record();
-        in.skipwords(1);
-        in.alleles(row.data(), static_cast<int64>(row.size()));
+        readallelerow(in, row.data(), static_cast<int64>(row.size()));
         for (std::size_t k = 0; k < row.size(); ++k) {
             genotypecounts &c = counts[k];
             c.n0 += row[k] == 0;

@@ -1,5 +1,6 @@
 #include "merge/mergerecords.h"
 
+#include "allelerows.h"
 #include "flibs/fileregistry.h"
 #include "haplotypes/crossingfiles.h"
 #include "haplotypes/genomefiles.h"
@@ -22,15 +23,9 @@
 
 namespace
 {
-// Bytes of a line I20, nI2.
-int64 alleleline(int64 n)
-{
-    return 20 + 2 * n + 1;
-}
-
 individualfile allelefile(const std::string &path, int64 linesperindiv, int64 n)
 {
-    return {path, recordform::rest, 0, linesperindiv, alleleline(n)};
+    return {path, recordform::rest, 0, linesperindiv, allelerowlength(n)};
 }
 
 int64 sumof(const array1<int64> &values)
@@ -70,8 +65,8 @@ std::vector<individualfile> wholerunfiles(const state &s)
     }
     if (s.run.fullseqoutonoff) {
         const int64 nsites = sumof(s.sites.nsegreginclglobal);
-        files.push_back({sequencegenotypefile, recordform::rest, 1, 1, alleleline(nsites)});
-        files.push_back({sequencephasefile, recordform::rest, 1, 2, alleleline(nsites)});
+        files.push_back({sequencegenotypefile, recordform::rest, 1, 1, allelerowlength(nsites)});
+        files.push_back({sequencephasefile, recordform::rest, 1, 2, allelerowlength(nsites)});
     }
     return files;
 }

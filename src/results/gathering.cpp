@@ -1,5 +1,7 @@
 #include "results/gathering.h"
 
+#include "allelerows.h"
+
 #include <cstring>
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -7,7 +9,6 @@
 
 namespace
 {
-constexpr std::size_t idwidth = 20;
 using word = std::uint64_t;
 constexpr word fourzeros = 0x3020302030203020ULL;  // " 0 0 0 0", little-endian
 constexpr word allelebits = 0x0100010001000100ULL; // what tells " 1" from " 0"
@@ -27,44 +28,38 @@ void store(char *to, word value)
 void openresultfile(outfile &out, const state &s, const std::string &path, int64 firsttmpgen,
                     int64 linesperindiv, int64 nsites, int64 titlelength)
 {
-    const int64 rowlength = static_cast<int64>(idwidth) + 2 * nsites + 1;
     if (firsttmpgen == 1)
         out.open(path);
     else
-        out.openandkeepfixed(path, linesperindiv * lastindivofgen(s, firsttmpgen - 1), rowlength,
-                             titlelength);
+        out.openandkeepfixed(path, linesperindiv * lastindivofgen(s, firsttmpgen - 1),
+                             allelerowlength(nsites), titlelength);
 }
 
-individualrows::individualrows(outfile &phasefile, outfile &genotypefile, int64 nsites)
-    : phases(phasefile), genotypes(genotypefile),
-      rowlength(idwidth + 2 * static_cast<std::size_t>(nsites) + 1)
+individualrows::individualrows(outfile &phasefile, outfile &genotypefile, int64 numberofsites)
+    : phases(phasefile), genotypes(genotypefile), nsites(numberofsites)
 {
 }
 
 void individualrows::begin(int64 individual)
 {
-    id.clear();
-    puti(id, individual, idwidth);
-    rows[0] = phases.reserve(2 * rowlength);
-    rows[1] = rows[0] + rowlength;
-    for (char *row : rows) std::memcpy(row, id.data(), idwidth);
-    at = idwidth;
+    id = individual;
+    rows[0] = beginallelerows(phases, id, nsites, 2);
+    rows[1] = rows[0] + allelerowlength(nsites);
+    at = 0;
 }
 
 void individualrows::write()
 {
-    char *const sum = genotypes.reserve(rowlength);
-    std::memcpy(sum, id.data(), idwidth);
-    std::size_t i = idwidth;
+    char *const sum = beginallelerows(genotypes, id, nsites);
+    std::size_t i = 0;
     // No byte overflows: ' ' + ' ' - ' ' and '1' + '1' - '0' at most.
     for (; i + 8 <= at; i += 8) store(sum + i, load(rows[0] + i) + load(rows[1] + i) - fourzeros);
     for (; i < at; i += 2) {
         sum[i] = ' ';
         sum[i + 1] = static_cast<char>(rows[0][i + 1] + rows[1][i + 1] - '0');
     }
-    rows[0][at] = rows[1][at] = sum[at] = '\n';
-    phases.commit(2 * rowlength);
-    genotypes.commit(rowlength);
+    endallelerows(phases, nsites, 2);
+    endallelerows(genotypes, nsites);
 }
 
 bool copyalleletext(char *to, const char *from, int64 n)

@@ -1,6 +1,6 @@
 // gathering.h - what chip and sequence output share: rows of alleles as text.
 //
-// A row is I20, nI2 and a line end. In a row the text of an allele is " 0" or " 1", so that the
+// Rows are those of allelerows.h. The text of an allele is " 0" or " 1", so that the
 // genotype row is formed from both gametes' rows by adding bytes.
 #pragma once
 
@@ -17,21 +17,21 @@ void openresultfile(outfile &out, const state &s, const std::string &path, int64
 class individualrows
 {
   public:
-    individualrows(outfile &phasefile, outfile &genotypefile, int64 nsites);
+    individualrows(outfile &phasefile, outfile &genotypefile, int64 numberofsites);
     void begin(int64 individual);
     // Place of the text of the next alleles of a gamete, 1 or 2, to be filled in.
     char *text(int gamete) const { return rows[gamete - 1] + at; }
     // n alleles of both gametes have been filled in.
     void advance(int64 n) { at += 2 * static_cast<std::size_t>(n); }
-    // Ends the three rows.
+    // Fills the genotype row, which ends the three.
     void write();
 
   private:
     outfile &phases, &genotypes;
-    std::size_t rowlength;
+    int64 nsites;
+    int64 id = 0;
     char *rows[2] = {nullptr, nullptr};
     std::size_t at = 0;
-    textline id;
 };
 
 // Copies the text of n alleles. False, with the copy undone or half done, if it isn't of " 0" and "

@@ -1,5 +1,6 @@
 #include "results/snpchips.h"
 
+#include "allelerows.h"
 #include "results/gathering.h"
 #include "shell.h"
 #include "words.h"
@@ -30,10 +31,9 @@ void parsealleles(infile &in, char *to, int64 n)
 void copyphaserow(infile &in, char *to, int64 n)
 {
     in.record();
-    constexpr std::size_t idwidth = 20;
     const std::string_view row = in.line();
-    if (row.size() != idwidth + 2 * static_cast<std::size_t>(n) ||
-        !copyalleletext(to, row.data() + idwidth, n))
+    if (std::ssize(row) + 1 != allelerowlength(n) ||
+        !copyalleletext(to, row.data() + alleleidwidth, n))
         parsealleles(in, to, n);
 }
 
