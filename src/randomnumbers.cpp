@@ -9,18 +9,21 @@
 void initiateseed(randomstream &random)
 {
     {
-        infile seed("Seed.txt");
+        infile seed(seedfile);
         seed.record();
         random.idum = seed.integer();
     }
-    outfile old("SeedOld.txt");
-    old.writeline(freeline(random.idum));
-    old.close();
+    writeseed("SeedOld.txt", random.idum);
     ran1(random);
     random.idum = -random.idum;
-    outfile seed("Seed.txt");
-    seed.writeline(freeline(random.idum));
-    seed.close();
+    writeseed(seedfile, random.idum);
+}
+
+void writeseed(const std::string &path, int64 seed)
+{
+    outfile out(path);
+    out.writeline(freeline(seed));
+    out.close();
 }
 
 uniformstream filledstream(int64 seed)

@@ -32,6 +32,10 @@ struct randomstream : uniformstream {
     double betac = 0, betat = 0, betah = 0, betaf = 0, betad = 0;
 };
 
+// The seed, free-form: that of the run, and in the folder of a cycle that of a program.
+constexpr const char *seedfile = "Seed.txt";
+void writeseed(const std::string &path, int64 seed);
+
 // Reads Seed.txt of the working directory, which must exist, keeps its number in SeedOld.txt,
 // and leaves a new negative seed in Seed.txt and in idum: the next draw fills the table from it.
 void initiateseed(randomstream &random);

@@ -5,9 +5,7 @@
 
 void writecycleseed(const state &s, int64 selectioncycle)
 {
-    outfile seed(cyclefolder(selectioncycle) + "Seed.txt");
-    seed.writeline(freeline(s.random.idum));
-    seed.close();
+    writeseed(cyclefolder(selectioncycle) + seedfile, s.random.idum);
 }
 
 void runcompanion(const companionrun &run, int64 selectioncycle)

@@ -2,6 +2,9 @@
 
 #include "cyclefolder.h"
 #include "evaluation/companionruns.h"
+#include "evaluation/selectionchip.h"
+#include "evaluation/solutionfiles.h"
+#include "evaluation/valuefiles.h"
 #include "shell.h"
 #include "stops.h"
 #include "textlayout.h"
@@ -9,8 +12,18 @@
 #include <cstdio>
 #include <vector>
 
+std::string trainingpedigree(int64 selectedtrait)
+{
+    return "PedigreeBlupTrain" + numbertext(selectedtrait) + ".txt";
+}
+
 namespace
 {
+std::string pedigreeestimates(int64 selectedtrait)
+{
+    return "EbvTrait" + numbertext(selectedtrait) + ".txt";
+}
+
 constexpr const char *script = "./TmpQuillomere.sh";
 constexpr const char *logname = "outQuillomere";
 
@@ -27,7 +40,7 @@ void writepedigreespec(const state &s, int64 selectioncycle, int64 selectedtrait
     if (runid == 2)
         free("SelectionPhenRecomb.txt,TmpChip1GenotypeTrain.txt,XmatFormat");
     else if (parameters)
-        out.writeline("PedigreeBlupTrain" + numbertext(selectedtrait) + ".txt");
+        out.writeline(trainingpedigree(selectedtrait));
     else
         free("SelectionPhen.txt");
     free("Animal                            ,!P,0,F");
@@ -65,18 +78,16 @@ void writegenomicspec(const state &s, int64 selectioncycle, int64 selectedtrait,
 {
     const selectionsettings &sel = s.selection;
     const cycledata &cycle = s.cycle;
-    const std::string chip = "TmpChip" + numbertext(s.chips.tmpchip);
-    const std::string ending = traitsuffix(s, selectedtrait) + ".txt";
     const bool recomb = s.traits.ntraits == 1 && runid == 2;
     outfile out(cyclefolder(selectioncycle) + "QuillomereSpec.txt");
     const auto free = [&](const auto &...values) { out.writeline(freeline(values...)); };
-    free("GenotypeTraining      ," + chip + "GenotypeTrain.txt");
-    free("GenotypeTesting       ," + chip + "GenotypeTest.txt");
-    free(recomb ? "PhenotypeTraining   ,SelectionPhenRecombTrain.txt"
-                : "PhenotypeTraining     ,SelectionPhenTrain" + ending);
-    free(recomb ? "TbvTesting        ,SelectionTbvRecombZTesting.txt"
-                : "TbvTesting            ,SelectionTbvTest" + ending);
-    free("FixedSnpFile          ,FixedSnp.txt");
+    free("GenotypeTraining      ," + traininggenotypes(s));
+    free("GenotypeTesting       ," + testgenotypes(s));
+    free(recomb ? std::string("PhenotypeTraining   ,") + recombtrainingphenotypes
+                : "PhenotypeTraining     ," + trainingphenotypes(s, selectedtrait));
+    free(recomb ? std::string("TbvTesting        ,") + recombtestvalues
+                : "TbvTesting            ," + truetestvalues(s, selectedtrait));
+    free(std::string("FixedSnpFile          ,") + fixedsnpfile);
     free("nSnp                  ,", s.loci.nsnpforsel);
     free("nAnisTraining         ,",
          sel.selphenstrat == 6 ? cycle.trainindiv.size() : cycle.ntrainindiv);
@@ -141,16 +152,10 @@ void multiplysolutions(const state &s, int64 selectioncycle, const std::string &
 {
     const std::string folder = cyclefolder(selectioncycle);
     const int64 nloci = s.loci.nsnpforsel;
-    array1<double> snpsol(nloci), tmpgenosvec(nloci);
-    infile solutionfile(folder + solutions);
-    for (int64 m = 1; m <= nloci; ++m) {
-        solutionfile.record();
-        solutionfile.skipwords(1);
-        snpsol(m) = solutionfile.real();
-    }
+    const array1<double> snpsol = readsolutions(s, selectioncycle, solutions);
+    array1<double> tmpgenosvec(nloci);
     infile genotypefile(folder + genotypes);
-    outfile out(folder + target);
-    textline line;
+    valuefile out(selectioncycle, target);
     for (int64 i = 0; i < s.cycle.ntestindiv; ++i) {
         genotypefile.record();
         const int64 id = genotypefile.integer();
@@ -158,9 +163,7 @@ void multiplysolutions(const state &s, int64 selectioncycle, const std::string &
         double sum = 0;
         for (int64 m = 1; m <= nloci; ++m) sum += tmpgenosvec(m) * snpsol(m);
         estimates[i] = sum;
-        puti(line, id, 20);
-        putf(line, sum, 20, 10);
-        out.writeline(line);
+        out.put(id, sum);
     }
     out.close();
 }
@@ -183,24 +186,27 @@ void runquillomerep(state &s, int64 selectioncycle, int64 selectedtrait, int64 r
 {
     if (runid <= 0) printline("Run ID set incorrectly");
     runprediction(s, selectioncycle, "QuillomereP",
-                  {"mv ResultAverageEstimatedPolygenicBreedingValues.txt EbvTrait" +
-                   numbertext(selectedtrait) + ".txt"});
+                  {"mv ResultAverageEstimatedPolygenicBreedingValues.txt " +
+                   pedigreeestimates(selectedtrait)});
 }
 
 void runquillomere(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid)
 {
-    std::vector<std::string> lines = {"cp AlleleFreq.txt AlleleFreqTrain.txt", "rm AlleleFreq.txt"};
-    if (runid == 2)
-        for (const char *line :
-             {"cp SnpSolutions.txt SnpSolutionsRecomb.txt", "cp Ebv.txt ./EbvRecomb.txt",
-              "cp TbvEbvCorrelation.txt TbvEbvCorrelRecomb.txt"})
-            lines.push_back(line);
+    const std::string estimates = onetraitestimates, solutions = onetraitsolutions;
+    const std::string correlation = "TbvEbvCorrelation.txt";
+    std::vector<std::string> lines = {std::string("cp AlleleFreq.txt ") + trainingfrequencies,
+                                      "rm AlleleFreq.txt"};
+    if (runid == 2) {
+        lines.push_back("cp " + solutions + " " + recombsolutions);
+        lines.push_back("cp " + estimates + " ./" + recombestimates);
+        lines.push_back("cp " + correlation + " TbvEbvCorrelRecomb.txt");
+    }
     if (s.traits.ntraits > 1) {
-        const std::string trait = traitsuffix(s, selectedtrait) + ".txt";
-        lines.push_back("cp Ebv.txt Ebv" + trait);
-        lines.push_back("cp SnpSolutions.txt SnpSolutions" + trait);
-        lines.push_back("cp TbvEbvCorrelation.txt TbvEbvCorrelation" + trait);
-        lines.push_back("rm -f Ebv.txt SnpSolutions.txt TbvEbvCorrelation.txt");
+        const std::string trait = traitsuffix(s, selectedtrait);
+        lines.push_back("cp " + estimates + " " + estimatesfile(s, selectedtrait));
+        lines.push_back("cp " + solutions + " " + solutionsfile(s, selectedtrait));
+        lines.push_back("cp " + correlation + " TbvEbvCorrelation" + trait + ".txt");
+        lines.push_back("rm -f " + estimates + " " + solutions + " " + correlation);
     }
     runprediction(s, selectioncycle, "Quillomere", lines);
 }
@@ -209,7 +215,7 @@ void readquillomerepebvs(state &s, int64 selectioncycle, int64 selectedtrait)
 {
     cycledata &cycle = s.cycle;
     const std::string folder = cyclefolder(selectioncycle), trait = numbertext(selectedtrait);
-    const std::string path = folder + "EbvTrait" + trait + ".txt";
+    const std::string path = folder + pedigreeestimates(selectedtrait);
     if (!pathexists(path)) outfile(path).close();
     infile in(path);
     outfile out(folder + "EBVsReadIn" + trait + ".txt");
@@ -242,18 +248,16 @@ void computereadebv(state &s, int64 selectioncycle, int64 selectedtrait)
 {
     const selectionsettings &sel = s.selection;
     cycledata &cycle = s.cycle;
-    const std::string ending = traitsuffix(s, selectedtrait) + ".txt";
     double *const estimates = cycle.estimatedbvtrait.column(selectedtrait);
     if (aresolutionsinforce(s, selectioncycle)) {
-        const std::string scaled = "TmpChip" + numbertext(s.chips.tmpchip) + "GenotypeTestScaled";
-        multiplysolutions(s, selectioncycle, "SnpSolutions" + ending, scaled + ".txt", "Ebv.txt",
-                          estimates);
+        multiplysolutions(s, selectioncycle, solutionsfile(s, selectedtrait), scaledgenotypes(s, 1),
+                          onetraitestimates, estimates);
         if (sel.recombselonoff)
-            multiplysolutions(s, selectioncycle, "SnpSolutionsRecomb.txt", scaled + "Recomb.txt",
-                              "EbvRecomb.txt", cycle.estimatedbvrecomb.data());
+            multiplysolutions(s, selectioncycle, recombsolutions, scaledgenotypes(s, 2),
+                              recombestimates, cycle.estimatedbvrecomb.data());
         return;
     }
-    readestimates(s, selectioncycle, "Ebv" + ending, estimates);
+    readestimates(s, selectioncycle, estimatesfile(s, selectedtrait), estimates);
     if (sel.recombselonoff)
-        readestimates(s, selectioncycle, "EbvRecomb.txt", cycle.estimatedbvrecomb.data());
+        readestimates(s, selectioncycle, recombestimates, cycle.estimatedbvrecomb.data());
 }

@@ -9,6 +9,11 @@
 
 #include "state.h"
 
+#include <string>
+
+// The training pedigree of a trait, in F.
+std::string trainingpedigree(int64 selectedtrait);
+
 // DataFormatParameters.txt in F, and QuillomereSpec.txt in F.
 void writequillomerepspec(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid);
 void writequillomerespec(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid);

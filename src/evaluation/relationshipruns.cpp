@@ -2,6 +2,9 @@
 
 #include "cyclefolder.h"
 #include "evaluation/companionruns.h"
+#include "evaluation/selectionchip.h"
+#include "evaluation/trainingdata.h"
+#include "evaluation/valuefiles.h"
 #include "shell.h"
 #include "stops.h"
 #include "textlayout.h"
@@ -37,14 +40,14 @@ textline genotypefileline(const state &s, std::string_view genotdata)
     const std::string key = "GenotypeFile               ,";
     if (s.selection.selmethindicator != 2) return freeline(key + "None");
     if (!genotdata.empty()) return freeline(key, genotdata);
-    if (areonqtn(s)) return freeline(key + "TmpQtnGenotypeTest.txt");
-    return freeline(key + "TmpChip" + numbertext(s.chips.tmpchip) + "GenotypeTest.txt");
+    if (areonqtn(s)) return freeline(key + testqtngenotypes);
+    return freeline(key + testgenotypes(s));
 }
 
-const char *rankingfile(const state &s)
+std::string rankingfile(const state &s)
 {
-    if (s.traits.ntraits > 1 || s.selection.recombselonoff) return "SelectionIndex.txt";
-    return areonqtn(s) ? "SelectionTbvTest.txt" : "Ebv.txt";
+    if (s.traits.ntraits > 1 || s.selection.recombselonoff) return selectionindexfile;
+    return areonqtn(s) ? truetestvalues(s, 1) : estimatesfile(s, 1);
 }
 
 void writegenders(const state &s, int64 selectioncycle)

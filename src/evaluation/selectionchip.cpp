@@ -112,15 +112,43 @@ void rewind(generationphases &phases)
 }
 } // namespace
 
+namespace
+{
+std::string chipname(const state &s)
+{
+    return "TmpChip" + numbertext(s.chips.tmpchip);
+}
+} // namespace
+
+std::string traininggenotypes(const state &s)
+{
+    return chipname(s) + "GenotypeTrain.txt";
+}
+
+std::string testgenotypes(const state &s)
+{
+    return chipname(s) + "GenotypeTest.txt";
+}
+
+std::string scaledgenotypes(const state &s, int64 runid)
+{
+    return chipname(s) + (runid == 2 ? "GenotypeTestScaledRecomb.txt" : "GenotypeTestScaled.txt");
+}
+
+std::string lastgenotypes(const state &s)
+{
+    return chipname(s) + "GenotypeLastGeneration.txt";
+}
+
 selectionchipfiles openchipfiles(const state &s, int64 selectioncycle)
 {
-    const std::string chip = cyclefolder(selectioncycle) + "TmpChip" + numbertext(s.chips.tmpchip);
+    const std::string folder = cyclefolder(selectioncycle);
     selectionchipfiles files;
     if (s.selection.selontbvyes1no0 == 0) {
-        files.genotypetrain.open(chip + "GenotypeTrain.txt");
-        files.phasetrain.open(chip + "PhaseTrain.txt");
+        files.genotypetrain.open(folder + traininggenotypes(s));
+        files.phasetrain.open(folder + chipname(s) + "PhaseTrain.txt");
     }
-    files.genotypetest.open(chip + "GenotypeTest.txt");
+    files.genotypetest.open(folder + testgenotypes(s));
     return files;
 }
 

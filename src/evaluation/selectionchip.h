@@ -17,7 +17,16 @@
 
 #include "state.h"
 
+#include <string>
 #include <vector>
+
+// Names of the files of a cycle. Those of the test genotypes brought to the scale of the training
+// (trainingdata.h) for the trait, run 1, and for the recombination trait, 2; those of the generation
+// that the last cycle makes.
+std::string traininggenotypes(const state &s);
+std::string testgenotypes(const state &s);
+std::string scaledgenotypes(const state &s, int64 runid);
+std::string lastgenotypes(const state &s);
 
 // The files of a cycle.
 struct selectionchipfiles {

@@ -2,7 +2,8 @@
 
 #include "allelerows.h"
 #include "cyclefolder.h"
-#include "shell.h"
+#include "evaluation/selectionchip.h"
+#include "evaluation/solutionfiles.h"
 #include "textlayout.h"
 
 #include <cmath>
@@ -14,11 +15,6 @@ namespace
 {
 constexpr int64 fieldwidth = 40, fielddecimals = 30;
 constexpr int64 ncodes = 4; // genotypes 0, 1, 2 and missing
-
-void copyfile(const std::string &file, const std::string &folder, const char *routine)
-{
-    runshell("cp " + file + " " + folder, routine);
-}
 
 // The scaled value of every genotype code at a locus of frequency p, laid out one after another.
 void appendscaledfields(textline &fields, float p)
@@ -37,15 +33,6 @@ void appendzerofields(textline &fields)
     for (int64 code = 0; code < ncodes; ++code) putf(fields, 0, fieldwidth, fielddecimals);
 }
 
-void readfixedsnp(state &s, const std::string &folder)
-{
-    infile in(folder + "FixedSnp.txt");
-    for (int64 j = 1; j <= s.loci.nsnpforsel; ++j) {
-        in.record();
-        s.cycle.fixedsnp(j) = in.integer();
-    }
-}
-
 // The fields of all loci, ncodes for each.
 textline layoutscaledfields(const state &s, const std::string &folder)
 {
@@ -58,7 +45,7 @@ textline layoutscaledfields(const state &s, const std::string &folder)
             appendzerofields(fields);
             continue;
         }
-        if (!frequencies.isopen()) frequencies.open(folder + "AlleleFreqTrain.txt");
+        if (!frequencies.isopen()) frequencies.open(folder + trainingfrequencies);
         frequencies.record();
         frequencies.skipwords(1);
         appendscaledfields(fields, static_cast<float>(frequencies.real()));
@@ -66,22 +53,6 @@ textline layoutscaledfields(const state &s, const std::string &folder)
     return fields;
 }
 } // namespace
-
-void writefixedsnp(state &s, int64 selectioncycle)
-{
-    const selectionsettings &sel = s.selection;
-    const cycledata &cycle = s.cycle;
-    int64 nloci = areqtnadded(s) ? s.loci.ntotqtn : 0;
-    for (int64 h = 1; h <= s.founders.nchrom; ++h)
-        nloci += s.loci.nsnponthischipchrom(s.chips.tmpchip, h);
-    const int64 ntraining = sel.selphenstrat == 6 ? cycle.trainindiv.size() : cycle.ntrainindiv;
-    outfile out(cyclefolder(selectioncycle) + "FixedSnp.txt");
-    for (int64 j = 1; j <= nloci; ++j) {
-        const bool fixed = cycle.fixedsnp(j) == 0 || cycle.fixedsnp(j) == 2 * ntraining;
-        out.writeline(freeline(fixed ? 0 : 1));
-    }
-    out.close();
-}
 
 void readvare(state &s)
 {
@@ -100,48 +71,16 @@ void readvare(state &s)
         recomb.complain("the residual variance is wanted in columns 31 to 50");
 }
 
-void copytrainingdata(state &s, int64 selectioncycle, int64 selectedtrait)
-{
-    const std::string ending = traitsuffix(s, selectedtrait) + ".txt";
-    const auto copy = [&](const std::string &name) {
-        copyfile(cyclefolder(s.selection.fixedtrainselcycle) + name, cyclefolder(selectioncycle),
-                 "CopyTrainingData");
-    };
-    copy("SnpSolutions" + ending);
-    copy("AlleleFreqTrain.txt");
-    copy("FixedSnp.txt");
-    copy("SelectionPhenTrain" + ending);
-    if (!s.selection.recombselonoff) return;
-    copy("SnpSolutionsRecomb.txt");
-    copy("SelectionPhenRecombTrain.txt");
-}
-
-void importtrainingdata(state &s, int64 selectioncycle)
-{
-    const auto copy = [&](const char *name) {
-        copyfile(std::string("./") + name, cyclefolder(selectioncycle), "ImportTrainingData");
-    };
-    copy("SnpSolutions.txt");
-    copy("AlleleFreqTrain.txt");
-    copy("FixedSnp.txt");
-    copy("SelectionPhenTrain.txt");
-    if (!s.selection.recombselonoff) return;
-    copy("SnpSolutionsRecomb.txt");
-    copy("SelectionPhenRecombTrain.txt");
-}
-
 void scalegenottestingdata(state &s, int64 selectioncycle, [[maybe_unused]] int64 selectedtrait,
                            int64 runid)
 {
     const std::string folder = cyclefolder(selectioncycle);
-    const std::string genotypefile = folder + "TmpChip" + numbertext(s.chips.tmpchip);
     const int64 nloci = s.loci.nsnpforsel;
-    readfixedsnp(s, folder);
+    readfixedsnp(s, selectioncycle);
     const textline fields = layoutscaledfields(s, folder);
 
-    infile in(genotypefile + "GenotypeTest.txt");
-    outfile out(genotypefile +
-                (runid == 2 ? "GenotypeTestScaledRecomb.txt" : "GenotypeTestScaled.txt"));
+    infile in(folder + testgenotypes(s));
+    outfile out(folder + scaledgenotypes(s, runid));
     std::vector<int8> genotypes(static_cast<std::size_t>(nloci));
     textline id;
     for (int64 i = 1; i <= s.cycle.ntestindiv; ++i) {
@@ -168,7 +107,7 @@ void writetestingqtngenotypes(state &s, int64 selectioncycle, int64 testgen,
     infile in(unrestricted ? "./SimulatedData/UnrestrictedQtnIndivGenotypes.txt"
                            : "./SimulatedData/RestrictedQtnIndivGenotypes.txt");
     outfile out(cyclefolder(selectioncycle) +
-                (lastgeneration ? "TmpQtnGenotypeLastGeneration.txt" : "TmpQtnGenotypeTest.txt"));
+                (lastgeneration ? lastqtngenotypes : testqtngenotypes));
     std::vector<int8> genotypes(static_cast<std::size_t>(s.loci.ntotqtn));
     in.skiprecords(tmpstarttestindiv - 1);
     for (int64 i = 1; i <= s.pop.nindivinthisgen(testgen); ++i) {

@@ -5,19 +5,13 @@
 
 #include "state.h"
 
-// FixedSnp.txt in F: a free-form line for each locus, 1 where it segregates among the training
-// individuals, 0 where its count in fixedsnp is 0 or twice their number.
-void writefixedsnp(state &s, int64 selectioncycle);
+// Names of the QTN genotypes in F.
+constexpr const char *testqtngenotypes = "TmpQtnGenotypeTest.txt";
+constexpr const char *lastqtngenotypes = "TmpQtnGenotypeLastGeneration.txt";
 
 // Residual variances vare from TraitVarianceComponents.txt, and varerecomb from
 // RecombinationVarianceComponents.txt with recombination selection on.
 void readvare(state &s);
-
-// Copies the solutions, allele frequencies, fixed loci and training phenotypes of an earlier
-// training to F: copytrainingdata from the folder of cycle fixedtrainselcycle, importtrainingdata
-// from the working directory. A copy that fails prints its failure line; the run goes on.
-void copytrainingdata(state &s, int64 selectioncycle, int64 selectedtrait);
-void importtrainingdata(state &s, int64 selectioncycle);
 
 // Brings the test genotypes to the scale on which the solutions were estimated: centred by 2p and
 // divided by sqrt(2p(1-p) + 0.00001), in single precision; p from AlleleFreqTrain.txt, which has

@@ -93,7 +93,8 @@ void runmacshelper(state &s, const std::string &folder, int64 chrom)
              "RunMacsRewrite A");
     printline(" Running Vintrecaskelle");
     const std::string nhaps = numbertext(s.founders.nhaps);
-    runshell(folder + " &&  ./Vintrecaskelle " + nhaps + " && cp -f SegSites.txt FinishedMacs.txt",
+    runshell(folder + " &&  ./Vintrecaskelle " + nhaps + " && cp -f " + segsitesname +
+                 " FinishedMacs.txt",
              "RunMacsRewrite B");
 
     outfile used("Chromosomes/Chromosome" + numbertext(chrom) + "/MaCSParametersUsed.txt");
@@ -105,7 +106,7 @@ std::string macscommand(const std::string &folder, int64 nhaps, const std::strin
                         bool hotspots)
 {
     return folder + " && ./macs " + numbertext(nhaps) + "  " + std::string(trimright(macsparams)) +
-           " " + (hotspots ? "-R Hotspots.txt" : "") + " 1>output.txt 2>debug.txt";
+           " " + (hotspots ? "-R Hotspots.txt" : "") + " 1>output.txt 2>" + macsmessages;
 }
 
 namespace

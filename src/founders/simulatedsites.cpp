@@ -10,8 +10,9 @@ int64 readsegsites(int64 chrom)
     const std::string path = segsitesfile(chrom);
     if (!pathexists(path))
         ioerror(path, "is missing, so macs or Vintrecaskelle failed for this chromosome: see "
-                      "the messages of macs in debug.txt of the same folder, and those of "
-                      "Vintrecaskelle above");
+                      "the messages of macs in " +
+                          std::string(macsmessages) +
+                          " of the same folder, and those of Vintrecaskelle above");
     infile in(path);
     in.record();
     const int64 nsites = in.integer();

@@ -12,10 +12,13 @@
 
 #include <string>
 
+constexpr const char *segsitesname = "SegSites.txt";
 inline std::string segsitesfile(int64 chrom)
 {
-    return chromfolder(chrom) + "SegSites.txt";
+    return chromfolder(chrom) + segsitesname;
 }
+// What the simulator wrote on standard error there.
+constexpr const char *macsmessages = "debug.txt";
 
 // Whether sites are thinned.
 inline bool compressioninforce(const state &s)

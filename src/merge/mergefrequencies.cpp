@@ -3,6 +3,7 @@
 #include "allelerows.h"
 #include "markers/extraction.h"
 #include "pedigree/pedigreefiles.h"
+#include "results/snpchips.h"
 #include "words.h"
 
 #include <algorithm>
@@ -73,7 +74,7 @@ class genotypecounter
 
 void countfrequencies(sitetable &table, int64 nindividuals)
 {
-    infile in("SimulatedData/" + table.genotypes);
+    infile in(table.genotypes);
     genotypecounter counts(table.sites.size());
     for (int64 i = 1; i <= nindividuals; ++i) counts.read(in);
     for (std::size_t k = 0; k < table.sites.size(); ++k)
@@ -162,7 +163,7 @@ void calculatebothsnpandqtn(const state &s, int64 nindividuals, sitekind kind, i
     table.information = name + (snp ? "SnpInformation.txt" : "Information.txt");
     table.summary = name + "Summary.txt";
     table.genotypes =
-        snp ? "AllIndividualsSnpChips/" + name + "Genotype.txt" : name + "IndivGenotypes.txt";
+        snp ? chipgenotypefile(chipnumber) : "SimulatedData/" + name + "IndivGenotypes.txt";
     readinformation(table, snp ? snpofchip(s, chipnumber) : s.loci.nqtnonthischrom);
     countfrequencies(table, nindividuals);
     writewholegenome(table);

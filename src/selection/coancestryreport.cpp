@@ -21,9 +21,9 @@ std::string writelastgenotypes(state &s, int64 selectioncycle, int64 currentgen,
 {
     if (s.selection.selontbvyes1no0 != 0) {
         writetestingqtngenotypes(s, selectioncycle, currentgen, firstindiv);
-        return "TmpQtnGenotypeLastGeneration.txt";
+        return lastqtngenotypes;
     }
-    const std::string name = "TmpChip" + numbertext(s.chips.tmpchip) + "GenotypeLastGeneration.txt";
+    const std::string name = lastgenotypes(s);
     selectionchipfiles files;
     files.genotypetest.open(cyclefolder(selectioncycle) + name);
     generationphases phases = openphases(s, currentgen);

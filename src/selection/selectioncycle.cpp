@@ -6,6 +6,7 @@
 #include "editing/genomeediting.h"
 #include "evaluation/predictionruns.h"
 #include "evaluation/selectionchip.h"
+#include "evaluation/solutionfiles.h"
 #include "evaluation/trainingdata.h"
 #include "haplotypes/crossingfiles.h"
 #include "haplotypes/droplines.h"

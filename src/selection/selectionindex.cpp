@@ -1,6 +1,6 @@
 #include "selection/selectionindex.h"
 
-#include "cyclefolder.h"
+#include "evaluation/valuefiles.h"
 #include "textlayout.h"
 
 #include <algorithm>
@@ -64,13 +64,9 @@ void addtraittoindex(state &s, int64 t)
 
 void writeselectionindex(const state &s, int64 selectioncycle)
 {
-    outfile out(cyclefolder(selectioncycle) + "SelectionIndex.txt");
-    textline line;
-    for (int64 i = 1; i <= s.cycle.ntestindiv; ++i) {
-        puti(line, s.cycle.starttestindiv + i - 1, 20);
-        putf(line, s.cycle.estimatedbvindex(i), 20, 10);
-        out.writeline(line);
-    }
+    valuefile out(selectioncycle, selectionindexfile);
+    for (int64 i = 1; i <= s.cycle.ntestindiv; ++i)
+        out.put(s.cycle.starttestindiv + i - 1, s.cycle.estimatedbvindex(i));
     out.close();
 }
 } // namespace

@@ -1,5 +1,6 @@
 #include "selection/trainingrange.h"
 
+#include "spec/inputfiles.h"
 #include "stops.h"
 #include "textlayout.h"
 #include "words.h"
@@ -59,7 +60,7 @@ void setrandomrange(state &s, int64 currentgen)
 std::vector<int64> readtrainindiv(const state &s)
 {
     std::vector<int64> rows;
-    infile in("TrainIndiv.txt");
+    infile in(trainindivfile);
     while (in.nextrecord()) {
         const std::string_view record = in.line();
         const std::size_t first = record.find_first_not_of(" \t,");
@@ -74,8 +75,8 @@ std::vector<int64> readtrainindiv(const state &s)
         rows.push_back(row);
     }
     if (rows.empty()) {
-        printline("ERROR: TrainIndiv.txt was either empty or ill-formated and nothing could be "
-                  "read.");
+        printline("ERROR: " + std::string(trainindivfile) +
+                  " was either empty or ill-formated and nothing could be read.");
         plainstop();
     }
     return rows;

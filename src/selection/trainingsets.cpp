@@ -1,6 +1,8 @@
 #include "selection/trainingsets.h"
 
 #include "cyclefolder.h"
+#include "evaluation/predictionruns.h"
+#include "evaluation/valuefiles.h"
 #include "haplotypes/crossingfiles.h"
 #include "shell.h"
 #include "textlayout.h"
@@ -60,31 +62,24 @@ void readrecombination(state &s)
     readrecombcounts(s, s.cycle.endtestindiv);
 }
 
-void writevalue(outfile &out, textline &line, int64 id, double value)
-{
-    puti(line, id, 20);
-    putf(line, value, 20, 10);
-    out.writeline(line);
-}
-
 // One record for each test individual.
-template <class T> void writetestfile(const state &s, const std::string &path, const T &valueof)
+template <class T>
+void writetestfile(const state &s, int64 selectioncycle, const std::string &name, const T &valueof)
 {
-    outfile out(path);
-    textline line;
+    valuefile out(selectioncycle, name);
     for (int64 i = s.cycle.starttestindiv; i <= s.cycle.endtestindiv; ++i)
-        writevalue(out, line, s.pedi.ped(i).newid, valueof(i));
+        out.put(s.pedi.ped(i).newid, valueof(i));
     out.close();
 }
 
 // One record for each individual of the training range that has a phenotype.
-void writetrainfile(const state &s, const std::string &path, const array1<double> &phenotypes)
+void writetrainfile(const state &s, int64 selectioncycle, const std::string &name,
+                    const array1<double> &phenotypes)
 {
-    outfile out(path);
-    textline line;
+    valuefile out(selectioncycle, name);
     for (int64 k = 1; k <= phenotypes.size(); ++k)
         if (phenotypes(k) != -99)
-            writevalue(out, line, s.pedi.ped(s.cycle.starttrainindiv + k - 1).newid, phenotypes(k));
+            out.put(s.pedi.ped(s.cycle.starttrainindiv + k - 1).newid, phenotypes(k));
     out.close();
 }
 
@@ -166,27 +161,24 @@ void writetrainingpedigree(const state &s, outfile &out, int64 selectioncycle)
     }
 }
 
-void writetestdata(const state &s, const std::string &folder, int64 selectedtrait)
+void writetestdata(const state &s, int64 selectioncycle, int64 selectedtrait)
 {
-    const std::string ending = traitsuffix(s, selectedtrait) + ".txt";
-    writetestfile(s, folder + "SelectionTbvTest" + ending,
+    writetestfile(s, selectioncycle, truetestvalues(s, selectedtrait),
                   [&](int64 i) { return s.values.tbv(i, s.qtn.qtnmodel, selectedtrait); });
     if (s.selection.recombselonoff)
-        writetestfile(s, folder + "SelectionTbvRecombZTesting.txt",
+        writetestfile(s, selectioncycle, recombtestvalues,
                       [&](int64 i) { return s.values.tbvrecombz(i); });
     if (s.selection.selmethindicator == 3)
-        writetestfile(s, folder + "SelectionPhenTest" + ending,
+        writetestfile(s, selectioncycle, testphenotypes(s, selectedtrait),
                       [&](int64 i) { return s.values.tpv(i, s.qtn.qtnmodel, selectedtrait); });
 }
 
-void writetrainingdata(const state &s, const std::string &folder, int64 selectioncycle,
-                       int64 selectedtrait)
+void writetrainingdata(const state &s, int64 selectioncycle, int64 selectedtrait)
 {
-    writetrainfile(s, folder + "SelectionPhenTrain" + traitsuffix(s, selectedtrait) + ".txt",
-                   s.cycle.phenvaltrain);
+    writetrainfile(s, selectioncycle, trainingphenotypes(s, selectedtrait), s.cycle.phenvaltrain);
     if (s.selection.recombselonoff)
-        writetrainfile(s, folder + "SelectionPhenRecombTrain.txt", s.cycle.phenvalrecombtrain);
-    outfile pedigree(folder + "PedigreeBlupTrain" + numbertext(selectedtrait) + ".txt");
+        writetrainfile(s, selectioncycle, recombtrainingphenotypes, s.cycle.phenvalrecombtrain);
+    outfile pedigree(cyclefolder(selectioncycle) + trainingpedigree(selectedtrait));
     if (s.selection.selmethindicator == 1) writetrainingpedigree(s, pedigree, selectioncycle);
     pedigree.close();
 }
@@ -194,14 +186,13 @@ void writetrainingdata(const state &s, const std::string &folder, int64 selectio
 
 void determinetrainandtestdatasetsforselection(state &s, int64 selectioncycle, int64 selectedtrait)
 {
-    const std::string folder = cyclefolder(selectioncycle);
     if (selectedtrait == 1) {
         makecyclefolder(selectioncycle);
         readtruevalues(s);
         readrecombination(s);
     }
-    writetestdata(s, folder, selectedtrait);
+    writetestdata(s, selectioncycle, selectedtrait);
     if (s.selection.selontbvyes1no0 != 0) return;
     filltrainingphenotypes(s, selectedtrait);
-    writetrainingdata(s, folder, selectioncycle, selectedtrait);
+    writetrainingdata(s, selectioncycle, selectedtrait);
 }

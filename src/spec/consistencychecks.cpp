@@ -1,5 +1,6 @@
 #include "spec/consistencychecks.h"
 
+#include "spec/inputfiles.h"
 #include "stops.h"
 #include "textlayout.h"
 #include "words.h"
@@ -170,9 +171,10 @@ void setphenotypingstrategy(specreader &r)
     int64 &strategy = r.s.selection.selphenstrat;
     for (int64 k = 1; k <= 6; ++k)
         if (isword(r.phenotypingstrategy, strategies[k - 1])) strategy = k;
-    if (strategy == 6)
-        printlines({"NOTE: SelectionPhenotypeStrategy is set to 'SpecifiedIndiv';",
-                    "      this requires IDs specified in 'TrainIndiv.txt'."});
+    if (strategy == 6) {
+        printline("NOTE: SelectionPhenotypeStrategy is set to 'SpecifiedIndiv';");
+        printline("      this requires IDs specified in '" + std::string(trainindivfile) + "'.");
+    }
 }
 
 void checkphenotypingstrategy(const state &s)

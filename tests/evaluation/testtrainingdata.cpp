@@ -1,3 +1,4 @@
+#include "evaluation/solutionfiles.h"
 #include "evaluation/trainingdata.h"
 #include "testsupport.h"
 
