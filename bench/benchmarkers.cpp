@@ -175,9 +175,8 @@ void setup(state &s, int64 nindiv, int64 nblock, int64 nsnp)
     for (int64 site = 1; site <= nsites; ++site) map += std::to_string(site) + " 1 0.5 0 0\n";
     writetext(chromosome + "Chip1SnpInformation.txt", information);
     writetext(chromosome + "PhysicalMapIncluded.txt", map);
-    writetext(chromosome + "SegSitesIncluded.txt", std::to_string(nsites) + "\n");
-    writetext(chromosome + "NbOfQtnMutationsAndSnp.txt", "0 0 " + std::to_string(nsnp) + "\n");
-    writetext(chromosome + "MutIndivIndicator.txt", "");
+    s.sites.nsegreginclglobal.allocate(1, nsites);
+    s.loci.nsnponthischipchrom.allocate(1, 1, nsnp);
 }
 
 void measurechips()

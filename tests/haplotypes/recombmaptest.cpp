@@ -10,7 +10,6 @@ class recombmap : public infolder
     void SetUp() override
     {
         infolder::SetUp();
-        writefile("Chromosomes/Chromosome2/SegSitesIncluded.txt", " 300\n");
         textline map;
         for (int64 l = 1; l <= 60 * nblock; ++l) {
             puti(map, l, 10);
@@ -57,7 +56,6 @@ TEST_F(recombmap, regionsarefittedtoblocks)
     EXPECT_EQ(lines[1], "  0.00000000  0.40000000  0.25000000       1       1       3       2");
     EXPECT_EQ(lines[2], "  0.40333333  0.60000000  0.25000000       3       3       3       3");
     EXPECT_EQ(lines[3], "  0.60333333  1.00000000  0.50000000       3       4       5       5");
-    EXPECT_EQ(s.sites.nsegregincl, 300);
     // A second reading writes the same file again.
     EXPECT_EQ(read("0 0.41 1\n0.41 0.5 1\n0.5 1.0 2\n").code(), 0);
     EXPECT_EQ(achieved(), lines);

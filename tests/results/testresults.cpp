@@ -25,10 +25,8 @@ class resultfiles : public infolder
         s.pop.cumindivnbtogen(1) = 3;
         s.run.specstartgen = 2; // no folder is made
         s.run.specendgen = 2;
-        writefile(chrom + "SegSitesIncluded.txt", " 60\n");
-        writefile(chrom + "NbOfQtnMutationsAndSnp.txt", " 0 0 9\n");
-        writefile(chrom + "MutIndivIndicator.txt", "");
-        writefile(chrom + "MutDeNovoInfo.txt", "");
+        s.sites.nsegreginclglobal.allocate(1, 60);
+        s.loci.nsnponthischipchrom.allocate(1, 1, 9);
         std::string map, information;
         for (int site = 1; site <= 60; ++site) map += std::to_string(site) + " 999 0.5 0 0\n";
         for (int k = 1; k <= 9; ++k)
