@@ -268,6 +268,10 @@ void drophaploselection(state &s)
     }
     printoutselectiondetails(s);
     s.haplo.globalrecomblocationmax = readhighestcrossings(s.founders.nchrom);
+    if (!s.selection.recombselonoff) {
+        s.values.recombperindperchr.fill(s.founders.morgans);
+        readrecombcounts(s, lastindivofgen(s, startgen - 1));
+    }
     for (int64 currentgen = startgen; currentgen <= endgen; ++currentgen)
         if (!runcycle(s, currentgen, endgen)) break;
     writehighestcrossings(s.haplo.globalrecomblocationmax, s.founders.nchrom);

@@ -3,9 +3,10 @@
 #include "cyclefolder.h"
 #include "evaluation/predictionruns.h"
 #include "evaluation/valuefiles.h"
-#include "haplotypes/crossingfiles.h"
 #include "shell.h"
 #include "textlayout.h"
+#include "values/phenotypes.h"
+#include "values/recombtrait.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,7 +27,7 @@ void readtruevalues(state &s)
     const int64 nmodels = s.qtn.nqtnmodels, ntraits = s.traits.ntraits;
     const int64 n = nmodels * ntraits;
     std::vector<double> values(static_cast<std::size_t>(3 * n));
-    infile in("./SimulatedData/PedigreeTbvTdvTpv.txt");
+    infile in(valuetable);
     in.skiprecords(1);
     for (int64 i = 1; i <= s.cycle.endtestindiv; ++i) {
         in.record();
@@ -44,22 +45,17 @@ void readrecombination(state &s)
 {
     s.haplo.recombcount.fill(0);
     s.values.recombperindperchr.fill(0);
-    if (s.selection.recombselonoff) {
-        infile in("./SimulatedData/PedigreeTbvRecombination.txt");
-        in.skiprecords(1);
-        for (int64 i = 1; i <= s.cycle.endtestindiv; ++i) {
-            double values[2];
-            in.record();
-            in.skipwords(4);
-            in.reals(values, 2);
-            s.values.tbvrecombz(i) = values[0];
-            s.values.recombperindperchr(i) = values[1];
-            for (int64 side = 1; side <= 2; ++side) s.haplo.recombcount(i, side) = in.integer();
-        }
-        return;
+    infile in(recombinationtable);
+    in.skiprecords(1);
+    for (int64 i = 1; i <= s.cycle.endtestindiv; ++i) {
+        double values[2];
+        in.record();
+        in.skipwords(4);
+        in.reals(values, 2);
+        s.values.tbvrecombz(i) = values[0];
+        s.values.recombperindperchr(i) = values[1];
+        for (int64 side = 1; side <= 2; ++side) s.haplo.recombcount(i, side) = in.integer();
     }
-    s.values.recombperindperchr.fill(s.founders.morgans);
-    readrecombcounts(s, s.cycle.endtestindiv);
 }
 
 // One record for each test individual.
@@ -189,7 +185,7 @@ void determinetrainandtestdatasetsforselection(state &s, int64 selectioncycle, i
     if (selectedtrait == 1) {
         makecyclefolder(selectioncycle);
         readtruevalues(s);
-        readrecombination(s);
+        if (s.selection.recombselonoff) readrecombination(s);
     }
     writetestdata(s, selectioncycle, selectedtrait);
     if (s.selection.selontbvyes1no0 != 0) return;

@@ -3,11 +3,11 @@
 // Makes the cycle's folder, brings the values of all individuals back from the run's tables (the
 // tables' ten decimals count, not what memory held), writes the test files and the training data.
 // Indices: entry k of phenvaltrain belongs to row starttrainindiv + k - 1; -99 is a missing value.
-// Reads    PedigreeTbvTdvTpv.txt, and PedigreeTbvRecombination.txt with recombination selection on,
-//          otherwise RecombinationCount.txt; the training range and the test set
-// Updates  rows 1 to endtestindiv of tbv, tdv, tpv, recombcount, recombperindperchr (morgans for
-//          all without recombination selection) and tbvrecombz; phenvaltrain, phenvalrecombtrain
-//          (allocated for trait 1) and trainindicator
+// Reads    PedigreeTbvTdvTpv.txt, and PedigreeTbvRecombination.txt with recombination selection on;
+//          the training range and the test set
+// Updates  rows 1 to endtestindiv of tbv, tdv, tpv and, with recombination selection, tbvrecombz,
+//          recombperindperchr and recombcount; phenvaltrain, phenvalrecombtrain (allocated for
+//          trait 1) and trainindicator
 #pragma once
 
 #include "state.h"
