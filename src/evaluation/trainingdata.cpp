@@ -54,23 +54,6 @@ textline layoutscaledfields(const state &s, const std::string &folder)
 }
 } // namespace
 
-void readvare(state &s)
-{
-    infile in("./SimulatedData/TraitVarianceComponents.txt");
-    for (int64 j = 1; j <= s.traits.ntraits; ++j) {
-        in.skiprecords(5);
-        in.skipwords(1);
-        for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) s.values.vare(p, j) = in.real();
-        in.skiprecords(2);
-    }
-    if (!s.selection.recombselonoff) return;
-    infile recomb("./SimulatedData/RecombinationVarianceComponents.txt");
-    recomb.skiprecords(2);
-    const std::string_view line = recomb.line();
-    if (line.size() <= 30 || !readreal(trim(line.substr(30, 20)), s.values.varerecomb))
-        recomb.complain("the residual variance is wanted in columns 31 to 50");
-}
-
 void scalegenottestingdata(state &s, int64 selectioncycle, [[maybe_unused]] int64 selectedtrait,
                            int64 runid)
 {

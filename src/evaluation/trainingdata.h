@@ -9,10 +9,6 @@
 constexpr const char *testqtngenotypes = "TmpQtnGenotypeTest.txt";
 constexpr const char *lastqtngenotypes = "TmpQtnGenotypeLastGeneration.txt";
 
-// Residual variances vare from TraitVarianceComponents.txt, and varerecomb from
-// RecombinationVarianceComponents.txt with recombination selection on.
-void readvare(state &s);
-
 // Brings the test genotypes to the scale on which the solutions were estimated: centred by 2p and
 // divided by sqrt(2p(1-p) + 0.00001), in single precision; p from AlleleFreqTrain.txt, which has
 // one record for each locus with 1 in FixedSnp.txt and is not needed without such a locus; the

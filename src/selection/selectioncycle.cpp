@@ -24,6 +24,7 @@
 #include "selection/trainingsets.h"
 #include "values/accuracy.h"
 #include "values/breedingvalues.h"
+#include "values/burninvalues.h"
 #include "values/dominance.h"
 #include "values/genicvariances.h"
 #include "values/phenotypes.h"

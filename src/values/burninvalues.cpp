@@ -11,11 +11,15 @@
 #include "values/phenotypes.h"
 #include "values/recombtrait.h"
 #include "values/valuearrays.h"
+#include "words.h"
 
 #include <algorithm>
 
 namespace
 {
+constexpr const char *componentstable = "./SimulatedData/TraitVarianceComponents.txt";
+constexpr const char *recombcomponents = "./SimulatedData/RecombinationVarianceComponents.txt";
+
 // Sample covariances between the traits of one model; means are taken first.
 void computecovariances(const state &s, const array3<double> &values, int64 p, int64 startindiv,
                         int64 endindiv, array3<double> &covariance)
@@ -160,7 +164,7 @@ void printcomponents(const state &s, int64 j)
 void writerecombination(const state &s)
 {
     const valuedata &v = s.values;
-    outfile out("./SimulatedData/RecombinationVarianceComponents.txt");
+    outfile out(recombcomponents);
     const auto write = [&](const char *label, double value) {
         textline line;
         puta(line, label, 30);
@@ -224,11 +228,28 @@ void computevaravardvare(state &s, int64 startindiv, int64 endindiv)
 void printoutvarcomponents(state &s)
 {
     writecovariances(s);
-    outfile out("./SimulatedData/TraitVarianceComponents.txt");
+    outfile out(componentstable);
     for (int64 j = 1; j <= s.traits.ntraits; ++j) {
         writecomponents(s, out, j);
         printcomponents(s, j);
     }
     out.close();
     if (s.selection.recombselonoff) writerecombination(s);
+}
+
+void readvare(state &s)
+{
+    infile in(componentstable);
+    for (int64 j = 1; j <= s.traits.ntraits; ++j) {
+        in.skiprecords(5);
+        in.skipwords(1);
+        for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) s.values.vare(p, j) = in.real();
+        in.skiprecords(2);
+    }
+    if (!s.selection.recombselonoff) return;
+    infile recomb(recombcomponents);
+    recomb.skiprecords(2);
+    const std::string_view line = recomb.line();
+    if (line.size() <= 30 || !readreal(trim(line.substr(30, 20)), s.values.varerecomb))
+        recomb.complain("the residual variance is wanted in columns 31 to 50");
 }

@@ -21,3 +21,6 @@ void computevaravardvare(state &s, int64 startindiv, int64 endindiv);
 // line 5 of each is read back in selection), TraitVarianceComponentsCovariance.txt and with
 // recombselonoff RecombinationVarianceComponents.txt, and on standard output.
 void printoutvarcomponents(state &s);
+// Residual variances vare from TraitVarianceComponents.txt, and varerecomb from
+// RecombinationVarianceComponents.txt with recombination selection on.
+void readvare(state &s);
