@@ -17,9 +17,10 @@ std::vector<char> contentof(const std::string &path)
     std::FILE *file =
         plain ? std::fopen(path.c_str(), "rb") : popen(("gzip -dc '" + path + ".gz'").c_str(), "r");
     if (!file) return content;
+    const std::size_t atatime = plain ? std::filesystem::file_size(path) + 1 : 1 << 18;
     for (std::size_t got = 1, size = 0; got > 0; size += got) {
-        content.resize(size + (1 << 18));
-        got = std::fread(content.data() + size, 1, 1 << 18, file);
+        content.resize(size + atatime);
+        got = std::fread(content.data() + size, 1, atatime, file);
         content.resize(size + got);
     }
     plain ? std::fclose(file) : pclose(file);
