@@ -186,7 +186,7 @@ void measurechips()
     setup(s, nindiv, nblock, nsnp);
     const std::string phases = chromosome + "Chip1PhaseGeneration1.txt";
     comparewriting("chip text from blocks", {phases, chromosome + "Chip1GenotypeGeneration1.txt"},
-                   1.5, [&] { fillarray(s, 1, 1, 1, 1, nindiv, nblock, lociperblock, nsnp); });
+                   1.5, [&] { fillarray(s, 1, 1, 1, 1, nindiv); });
     comparereading(phases, 2 * nindiv, nsnp);
     s.run.specstartgen = 2; // the folder is there
     const std::string folder = "SimulatedData/AllIndividualsSnpChips/";
@@ -205,7 +205,7 @@ void measuresequence()
                     chromosome + "SequencePhaseGeneration1.bin",
                     chromosome + "SequenceGenotypeGeneration1.bin"},
                    1.5, [&] {
-                       writeoutindivphase(s, 1, 1, 1, nindiv, nblock, lociperblock);
+                       writeoutindivphase(s, 1, 1, 1, nindiv);
                        writeoutsequence(s, 1, 1);
                    });
 }

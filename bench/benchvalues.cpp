@@ -161,10 +161,10 @@ void comparebreedingvalues(state &s)
     makevaluearrays(s, arrays);
     makegenotypetables(s, arrays);
     std::mt19937 draws(2);
-    for (array2<int8> *genos : {&s.loci.allqtngenosunres, &s.loci.allqtngenosrestr})
-        for (int8 &x : *genos) x = static_cast<int8>(draws() % 3);
-    const array2<int8> *const genos[] = {&s.loci.allqtngenosunres, &s.loci.allqtngenosrestr,
-                                         &s.loci.allqtngenosunres, &s.loci.allqtngenosrestr};
+    const array2<int8> *genos[4];
+    for (int64 p = 1; p <= 4; ++p) genos[p - 1] = &s.loci.sets[s.loci.model(p).set].qtngenos;
+    for (const qtnset set : traitsets)
+        for (int8 &x : s.loci.sets[set].qtngenos) x = static_cast<int8>(draws() % 3);
     array2<double> sums(nindiv, 4);
     compare(
         "breeding values, 10000 x 2000 x 4 models", 1.5, 7, [&] { computetbv(s, 1, nindiv); },

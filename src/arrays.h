@@ -181,3 +181,10 @@ template <class T> class array3 : public arraystore<T>
     }
     extent e1, e2, e3;
 };
+
+// One record for each value of an enumeration, which counts from 0.
+template <class Enum, class T, std::size_t n> struct enumarray {
+    T &operator[](Enum e) { return records[static_cast<std::size_t>(e)]; }
+    const T &operator[](Enum e) const { return records[static_cast<std::size_t>(e)]; }
+    T records[n];
+};

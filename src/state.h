@@ -17,6 +17,8 @@
 #include "pedigreeline.h"
 #include "randomnumbers.h"
 
+#include <array>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -163,27 +165,65 @@ struct traitsettings {
     double heritrecomb = 0;                  // of the recombination trait
 };
 
+// What effects are drawn from.
+enum class effectdistribution { normal, gamma };
+
+// The sets of QTN: the trait models stand on the first two, the recombination trait on the third.
+enum class qtnset { unrestricted, restricted, recombination };
+constexpr qtnset qtnsets[] = {qtnset::unrestricted, qtnset::restricted, qtnset::recombination};
+constexpr std::span<const qtnset> traitsets(qtnsets, 2);
+// "Unrestricted" and so on, as file names begin.
+inline const char *nameofset(qtnset set)
+{
+    static constexpr const char *names[] = {"Unrestricted", "Restricted", "Recombination"};
+    return names[static_cast<int>(set)];
+}
+
+// The QTN of a set by their global numbers: through the chromosomes, ascending by site.
+struct qtnsetdata {
+    array1<int64> qtnid, chromid;   // site on its chromosome; chromosome
+    array1<double> maf;             // minor allele frequency
+    array1<double> referencefreq;   // of the counted allele in generation 1
+    array1<double> currentfreq;     // the same in the generation at hand
+    array1<double> pos;             // on its chromosome
+    array1<int64> mutind, mutindiv; // 1: a mutation; its carrier
+    array2<int8> qtngenos;          // (nindivinsimulrun, QTN) of the generation at hand
+};
+
+// A QTN model: effects (QTN of its set, traits). Position q of one set has nothing to do with q of
+// another.
+struct qtnmodeldata {
+    qtnset set;
+    effectdistribution distribution;
+    const char *name;
+    array2<double> addeff{}, domdeg{}, domeff{};
+    array2<double> alpha{}; // average effects of allele substitution
+};
+
 // Chips and QTN as they were placed. Lifetime: Stage.
 struct locusdata {
     array2<int64> nsnponthischipchrom;                    // (nchip, nchrom)
     int64 nsnp = 0, nsnpforsel = 0;                       // on the selection chip; with added QTN
-    array1<int64> nqtnonthischrom, nqtnrecombonthischrom; // (nchrom)
+    array1<int64> nqtnonthischrom, nqtnrecombonthischrom; // (nchrom) in a trait set; in the third
     int64 ntotqtn = 0, ntotqtngamma = 0, ntotqtnrecomb = 0;
     array1<int64> qtngamma;      // (ntotqtn) 1: also a gamma effect
     array1<double> addeffrecomb; // (ntotqtnrecomb)
-    array1<int64> allqtnidunres, allqtnidrestr, allqtnidrecomb;
-    array1<int64> allqtnchromidunres, allqtnchromidrestr;
-    array1<double> allqtnmafunres, allqtnmafrestr, allqtnmafrecomb;
-    array1<double> allqtnfrequnres, allqtnfreqrestr, allqtnfreqrecomb;
-    array1<double> allqtnposunres, allqtnposrestr, allqtnposrecomb;
-    array1<int64> allqtnmutindunres, allqtnmutindrestr, mutindivunres, mutindivrestr;
-    // (ntotqtn, ntraits)
-    array2<double> addeffnormalunres, addeffnormalrestr, addeffgammaunrestr, addeffgammarestr;
-    array2<double> domdegnormalunres, domdegnormalrestr, domdeggammaunrestr, domdeggammarestr;
-    array2<double> domeffnormalunres, domeffnormalrestr, domeffgammaunres, domeffgammarestr;
-    array2<double> alphanormalunres, alphanormalrestr, alphagammaunrestr, alphagammarestr;
-    // (nindivinsimulrun, ntotqtn or ntotqtnrecomb) genotypes of the individuals at hand
-    array2<int8> allqtngenosunres, allqtngenosrestr, allqtngenosrecomb;
+    enumarray<qtnset, qtnsetdata, 3> sets;
+
+    const array1<int64> &onthischrom(qtnset set) const
+    {
+        return set == qtnset::recombination ? nqtnrecombonthischrom : nqtnonthischrom;
+    }
+    int64 ntot(qtnset set) const { return set == qtnset::recombination ? ntotqtnrecomb : ntotqtn; }
+
+    // Model p from 1; the gamma models are in use only with nqtngamma > 0.
+    qtnmodeldata &model(int64 p) { return models[static_cast<std::size_t>(p - 1)]; }
+    const qtnmodeldata &model(int64 p) const { return models[static_cast<std::size_t>(p - 1)]; }
+    std::array<qtnmodeldata, 4> models{
+        {{qtnset::unrestricted, effectdistribution::normal, "NormalUnrestr"},
+         {qtnset::restricted, effectdistribution::normal, "NormalRestr"},
+         {qtnset::unrestricted, effectdistribution::gamma, "GammaUnrestr"},
+         {qtnset::restricted, effectdistribution::gamma, "GammaRestr"}}};
 };
 
 // Values and variances. Lifetime: Stage.
@@ -198,9 +238,6 @@ struct valuedata {
     array3<double> cova, covd;             // (nqtnmodels, ntraits, ntraits)
     double vararecomb = 0, varerecomb = 0, vararecombt = 0;
 };
-
-// What the effects of the recombination QTN are drawn from.
-enum class effectdistribution { normal, gamma };
 
 // Selection. Lifetime: Run.
 struct selectionsettings {
@@ -301,4 +338,16 @@ inline generationspan burningenerations(const state &s)
 inline std::string chromfolder(int64 chrom, const std::string &runfolder = ".")
 {
     return runfolder + "/Chromosomes/Chromosome" + std::to_string(chrom) + "/";
+}
+
+// The sets of this simulation.
+inline std::span<const qtnset> setsinuse(const state &s)
+{
+    return s.selection.recombselonoff ? std::span<const qtnset>(qtnsets) : traitsets;
+}
+
+// The set on which the model of selection stands.
+inline qtnset setofselection(const state &s)
+{
+    return s.loci.model(s.qtn.qtnmodel).set;
 }

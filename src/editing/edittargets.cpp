@@ -2,8 +2,10 @@
 
 #include "cyclefolder.h"
 #include "files.h"
+#include "markers/sitesets.h"
 #include "sortstat.h"
 #include "textlayout.h"
+#include "traits/effectfiles.h"
 #include "words.h"
 
 #include <string>
@@ -18,7 +20,7 @@ std::string gainfile(int64 selcycle, int64 gen)
 
 std::string listfile(const state &s, int64 selcycle, int64 gen)
 {
-    return cyclefolder(selcycle) + qtnsetname(s.qtn.qtnmodel) + "QtnSortedForGeneEditingGener" +
+    return cyclefolder(selcycle) + nameofset(setofselection(s)) + "QtnSortedForGeneEditingGener" +
            numbertext(gen) + ".txt";
 }
 
@@ -78,7 +80,7 @@ void writeqtvgefile(const std::string &path, const array1<qtv> &qtvarray,
 
 void readaddeff(const state &s, array1<qtv> &qtvarray)
 {
-    infile in(std::string("./SimulatedData/") + qtnsetname(s.qtn.qtnmodel) + "QtnAdditEffects.txt");
+    infile in(additiveeffectfile(setofselection(s)));
     in.skiprecords(1);
     for (qtv &q : qtvarray) {
         in.record();
@@ -94,8 +96,7 @@ void readfreq(const state &s, int64 gen, array1<qtv> &qtvarray)
 {
     int64 q = 0;
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        infile in(chromfolder(h) + qtnsetname(s.qtn.qtnmodel) + "QtnAlleleFreqGeneration" +
-                  numbertext(gen - 1) + ".txt");
+        infile in(frequencyfileofset(h, setofselection(s), gen - 1));
         for (int64 onchrom = 1; onchrom <= s.loci.nqtnonthischrom(h); ++onchrom) {
             in.record();
             in.skipwords(2);

@@ -56,9 +56,3 @@ double calcprogenyfreq(double sirenewfreq, double favallelefreq);
 void changemean(double qtvaddeffect, int64 nsires, int64 nsiresge, double favallelefreq,
                 double &deltag, double &progenyfreq);
 void deltagarrayfill(int64 nsires, int64 nsiresge, array1<qtv> &qtvarray);
-
-// First word of the files of the QTN set that selection follows.
-inline const char *qtnsetname(int64 qtnmodel)
-{
-    return qtnmodel == 1 || qtnmodel == 3 ? "Unrestricted" : "Restricted";
-}

@@ -2,6 +2,7 @@
 
 #include "allelerows.h"
 #include "cyclefolder.h"
+#include "markers/sitesets.h"
 #include "textlayout.h"
 
 #include <algorithm>
@@ -160,16 +161,12 @@ void closechipfiles(selectionchipfiles &files)
 
 generationphases openphases(const state &s, int64 gen)
 {
-    const bool unrestricted = s.qtn.qtnmodel == 1 || s.qtn.qtnmodel == 3;
-    const std::string ending = "PhaseGeneration" + numbertext(gen) + ".txt";
     generationphases phases;
     phases.snpalleles.allocate(s.loci.nsnp, 2);
     if (areqtnadded(s)) phases.qtnalleles.allocate(s.loci.ntotqtn, 2);
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        phases.chip.emplace_back(chromfolder(h) + "Chip" + numbertext(s.chips.tmpchip) + ending);
-        if (areqtnadded(s))
-            phases.qtn.emplace_back(chromfolder(h) +
-                                    (unrestricted ? "UnrestrictedQtn" : "RestrictedQtn") + ending);
+        phases.chip.emplace_back(phasefileofchip(h, s.chips.tmpchip, gen));
+        if (areqtnadded(s)) phases.qtn.emplace_back(phasefileofset(h, setofselection(s), gen));
     }
     return phases;
 }

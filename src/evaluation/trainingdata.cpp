@@ -5,6 +5,7 @@
 #include "evaluation/selectionchip.h"
 #include "evaluation/solutionfiles.h"
 #include "textlayout.h"
+#include "values/qtngenotypes.h"
 
 #include <cmath>
 #include <cstring>
@@ -85,10 +86,8 @@ void scalegenottestingdata(state &s, int64 selectioncycle, [[maybe_unused]] int6
 void writetestingqtngenotypes(state &s, int64 selectioncycle, int64 testgen,
                               int64 tmpstarttestindiv)
 {
-    const bool unrestricted = s.qtn.qtnmodel == 1 || s.qtn.qtnmodel == 3;
     const bool lastgeneration = testgen == s.pop.ngen + selectioncycle;
-    infile in(unrestricted ? "./SimulatedData/UnrestrictedQtnIndivGenotypes.txt"
-                           : "./SimulatedData/RestrictedQtnIndivGenotypes.txt");
+    infile in(qtngenotypefile(setofselection(s)));
     outfile out(cyclefolder(selectioncycle) +
                 (lastgeneration ? lastqtngenotypes : testqtngenotypes));
     std::vector<int8> genotypes(static_cast<std::size_t>(s.loci.ntotqtn));

@@ -26,9 +26,8 @@ int64 makearray(const state &s, int64 chrom, int64 chip, int64 nsnponarray)
         stopwithcode(110013);
     }
     std::sort(markers.begin(), markers.end());
-    const std::string name = chromfolder(chrom) + "Chip" + numbertext(chip);
-    writesummary(s, name + "Summary.txt", markers);
-    writesiteinformation(s, name + "SnpInformation.txt", markers, false);
+    writesummary(s, summaryfileofchip(chrom, chip), markers);
+    writesiteinformation(s, informationfileofchip(chrom, chip), markers, false);
     return lastsnppos;
 }
 

@@ -41,18 +41,18 @@ void writesnpchipsandqtnfiles(const state &s, const std::string &phasefile,
     genotypes.close();
 }
 
-std::string generationfile(int64 chrom, const std::string &name, int64 gen, const char *ending)
+// Of the chromosome at hand.
+int64 nsites(const state &s)
 {
-    return chromfolder(chrom) + name + "Generation" + numbertext(gen) + ending;
+    return s.haplo.tmpgenome.nblock() * lociperblock;
 }
-
 } // namespace
 
 // The sums are taken while the genotypes are written.
-void writeqtnallelefrequency(int64 chrom, const std::string &set, int64 gen, const sitelist &sites,
+void writeqtnallelefrequency(int64 chrom, qtnset set, int64 gen, const sitelist &sites,
                              const std::vector<int64> &sums, int64 nindiv)
 {
-    outfile out(generationfile(chrom, set + "AlleleFreq", gen, ".txt"));
+    outfile out(frequencyfileofset(chrom, set, gen));
     textline line;
     for (std::size_t q = 0; q < sites.size(); ++q) {
         puti(line, static_cast<int64>(q) + 1, 20);
@@ -63,51 +63,27 @@ void writeqtnallelefrequency(int64 chrom, const std::string &set, int64 gen, con
     out.close();
 }
 
-namespace
-{
-void fillqtn(const state &s, const char *information, const std::string &name, int64 chrom,
-             int64 currentgen, int64 startindiv, int64 endindiv, int64 nsites, int64 nsnponarray)
-{
-    const sitelist sites = readsites(chromfolder(chrom) + information, nsnponarray, nsites);
-    std::vector<int64> sums(sites.size());
-    writesnpchipsandqtnfiles(s, generationfile(chrom, name + "Phase", currentgen, ".txt"),
-                             generationfile(chrom, name + "Genotype", currentgen, ".txt"), sites,
-                             startindiv, endindiv, sums);
-    writeqtnallelefrequency(chrom, name, currentgen, sites, sums, endindiv - startindiv + 1);
-}
-} // namespace
-
 void fillarray(const state &s, int64 chrom, int64 chip, int64 currentgen, int64 startindiv,
-               int64 endindiv, int64 nblock, int64 nloci, int64 nsnponarray)
+               int64 endindiv)
 {
-    const std::string name = "Chip" + numbertext(chip);
-    const sitelist sites =
-        readsites(chromfolder(chrom) + name + "SnpInformation.txt", nsnponarray, nblock * nloci);
+    const sitelist sites = readsites(informationfileofchip(chrom, chip),
+                                     s.loci.nsnponthischipchrom(chip, chrom), nsites(s));
     std::vector<int64> nosums;
-    writesnpchipsandqtnfiles(s, generationfile(chrom, name + "Phase", currentgen, ".txt"),
-                             generationfile(chrom, name + "Genotype", currentgen, ".txt"), sites,
-                             startindiv, endindiv, nosums);
+    writesnpchipsandqtnfiles(s, phasefileofchip(chrom, chip, currentgen),
+                             genotypefileofchip(chrom, chip, currentgen), sites, startindiv,
+                             endindiv, nosums);
 }
 
-void fillqtnunrestricted(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
-                         int64 endindiv, int64 nblock, int64 nloci, int64 nsnponarray)
+void fillqtn(const state &s, int64 chrom, qtnset set, int64 currentgen, int64 startindiv,
+             int64 endindiv)
 {
-    fillqtn(s, "UnRestrictedQtnInformation.txt", "UnrestrictedQtn", chrom, currentgen, startindiv,
-            endindiv, nblock * nloci, nsnponarray);
-}
-
-void fillqtnrestricted(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
-                       int64 endindiv, int64 nblock, int64 nloci, int64 nsnponarray)
-{
-    fillqtn(s, "RestrictedQtnInformation.txt", "RestrictedQtn", chrom, currentgen, startindiv,
-            endindiv, nblock * nloci, nsnponarray);
-}
-
-void fillqtnrecombination(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
-                          int64 endindiv, int64 nblock, int64 nloci, int64 nsnponarray)
-{
-    fillqtn(s, "RecombinationQtnInformation.txt", "RecombinationQtn", chrom, currentgen, startindiv,
-            endindiv, nblock * nloci, nsnponarray);
+    const sitelist sites =
+        readsites(informationfileofset(chrom, set), s.loci.onthischrom(set)(chrom), nsites(s));
+    std::vector<int64> sums(sites.size());
+    writesnpchipsandqtnfiles(s, phasefileofset(chrom, set, currentgen),
+                             genotypefileofset(chrom, set, currentgen), sites, startindiv, endindiv,
+                             sums);
+    writeqtnallelefrequency(chrom, set, currentgen, sites, sums, endindiv - startindiv + 1);
 }
 
 // ------------------------------------------------------- all sites
@@ -139,11 +115,21 @@ template <class maker> void writesequencerecord(outfile &out, int64 id, int64 nb
 }
 } // namespace
 
-void writeoutindivphase(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
-                        int64 endindiv, int64 nblock, int64)
+std::string sequencephasefileof(int64 chrom, int64 gen)
 {
-    outfile phases(generationfile(chrom, "SequencePhase", currentgen, ".bin"));
-    outfile genotypes(generationfile(chrom, "SequenceGenotype", currentgen, ".bin"));
+    return chromfolder(chrom) + "SequencePhaseGeneration" + numbertext(gen) + ".bin";
+}
+std::string sequencegenotypefileof(int64 chrom, int64 gen)
+{
+    return chromfolder(chrom) + "SequenceGenotypeGeneration" + numbertext(gen) + ".bin";
+}
+
+void writeoutindivphase(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
+                        int64 endindiv)
+{
+    const int64 nblock = s.haplo.tmpgenome.nblock();
+    outfile phases(sequencephasefileof(chrom, currentgen));
+    outfile genotypes(sequencegenotypefileof(chrom, currentgen));
     for (int64 i = startindiv; i <= endindiv; ++i) {
         const int64 *const gamete1 = s.haplo.tmpgenome.gamete(i - startindiv + 1, 1);
         const int64 *const gamete2 = s.haplo.tmpgenome.gamete(i - startindiv + 1, 2);

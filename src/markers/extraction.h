@@ -15,8 +15,7 @@
 // of 64-bit integers.
 //
 // The sites are taken from the information files: a broken one is an I/O error. Arguments:
-// currentgen, its first and last individual, nblock blocks of nloci (60) sites, and nsnponarray
-// sites on the chip or in the set. Draws, stops: none.
+// currentgen, its first and last individual. Draws, stops: none.
 // Cost: the picking of the sites is hidden behind the writing, see sitepicker.h.
 #pragma once
 
@@ -24,20 +23,18 @@
 #include "state.h"
 
 void fillarray(const state &s, int64 chrom, int64 chip, int64 currentgen, int64 startindiv,
-               int64 endindiv, int64 nblock, int64 nloci, int64 nsnponarray);
-void fillqtnunrestricted(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
-                         int64 endindiv, int64 nblock, int64 nloci, int64 nsnponarray);
-void fillqtnrestricted(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
-                       int64 endindiv, int64 nblock, int64 nloci, int64 nsnponarray);
-void fillqtnrecombination(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
-                          int64 endindiv, int64 nblock, int64 nloci, int64 nsnponarray);
+               int64 endindiv);
+void fillqtn(const state &s, int64 chrom, qtnset set, int64 currentgen, int64 startindiv,
+             int64 endindiv);
 
-// Frequencies of allele 1 at the sites of a QTN set ("UnrestrictedQtn", ...) in a generation.
+// Frequencies of allele 1 at the sites of a QTN set in a generation.
 //   sums    copies of allele 1 per site
 //   nindiv  individuals of the generation
-void writeqtnallelefrequency(int64 chrom, const std::string &set, int64 gen, const sitelist &sites,
+void writeqtnallelefrequency(int64 chrom, qtnset set, int64 gen, const sitelist &sites,
                              const std::vector<int64> &sums, int64 nindiv);
 
 // The two sequence files.
+std::string sequencephasefileof(int64 chrom, int64 gen);
+std::string sequencegenotypefileof(int64 chrom, int64 gen);
 void writeoutindivphase(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
-                        int64 endindiv, int64 nblock, int64 nloci);
+                        int64 endindiv);

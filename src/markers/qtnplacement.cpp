@@ -85,21 +85,12 @@ void takefromregions(const state &s, sitelist &thisarray, int64 nsnponarray, arr
     }
 }
 
-void writeset(const state &s, int64 chrom, sitelist &thisarray, const char *information,
-              const char *summary, bool withmutations)
+void writeset(const state &s, int64 chrom, qtnset set, sitelist &thisarray)
 {
     std::sort(thisarray.begin(), thisarray.end());
-    writesummary(s, chromfolder(chrom) + summary, thisarray);
-    writesiteinformation(s, chromfolder(chrom) + information, thisarray, withmutations);
-}
-void writeunrestricted(const state &s, int64 chrom, sitelist &thisarray)
-{
-    writeset(s, chrom, thisarray, "UnRestrictedQtnInformation.txt", "UnrestrictedQtnSummary.txt",
-             true);
-}
-void writerestricted(const state &s, int64 chrom, sitelist &thisarray)
-{
-    writeset(s, chrom, thisarray, "RestrictedQtnInformation.txt", "RestrictedQtnSummary.txt", true);
+    writesummary(s, summaryfileofset(chrom, set), thisarray);
+    writesiteinformation(s, informationfileofset(chrom, set), thisarray,
+                         set != qtnset::recombination);
 }
 } // namespace
 
@@ -110,7 +101,7 @@ void chooseqtnunrestricted(state &s, int64 chrom, int64 nsnponarray, int64 first
                  [](int64) { return true; });
     if (!isfull(thisarray, nsnponarray))
         notenoughqtn("ERROR: Not Enough QTN Segregating on chromosome", chrom, 110028);
-    writeunrestricted(s, chrom, thisarray);
+    writeset(s, chrom, qtnset::unrestricted, thisarray);
 }
 
 void chooseqtnrestricted(state &s, int64 chrom, int64 nsnponarray, int64 firstqtnpos)
@@ -127,7 +118,7 @@ void chooseqtnrestricted(state &s, int64 chrom, int64 nsnponarray, int64 firstqt
                  [&](int64 site) { return sitesmeetingfreqrestriction(site); });
     if (!isfull(thisarray, nsnponarray))
         notenoughqtn("ERROR: Not enough QTN segregating on chromosome", chrom, 110027);
-    writerestricted(s, chrom, thisarray);
+    writeset(s, chrom, qtnset::restricted, thisarray);
 }
 
 void chooseqtnrecombination(state &s, int64 chrom, int64 nsnponarray)
@@ -137,8 +128,7 @@ void chooseqtnrecombination(state &s, int64 chrom, int64 nsnponarray)
         notenoughqtn("ERROR: Not Enough QTN Segregating on chromosome", chrom, 110025);
     const int64 *const first = s.sites.snponarrays.begin();
     sitelist thisarray(first, first + nsnponarray);
-    writeset(s, chrom, thisarray, "RecombinationQtnInformation.txt", "RecombinationQtnSummary.txt",
-             false);
+    writeset(s, chrom, qtnset::recombination, thisarray);
 }
 
 // ------------------------------------------------------- regions
@@ -265,7 +255,7 @@ void chooseqtnunrestrictedclusters(state &s, int64 chrom, int64 nsnponarray, int
     takefromregions(s, thisarray, nsnponarray, isqtvpos, [](int64) { return true; });
     if (!isfull(thisarray, nsnponarray))
         notenoughqtn("ERROR: Not enough QTN segregating on chromosome", chrom, 110027);
-    writeunrestricted(s, chrom, thisarray);
+    writeset(s, chrom, qtnset::unrestricted, thisarray);
 }
 
 namespace
@@ -310,5 +300,5 @@ void chooseqtnrestrictedclusters(state &s, int64 chrom, int64 nsnponarray, int64
         if (!isfull(thisarray, nsnponarray))
             notenoughqtn("ERROR: Not enough QTN segregating on chromosome", chrom, 110027);
     }
-    writerestricted(s, chrom, thisarray);
+    writeset(s, chrom, qtnset::restricted, thisarray);
 }

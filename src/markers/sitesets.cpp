@@ -1,5 +1,72 @@
 #include "markers/sitesets.h"
 
+#include "words.h"
+
+namespace
+{
+std::string fileofset(int64 chrom, qtnset set, const std::string &rest)
+{
+    return chromfolder(chrom) + nameofset(set) + "Qtn" + rest;
+}
+std::string fileofchip(int64 chrom, int64 chip, const std::string &rest)
+{
+    return chromfolder(chrom) + "Chip" + numbertext(chip) + rest;
+}
+std::string generationending(int64 gen)
+{
+    return "Generation" + numbertext(gen) + ".txt";
+}
+} // namespace
+
+std::string informationfileofset(int64 chrom, qtnset set)
+{
+    // One name is spelt otherwise than in all other files.
+    if (set == qtnset::unrestricted) return chromfolder(chrom) + "UnRestrictedQtnInformation.txt";
+    return fileofset(chrom, set, "Information.txt");
+}
+std::string summaryfileofset(int64 chrom, qtnset set)
+{
+    return fileofset(chrom, set, "Summary.txt");
+}
+std::string phasefileofset(int64 chrom, qtnset set, int64 gen)
+{
+    return fileofset(chrom, set, "Phase" + generationending(gen));
+}
+std::string genotypefileofset(int64 chrom, qtnset set, int64 gen)
+{
+    return fileofset(chrom, set, "Genotype" + generationending(gen));
+}
+std::string frequencyfileofset(int64 chrom, qtnset set, int64 gen)
+{
+    return fileofset(chrom, set, "AlleleFreq" + generationending(gen));
+}
+
+std::string informationfileofchip(int64 chrom, int64 chip)
+{
+    return fileofchip(chrom, chip, "SnpInformation.txt");
+}
+std::string summaryfileofchip(int64 chrom, int64 chip)
+{
+    return fileofchip(chrom, chip, "Summary.txt");
+}
+std::string phasefileofchip(int64 chrom, int64 chip, int64 gen)
+{
+    return fileofchip(chrom, chip, "Phase" + generationending(gen));
+}
+std::string genotypefileofchip(int64 chrom, int64 chip, int64 gen)
+{
+    return fileofchip(chrom, chip, "Genotype" + generationending(gen));
+}
+
+double filedfrequency(int64 ncopies, int64 nindiv)
+{
+    textline field;
+    putf(field, static_cast<double>(ncopies) / static_cast<double>(2 * nindiv), 20, 10);
+    double frequency = 0;
+    readreal(trim(field), frequency);
+    return frequency;
+}
+
 double meanheterozygosity(const state &s, const sitelist &sites)
 {
     if (sites.empty()) return 0;

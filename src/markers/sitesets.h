@@ -7,6 +7,20 @@
 #include <string>
 #include <vector>
 
+// Files of a QTN set, and of a chip, in the folder of a chromosome.
+std::string informationfileofset(int64 chrom, qtnset set);
+std::string summaryfileofset(int64 chrom, qtnset set);
+std::string phasefileofset(int64 chrom, qtnset set, int64 gen);
+std::string genotypefileofset(int64 chrom, qtnset set, int64 gen);
+std::string frequencyfileofset(int64 chrom, qtnset set, int64 gen);
+std::string informationfileofchip(int64 chrom, int64 chip);
+std::string summaryfileofchip(int64 chrom, int64 chip);
+std::string phasefileofchip(int64 chrom, int64 chip, int64 gen);
+std::string genotypefileofchip(int64 chrom, int64 chip, int64 gen);
+
+// Frequency of an allele with ncopies among nindiv individuals, with the ten decimals of the files.
+double filedfrequency(int64 ncopies, int64 nindiv);
+
 // Included sites, from 1.
 using sitelist = std::vector<int64>;
 

@@ -199,13 +199,12 @@ void calculatenewnbindivigen(int64 nindividuals)
 
 namespace
 {
-void writesetfrequencies(const state &s, const std::string &set, int64 nsites, int64 chrom,
-                         int64 gen, int64 nindividuals)
+void writesetfrequencies(const state &s, qtnset set, int64 chrom, int64 gen, int64 nindividuals)
 {
-    const std::string folder = chromfolder(chrom);
-    const sitelist sites = readsites(folder + nameofchromosome(set + "Information.txt"), nsites,
-                                     s.sites.nsegreginclglobal(chrom));
-    infile in(folder + set + "GenotypeGeneration" + numbertext(gen) + ".txt");
+    const sitelist sites =
+        readsites(informationfileofset(chrom, set), s.loci.onthischrom(set)(chrom),
+                  s.sites.nsegreginclglobal(chrom));
+    infile in(genotypefileofset(chrom, set, gen));
     genotypecounter counts(sites.size());
     for (int64 i = 1; i <= nindividuals; ++i) counts.read(in);
     std::vector<int64> sums;
@@ -217,11 +216,8 @@ void writesetfrequencies(const state &s, const std::string &set, int64 nsites, i
 void writegenerationfrequencies(const state &s, int64 gen, int64 nindividuals)
 {
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        const auto write = [&](const char *set, const array1<int64> &nofchrom) {
-            writesetfrequencies(s, set, nofchrom(h), h, gen, nindividuals);
-        };
-        if (gen > 1) write("UnrestrictedQtn", s.loci.nqtnonthischrom);
-        if (gen > 1) write("RestrictedQtn", s.loci.nqtnonthischrom);
-        if (s.selection.recombselonoff) write("RecombinationQtn", s.loci.nqtnrecombonthischrom);
+        for (const qtnset set : setsinuse(s))
+            if (gen > 1 || set == qtnset::recombination)
+                writesetfrequencies(s, set, h, gen, nindividuals);
     }
 }

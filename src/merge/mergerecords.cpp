@@ -33,17 +33,6 @@ int64 sumof(const array1<int64> &values)
     return std::accumulate(values.begin(), values.end(), int64{0});
 }
 
-std::vector<std::string> qtnsets(const state &s)
-{
-    std::vector<std::string> sets{"Unrestricted", "Restricted"};
-    if (s.selection.recombselonoff) sets.push_back("Recombination");
-    return sets;
-}
-
-const array1<int64> &nqtnof(const state &s, const std::string &set)
-{
-    return set == "Recombination" ? s.loci.nqtnrecombonthischrom : s.loci.nqtnonthischrom;
-}
 } // namespace
 
 std::vector<individualfile> wholerunfiles(const state &s)
@@ -55,8 +44,8 @@ std::vector<individualfile> wholerunfiles(const state &s)
         {valuetable, recordform::values, 1, 1, 4 * 10 + 20 * nvalues + 1}};
     if (s.selection.recombselonoff)
         files.push_back({recombinationtable, recordform::values, 1, 1, 4 * 10 + 5 * 20 + 1});
-    for (const std::string &set : qtnsets(s))
-        files.push_back(allelefile(qtngenotypefile(set), 1, sumof(nqtnof(s, set))));
+    for (const qtnset set : setsinuse(s))
+        files.push_back(allelefile(qtngenotypefile(set), 1, sumof(s.loci.onthischrom(set))));
     for (int64 e = 1; e <= s.chips.nchip; ++e) {
         int64 nsnp = 0;
         for (int64 h = 1; h <= s.founders.nchrom; ++h) nsnp += s.loci.nsnponthischipchrom(e, h);
@@ -85,7 +74,8 @@ std::vector<individualfile> generationfiles(const state &s, int64 chrom)
     };
     for (int64 e = 1; e <= s.chips.nchip; ++e)
         add("Chip" + numbertext(e), s.loci.nsnponthischipchrom(e, chrom));
-    for (const std::string &set : qtnsets(s)) add(set + "Qtn", nqtnof(s, set)(chrom));
+    for (const qtnset set : setsinuse(s))
+        add(std::string(nameofset(set)) + "Qtn", s.loci.onthischrom(set)(chrom));
     return files;
 }
 

@@ -172,7 +172,7 @@ void writefixedqtns(state &s, int64 ngenerations)
         arrayscope arrays;
         s.values.nindivinsimulrun = s.pop.nindivinthisgen(g);
         makegenotypetables(s, arrays);
-        compileqtngenotypes(s, g, firstindivofgen(s, g), lastindivofgen(s, g));
+        compileqtngenotypes(s, g, firstindivofgen(s, g));
     }
 }
 } // namespace
@@ -201,7 +201,7 @@ void removestalecopies(const state &s)
     if (!s.run.fullseqoutonoff) stale = {sequencephasefile, sequencegenotypefile};
     if (!s.selection.recombselonoff) {
         stale.push_back(recombinationtable);
-        stale.push_back(qtngenotypefile("Recombination"));
+        stale.push_back(qtngenotypefile(qtnset::recombination));
     }
     if (!s.editing.geneditonoff) stale.push_back(fixedqtntable);
     for (const std::string &path : stale) {

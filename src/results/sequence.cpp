@@ -1,6 +1,7 @@
 #include "results/sequence.h"
 
 #include "founders/stores.h"
+#include "markers/extraction.h"
 #include "results/gathering.h"
 #include "shell.h"
 #include "stops.h"
@@ -26,11 +27,6 @@ bool lastgenisreached(const state &s, int64 lasttmpgen)
     return lasttmpgen == s.pop.ngensel + s.pop.ngen;
 }
 
-std::string phasefile(int64 chrom, int64 gen)
-{
-    return chromfolder(chrom) + "SequencePhaseGeneration" + numbertext(gen) + ".bin";
-}
-
 // One record: an identifier, which is dropped, and n alleles.
 void readsequencerecord(framereader &in, char *to, int64 n)
 {
@@ -52,7 +48,8 @@ void readsequencerecord(framereader &in, char *to, int64 n)
 void gathergeneration(const state &s, int64 gen, individualrows &rows)
 {
     std::vector<framereader> chromfiles;
-    for (int64 h = 1; h <= s.founders.nchrom; ++h) chromfiles.emplace_back(phasefile(h, gen));
+    for (int64 h = 1; h <= s.founders.nchrom; ++h)
+        chromfiles.emplace_back(sequencephasefileof(h, gen));
     for (int64 i = firstindivofgen(s, gen); i <= lastindivofgen(s, gen); ++i) {
         rows.begin(i);
         for (int64 h = 1; h <= s.founders.nchrom; ++h) {
@@ -107,8 +104,8 @@ void zipsequenceoutputfiles(state &s, int64 firsttmpgen, int64 lasttmpgen)
     };
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         for (int64 j = firsttmpgen; j <= lasttmpgen; ++j) {
-            zip(chromfolder(h) + "SequenceGenotypeGeneration" + numbertext(j) + ".bin");
-            zip(phasefile(h, j));
+            zip(sequencegenotypefileof(h, j));
+            zip(sequencephasefileof(h, j));
         }
     }
     if (!lastgenisreached(s, lasttmpgen)) return;

@@ -1,6 +1,7 @@
 #include "results/snpchips.h"
 
 #include "allelerows.h"
+#include "markers/sitesets.h"
 #include "results/gathering.h"
 #include "shell.h"
 #include "words.h"
@@ -41,8 +42,7 @@ void gathergeneration(const state &s, int64 chip, int64 gen, individualrows &row
 {
     std::vector<infile> chromfiles;
     for (int64 h = 1; h <= s.founders.nchrom; ++h)
-        chromfiles.emplace_back(chromfolder(h) + "Chip" + numbertext(chip) + "PhaseGeneration" +
-                                numbertext(gen) + ".txt");
+        chromfiles.emplace_back(phasefileofchip(h, chip, gen));
     for (int64 i = firstindivofgen(s, gen); i <= lastindivofgen(s, gen); ++i) {
         rows.begin(i);
         for (int64 h = 1; h <= s.founders.nchrom; ++h) {
@@ -68,7 +68,7 @@ void writesnpmap(const state &s, int64 chip)
     out.writeline(line);
     int64 k = 0;
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        infile in(chromfolder(h) + name);
+        infile in(informationfileofchip(h, chip));
         for (int64 snp = 1; snp <= s.loci.nsnponthischipchrom(chip, h); ++snp) {
             in.record();
             in.integer(); // rank on the chromosome's part of the chip

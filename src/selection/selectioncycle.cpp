@@ -22,12 +22,14 @@
 #include "selection/selectionindex.h"
 #include "selection/trainingrange.h"
 #include "selection/trainingsets.h"
+#include "traits/covariances.h"
+#include "traits/effectfiles.h"
 #include "values/accuracy.h"
 #include "values/breedingvalues.h"
 #include "values/burninvalues.h"
-#include "values/dominance.h"
 #include "values/genicvariances.h"
 #include "values/phenotypes.h"
+#include "values/qtngenotypes.h"
 #include "values/recombtrait.h"
 #include "words.h"
 
@@ -170,7 +172,7 @@ void makegeneration(state &s, int64 currentgen, int64 startindiv, int64 endindiv
         steps.finishzygotes = drivezygotes;
     }
     performgenedropselection(s, currentgen, startindiv, endindiv, steps);
-    compileqtngenotypes(s, currentgen, startindiv, endindiv);
+    compileqtngenotypes(s, currentgen, startindiv);
     computetbv(s, startindiv, endindiv);
     if (s.qtn.dominonoff) computetdv(s, startindiv, endindiv);
     computetotalgenicvariances(s, currentgen);
@@ -261,6 +263,8 @@ void drophaploselection(state &s)
     if (s.run.specendgen <= s.pop.ngen) return; // nothing of selection belongs to this run
     arrayscope arrays;
     makestagearrays(s, arrays);
+    readqtneffects(s);
+    readresidualfactors(s);
 
     int64 startgen = s.pop.ngen + 1, endgen = s.pop.ngen + s.pop.ngensel;
     if (s.run.genflexibilityonoff) {

@@ -38,10 +38,14 @@ void workoutresidual(state &s, int64 p)
         for (int64 h = 1; h <= t.ntraits; ++h) s.values.cholcove(p, j, h) = slice(j, h);
 }
 
+std::string residualfactorfile(int64 p)
+{
+    return "./SimulatedData/TraitVarianceComponentsResidualCholQtnModel" + numbertext(p) + ".txt";
+}
+
 void writeresidualfactor(const state &s, int64 p)
 {
-    outfile out("./SimulatedData/TraitVarianceComponentsResidualCholQtnModel" + numbertext(p) +
-                ".txt");
+    outfile out(residualfactorfile(p));
     textline line;
     for (int64 j = 1; j <= s.traits.ntraits; ++j) {
         for (int64 h = 1; h <= j; ++h) putfree(line, s.values.cholcove(p, j, h));
@@ -67,5 +71,16 @@ void workoutresidualcovariances(state &s)
     for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {
         workoutresidual(s, p);
         writeresidualfactor(s, p);
+    }
+}
+
+void readresidualfactors(state &s)
+{
+    for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {
+        infile in(residualfactorfile(p));
+        for (int64 j = 1; j <= s.traits.ntraits; ++j) {
+            in.record();
+            for (int64 h = 1; h <= j; ++h) s.values.cholcove(p, j, h) = in.real();
+        }
     }
 }

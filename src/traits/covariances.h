@@ -12,5 +12,8 @@ void workoutgeneticcovariances(state &s);
 
 // The same for each QTN model p from core and vare(p,:), in cove and cholcove; each factor is
 // written to SimulatedData/TraitVarianceComponentsResidualCholQtnModel<p>.txt, free-form, record j
-// with the entries (j,1) to (j,j). Every later generation takes the factors from these files.
+// with the entries (j,1) to (j,j), in full.
 void workoutresidualcovariances(state &s);
+// Takes the factors back into cholcove, which exists, in a stage that doesn't begin with generation
+// 1: the residual variances stay those of generation 1.
+void readresidualfactors(state &s);

@@ -2,61 +2,32 @@
 
 namespace
 {
-void makeperqtn(state &s, arrayscope &arrays)
+void makeset(state &s, arrayscope &arrays, qtnset which)
 {
-    locusdata &q = s.loci;
-    for (array1<int64> *a : {&q.qtngamma, &q.allqtnidunres, &q.allqtnidrestr, &q.allqtnmutindunres,
-                             &q.allqtnmutindrestr, &q.mutindivunres, &q.mutindivrestr})
-        arrays.make(*a, q.ntotqtn);
-    for (array1<double> *a : {&q.allqtnmafunres, &q.allqtnmafrestr, &q.allqtnfrequnres,
-                              &q.allqtnfreqrestr, &q.allqtnposunres, &q.allqtnposrestr})
-        arrays.make(*a, q.ntotqtn);
+    qtnsetdata &set = s.loci.sets[which];
+    for (array1<int64> *a : {&set.qtnid, &set.chromid, &set.mutind, &set.mutindiv})
+        arrays.make(*a, s.loci.ntot(which));
+    for (array1<double> *a : {&set.maf, &set.referencefreq, &set.pos})
+        arrays.make(*a, s.loci.ntot(which));
 }
 
-void makedegrees(state &s, arrayscope &arrays)
+void makemodel(const state &s, arrayscope &arrays, qtnmodeldata &model)
 {
-    locusdata &q = s.loci;
-    for (array2<double> *a :
-         {&q.domdegnormalunres, &q.domdegnormalrestr, &q.domdeggammaunrestr, &q.domdeggammarestr})
-        arrays.make(*a, q.ntotqtn, s.traits.ntraits);
-}
-
-void makerecombination(state &s, arrayscope &arrays)
-{
-    locusdata &q = s.loci;
-    arrays.make(q.allqtnidrecomb, q.ntotqtnrecomb);
-    for (array1<double> *a :
-         {&q.allqtnmafrecomb, &q.allqtnfreqrecomb, &q.allqtnposrecomb, &q.addeffrecomb})
-        arrays.make(*a, q.ntotqtnrecomb);
+    const auto make = [&](array2<double> &a) { arrays.make(a, s.loci.ntotqtn, s.traits.ntraits); };
+    make(model.addeff);
+    make(model.alpha);
+    if (!s.qtn.dominonoff) return;
+    make(model.domdeg);
+    make(model.domeff);
 }
 } // namespace
 
-void makeadditivearrays(state &s, arrayscope &arrays)
-{
-    locusdata &q = s.loci;
-    for (array2<double> *a :
-         {&q.addeffnormalunres, &q.addeffnormalrestr, &q.addeffgammaunrestr, &q.addeffgammarestr,
-          &q.alphanormalunres, &q.alphanormalrestr, &q.alphagammaunrestr, &q.alphagammarestr})
-        arrays.make(*a, q.ntotqtn, s.traits.ntraits);
-}
-
-void makedominancearrays(state &s, arrayscope &arrays)
-{
-    locusdata &q = s.loci;
-    for (array2<double> *a :
-         {&q.domeffnormalunres, &q.domeffnormalrestr, &q.domeffgammaunres, &q.domeffgammarestr})
-        arrays.make(*a, q.ntotqtn, s.traits.ntraits);
-}
-
 void makeeffectarrays(state &s, arrayscope &arrays)
 {
-    makeperqtn(s, arrays);
     for (array2<double> *matrix : {&s.values.covaspec, &s.values.cholcovaspec})
         arrays.make(*matrix, s.traits.ntraits, s.traits.ntraits);
-    makeadditivearrays(s, arrays);
-    if (s.qtn.dominonoff) {
-        makedominancearrays(s, arrays);
-        makedegrees(s, arrays);
-    }
-    if (s.selection.recombselonoff) makerecombination(s, arrays);
+    arrays.make(s.loci.qtngamma, s.loci.ntotqtn);
+    for (const qtnset set : setsinuse(s)) makeset(s, arrays, set);
+    for (qtnmodeldata &model : s.loci.models) makemodel(s, arrays, model);
+    if (s.selection.recombselonoff) arrays.make(s.loci.addeffrecomb, s.loci.ntotqtnrecomb);
 }

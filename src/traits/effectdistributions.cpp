@@ -4,6 +4,7 @@
 #include "sortstat.h"
 #include "words.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -12,6 +13,13 @@ namespace
 double scaleofqtn(int64 n)
 {
     return singlesqrt(singlequotient(1.0, static_cast<double>(n)));
+}
+
+qtnmodeldata &modelofset(state &s, qtnset set, effectdistribution distribution)
+{
+    return *std::find_if(s.loci.models.begin(), s.loci.models.end(), [&](const qtnmodeldata &m) {
+        return m.set == set && m.distribution == distribution;
+    });
 }
 
 double scaleofmutations(const state &s)
@@ -29,18 +37,18 @@ double correlated(const array2<double> &factor, int64 j, const array1<double> &d
 }
 } // namespace
 
-void simuladditiveeffects(state &s, const array1<int64> &allqtnmutind, array2<double> &addeffnormal,
-                          array2<double> &addeffgamma)
+void simuladditiveeffects(state &s, qtnset set)
 {
     const bool withgamma = s.qtn.nqtngamma > 0;
+    const array1<int64> &mutind = s.loci.sets[set].mutind;
+    array2<double> &addeffnormal = modelofset(s, set, effectdistribution::normal).addeff;
+    array2<double> &addeffgamma = modelofset(s, set, effectdistribution::gamma).addeff;
     const double scalenormal = scaleofqtn(s.loci.ntotqtn);
     const double scalegamma = scaleofqtn(s.loci.ntotqtngamma);
     const double scalemut = scaleofmutations(s);
     array1<double> normaldraws(s.traits.ntraits), gammadraws(s.traits.ntraits);
-    addeffnormal.fill(0);
-    addeffgamma.fill(0);
     for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
-        const bool mutation = allqtnmutind(q) != 0;
+        const bool mutation = mutind(q) != 0;
         for (int64 j = 1; j <= s.traits.ntraits; ++j) {
             normaldraws(j) = gasdev(s.random) * (mutation ? scalemut : scalenormal);
             if (withgamma)
@@ -54,48 +62,35 @@ void simuladditiveeffects(state &s, const array1<int64> &allqtnmutind, array2<do
     }
 }
 
-void simuldominanceeffects(state &s, const array2<double> &addeffnormal,
-                           const array2<double> &addeffgamma, array2<double> &domdegnormal,
-                           array2<double> &domdeggamma, array2<double> &domeffnormal,
-                           array2<double> &domeffgamma)
+void simuldominanceeffects(state &s, qtnset set)
 {
     const double sd = std::sqrt(s.qtn.domdegvar);
-    const auto degree = [&] { return gasdev(s.random) * sd + s.qtn.domdegmean; };
-    for (array2<double> *a : {&domdegnormal, &domdeggamma, &domeffnormal, &domeffgamma}) a->fill(0);
+    qtnmodeldata &normal = modelofset(s, set, effectdistribution::normal);
+    qtnmodeldata &gamma = modelofset(s, set, effectdistribution::gamma);
+    const auto draw = [&](qtnmodeldata &model, int64 q, int64 j) {
+        model.domdeg(q, j) = gasdev(s.random) * sd + s.qtn.domdegmean;
+        model.domeff(q, j) = model.domdeg(q, j) * std::fabs(model.addeff(q, j));
+    };
     for (int64 q = 1; q <= s.loci.ntotqtn; ++q)
         for (int64 j = 1; j <= s.traits.ntraits; ++j) {
-            domdegnormal(q, j) = degree();
-            domeffnormal(q, j) = domdegnormal(q, j) * std::fabs(addeffnormal(q, j));
-            if (s.qtn.nqtngamma > 0) {
-                domdeggamma(q, j) = degree();
-                domeffgamma(q, j) = domdeggamma(q, j) * std::fabs(addeffgamma(q, j));
-            }
+            draw(normal, q, j);
+            if (s.qtn.nqtngamma > 0) draw(gamma, q, j);
         }
 }
 
-void computeaverageallelesubsteffects(const state &s, const array1<double> &qtnfreq,
-                                      const array2<double> &addeffnormal,
-                                      const array2<double> &addeffgamma,
-                                      const array2<double> &domeffnormal,
-                                      const array2<double> &domeffgamma,
-                                      array2<double> &alphanormal, array2<double> &alphagamma)
+void computeaverageallelesubsteffects(state &s, int64 p)
 {
-    alphanormal.fill(0);
-    alphagamma.fill(0);
+    qtnmodeldata &model = s.loci.model(p);
+    const array1<double> &freq = s.loci.sets[model.set].referencefreq;
     for (int64 j = 1; j <= s.traits.ntraits; ++j)
-        for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
-            const double p = qtnfreq(q);
-            alphanormal(q, j) = addeffnormal(q, j) + domeffnormal(q, j) * ((1 - p) - p);
-            if (s.qtn.nqtngamma > 0)
-                alphagamma(q, j) = addeffgamma(q, j) + domeffgamma(q, j) * ((1 - p) - p);
-        }
+        for (int64 q = 1; q <= s.loci.ntotqtn; ++q)
+            model.alpha(q, j) = model.addeff(q, j) + model.domeff(q, j) * ((1 - freq(q)) - freq(q));
 }
 
 void simuleffectsforrecombination(state &s)
 {
     const bool normal = s.selection.recombdistrib == effectdistribution::normal;
     const double c = singlesqrt(static_cast<double>(s.loci.ntotqtnrecomb));
-    s.loci.addeffrecomb.fill(0);
     for (int64 q = 1; q <= s.loci.ntotqtnrecomb; ++q) {
         double &effect = s.loci.addeffrecomb(q);
         if (normal) {

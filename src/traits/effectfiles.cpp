@@ -4,156 +4,216 @@
 #include "textlayout.h"
 #include "words.h"
 
-#include <string>
 #include <vector>
 
 namespace
 {
-// Values of all traits that stand side by side under one label.
-struct effectblock {
-    const char *label;
-    const array2<double> *values;
-    bool gamma;
-};
+constexpr const char *recombinationfile = "./SimulatedData/RecombinationQtnInformationEffects.txt";
 
-void putkeys(textline &line, int64 q, int64 chrom, int64 site)
+std::string fileofset(qtnset set, const char *rest)
 {
-    puti(line, q, 10);
-    puti(line, chrom, 10);
-    puti(line, site, 10);
+    return std::string("./SimulatedData/") + nameofset(set) + rest;
+}
+std::string informationfile(qtnset set)
+{
+    return fileofset(set, "QtnInformation.txt");
+}
+std::string dominanceeffectfile(qtnset set)
+{
+    return fileofset(set, "QtnDominEffects.txt");
+}
+std::string substitutioneffectfile(qtnset set)
+{
+    return fileofset(set, "QtnAverAlleleSubstEffects.txt");
 }
 
-textline effecttitle(const state &s, const std::string &prefix,
+using effects = array2<double> qtnmodeldata::*;
+
+// One kind of effect, the columns of the models of a set side by side.
+struct effectblock {
+    const char *label;
+    effects values;
+};
+
+// The models of a set that are in use, normal before gamma.
+std::vector<int64> modelsofset(const state &s, qtnset set)
+{
+    std::vector<int64> models;
+    for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p)
+        if (s.loci.model(p).set == set) models.push_back(p);
+    return models;
+}
+
+void putkeys(textline &line, const qtnsetdata &set, int64 q)
+{
+    for (const int64 key : {q, set.chromid(q), set.qtnid(q)}) puti(line, key, 10);
+}
+
+textline effecttitle(const state &s, qtnset set, const std::string &prefix,
                      const std::vector<effectblock> &blocks)
 {
     textline labels;
     for (const effectblock &block : blocks)
-        for (int64 j = 1; j <= s.traits.ntraits; ++j) {
-            if (!labels.empty()) labels.append(4, ' ');
-            labels += block.label + numbertext(j);
-        }
+        for (const int64 p : modelsofset(s, set))
+            for (int64 j = 1; j <= s.traits.ntraits; ++j) {
+                if (!labels.empty()) labels.append(4, ' ');
+                labels += block.label;
+                labels +=
+                    s.loci.model(p).distribution == effectdistribution::normal ? "Norm" : "Gamm";
+                labels += set == qtnset::unrestricted ? "Unres" : "Restr";
+                labels += numbertext(j);
+            }
     textline title;
     putleft(title, prefix + labels, 1000);
     return title;
 }
 
-void writeeffectfile(const state &s, const std::string &name, const std::string &prefix,
-                     const array1<int64> &siteids, std::vector<effectblock> blocks)
+void writeeffectfile(const state &s, const std::string &path, qtnset set, const std::string &prefix,
+                     const std::vector<effectblock> &blocks)
 {
-    if (s.qtn.nqtngamma <= 0) std::erase_if(blocks, [](const effectblock &b) { return b.gamma; });
-    outfile out("./SimulatedData/" + name);
-    out.writeline(effecttitle(s, prefix, blocks));
+    outfile out(path);
+    out.writeline(effecttitle(s, set, prefix, blocks));
     textline line;
-    int64 q = 0;
-    for (int64 h = 1; h <= s.founders.nchrom; ++h)
-        for (int64 k = 1; k <= s.loci.nqtnonthischrom(h); ++k) {
-            ++q;
-            putkeys(line, q, h, siteids(q));
-            for (const effectblock &block : blocks)
+    for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
+        putkeys(line, s.loci.sets[set], q);
+        for (const effectblock &block : blocks)
+            for (const int64 p : modelsofset(s, set))
                 for (int64 j = 1; j <= s.traits.ntraits; ++j)
-                    putf(line, (*block.values)(q, j), 20, 10);
-            out.writeline(line);
-        }
+                    putf(line, (s.loci.model(p).*block.values)(q, j), 20, 10);
+        out.writeline(line);
+    }
     out.close();
 }
 
-void writeinformationfile(const state &s, const std::string &name, const array1<int64> &siteids,
-                          const array1<double> &maf, const array1<double> &freq,
-                          const array1<double> &position, const array1<int64> &mutind,
-                          const array1<int64> &mutindiv)
+void writeinformationfile(const state &s, qtnset which)
 {
-    outfile out("./SimulatedData/" + name);
+    const qtnsetdata &set = s.loci.sets[which];
+    outfile out(informationfile(which));
     textline line;
     puta(line,
          "GlobalQtnId  ChromId QtnSeqIdOnChrom  MinorAlelleFreq  NonZeroAlleleFreq   "
          "QtnPhysicalPosOnChrom  MutIndicator   IndivMutIndicator",
          130);
     out.writeline(line);
-    int64 q = 0;
-    for (int64 h = 1; h <= s.founders.nchrom; ++h)
-        for (int64 k = 1; k <= s.loci.nqtnonthischrom(h); ++k) {
-            ++q;
-            putkeys(line, q, h, siteids(q));
-            for (const double x : {maf(q), freq(q), position(q)}) putf(line, x, 20, 10);
-            puti(line, mutind(q), 20);
-            puti(line, mutindiv(q), 20);
-            out.writeline(line);
-        }
+    for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
+        putkeys(line, set, q);
+        for (const double x : {set.maf(q), set.referencefreq(q), set.pos(q)}) putf(line, x, 20, 10);
+        for (const int64 x : {set.mutind(q), set.mutindiv(q)}) puti(line, x, 20);
+        out.writeline(line);
+    }
     out.close();
 }
 } // namespace
 
 void compileqtninformation(const state &s)
 {
-    const locusdata &q = s.loci;
-    writeinformationfile(s, "UnrestrictedQtnInformation.txt", q.allqtnidunres, q.allqtnmafunres,
-                         q.allqtnfrequnres, q.allqtnposunres, q.allqtnmutindunres, q.mutindivunres);
-    writeinformationfile(s, "RestrictedQtnInformation.txt", q.allqtnidrestr, q.allqtnmafrestr,
-                         q.allqtnfreqrestr, q.allqtnposrestr, q.allqtnmutindrestr, q.mutindivrestr);
+    for (const qtnset set : traitsets) writeinformationfile(s, set);
 }
 
 void compileqtnadditiveeffects(const state &s)
 {
-    const locusdata &q = s.loci;
-    const std::string prefix = "GlobalQtnId  ChromId  QtnSeqIdOnChrom ";
-    writeeffectfile(s, "UnrestrictedQtnAdditEffects.txt", prefix, q.allqtnidunres,
-                    {{"AddEffNormUnres", &q.addeffnormalunres, false},
-                     {"AddEffGammUnres", &q.addeffgammaunrestr, true}});
-    writeeffectfile(s, "RestrictedQtnAdditEffects.txt", prefix, q.allqtnidrestr,
-                    {{"AddEffNormRestr", &q.addeffnormalrestr, false},
-                     {"AddEffGammRestr", &q.addeffgammarestr, true}});
+    for (const qtnset set : traitsets)
+        writeeffectfile(s, additiveeffectfile(set), set, "GlobalQtnId  ChromId  QtnSeqIdOnChrom ",
+                        {{"AddEff", &qtnmodeldata::addeff}});
 }
 
 void compileqtndominanceeffects(const state &s)
 {
-    const qtnsettings &q = s.qtn;
-    const std::string rest = "  ChromId  QtnSeqIdOnChrom ";
-    writeeffectfile(s, "UnrestrictedQtnDominEffects.txt", "GlobalQtnId" + rest,
-                    s.loci.allqtnidunres,
-                    {{"DomEffNormUnres", &s.loci.domeffnormalunres, false},
-                     {"DomEffGammUnres", &s.loci.domeffgammaunres, true},
-                     {"DomDegNormUnres", &s.loci.domdegnormalunres, false},
-                     {"DomDegGammUnres", &s.loci.domdeggammaunrestr, true}});
-    // The odd first word is part of the format that readers of this file know.
-    const char *firstword = q.nqtngamma > 0 ? "GlobalQtnId" : "GobalQtnId";
-    writeeffectfile(s, "RestrictedQtnDominEffects.txt", firstword + rest, s.loci.allqtnidrestr,
-                    {{"DomEffNormRestr", &s.loci.domeffnormalrestr, false},
-                     {"DomEffGammRestr", &s.loci.domeffgammarestr, true},
-                     {"DomDegNormRestr", &s.loci.domdegnormalrestr, false},
-                     {"DomDegGammRestr", &s.loci.domdeggammarestr, true}});
+    for (const qtnset set : traitsets) {
+        // The odd first word is part of the format that readers of this file know.
+        const bool odd = set == qtnset::restricted && s.qtn.nqtngamma <= 0;
+        writeeffectfile(s, dominanceeffectfile(set), set,
+                        std::string(odd ? "GobalQtnId" : "GlobalQtnId") +
+                            "  ChromId  QtnSeqIdOnChrom ",
+                        {{"DomEff", &qtnmodeldata::domeff}, {"DomDeg", &qtnmodeldata::domdeg}});
+    }
 }
 
 void compileqtnaverallelesubsteff(const state &s)
 {
-    const locusdata &q = s.loci;
-    const std::string prefix = "GlobalQtnId  ChromId  QtnSeqIdOnChrom  ";
-    writeeffectfile(s, "UnrestrictedQtnAverAlleleSubstEffects.txt", prefix, q.allqtnidunres,
-                    {{"AlphaNormUnres", &q.alphanormalunres, false},
-                     {"AlphaGammUnres", &q.alphagammaunrestr, true}});
-    writeeffectfile(s, "RestrictedQtnAverAlleleSubstEffects.txt", prefix, q.allqtnidrestr,
-                    {{"AlphaNormRestr", &q.alphanormalrestr, false},
-                     {"AlphaGammRestr", &q.alphagammarestr, true}});
+    for (const qtnset set : traitsets)
+        writeeffectfile(s, substitutioneffectfile(set), set,
+                        "GlobalQtnId  ChromId  QtnSeqIdOnChrom  ",
+                        {{"Alpha", &qtnmodeldata::alpha}});
 }
 
 void compileqtnrecombination(const state &s)
 {
-    const locusdata &d = s.loci;
-    outfile out("./SimulatedData/RecombinationQtnInformationEffects.txt");
+    const qtnsetdata &set = s.loci.sets[qtnset::recombination];
+    outfile out(recombinationfile);
     textline line;
     puta(line,
          "GlobalQtnId  ChromId QtnSeqIdOnChrom  MinorAlelleFreq  NonZeroAlleleFreq   "
          "QtnPhysicalPosOnChrom   AdditEffect",
          110);
     out.writeline(line);
-    int64 q = 0;
-    for (int64 h = 1; h <= s.founders.nchrom; ++h)
-        for (int64 k = 1; k <= d.nqtnrecombonthischrom(h); ++k) {
-            ++q;
-            putkeys(line, q, h, d.allqtnidrecomb(q));
-            for (const double x : {d.allqtnmafrecomb(q), d.allqtnfreqrecomb(q),
-                                   d.allqtnposrecomb(q), d.addeffrecomb(q)})
-                putf(line, x, 20, 10);
-            out.writeline(line);
-        }
+    for (int64 q = 1; q <= s.loci.ntotqtnrecomb; ++q) {
+        putkeys(line, set, q);
+        for (const double x :
+             {set.maf(q), set.referencefreq(q), set.pos(q), s.loci.addeffrecomb(q)})
+            putf(line, x, 20, 10);
+        out.writeline(line);
+    }
     out.close();
+}
+
+std::string additiveeffectfile(qtnset set)
+{
+    return fileofset(set, "QtnAdditEffects.txt");
+}
+
+namespace
+{
+void readfrequencies(qtnset which, array1<double> &freq)
+{
+    infile in(informationfile(which));
+    in.skiprecords(1);
+    for (double &f : freq) {
+        in.record();
+        in.skipwords(4); // three numbers of the QTN, and its minor allele frequency
+        f = in.real();
+    }
+}
+
+// The first columns of an effect file: those of one kind.
+void readeffects(state &s, const std::string &path, qtnset set, effects values)
+{
+    infile in(path);
+    in.skiprecords(1);
+    const std::vector<int64> models = modelsofset(s, set);
+    std::vector<double> row(models.size() * static_cast<std::size_t>(s.traits.ntraits));
+    for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
+        in.record();
+        in.skipwords(3);
+        in.reals(row.data(), std::ssize(row));
+        const double *value = row.data();
+        for (const int64 p : models)
+            for (int64 j = 1; j <= s.traits.ntraits; ++j)
+                (s.loci.model(p).*values)(q, j) = *value++;
+    }
+}
+
+void readrecombinationeffects(state &s)
+{
+    infile in(recombinationfile);
+    in.skiprecords(1);
+    for (int64 q = 1; q <= s.loci.ntotqtnrecomb; ++q) {
+        in.record();
+        in.skipwords(4);
+        s.loci.sets[qtnset::recombination].referencefreq(q) = in.real();
+        in.skipwords(1);
+        s.loci.addeffrecomb(q) = in.real();
+    }
+}
+} // namespace
+
+void readqtneffects(state &s)
+{
+    for (const qtnset set : traitsets) {
+        readfrequencies(set, s.loci.sets[set].referencefreq);
+        readeffects(s, s.qtn.dominonoff ? substitutioneffectfile(set) : additiveeffectfile(set),
+                    set, &qtnmodeldata::alpha);
+        if (s.qtn.dominonoff) readeffects(s, dominanceeffectfile(set), set, &qtnmodeldata::domeff);
+    }
+    if (s.selection.recombselonoff) readrecombinationeffects(s);
 }

@@ -1,7 +1,8 @@
 // effectfiles.h - the files that hold the QTN and their effects, in SimulatedData.
 //
 // After the effect stage these files are the only holders of the effects and of the frequencies
-// of generation 1: every later generation and run takes them from here, with their ten decimals.
+// of generation 1: every stage behind it takes them from here, in a run that goes on too, with
+// their ten decimals.
 // One title, then one line per QTN in global order (chromosome by chromosome): GlobalQtnId,
 // ChromId, QtnSeqIdOnChrom (3I10), then F20.10 columns. Each file is written from its head.
 // Titles of effect files are 1000 columns wide, left-aligned, and cut there; lines are complete.
@@ -9,14 +10,24 @@
 
 #include "state.h"
 
-// UnrestrictedQtnInformation.txt, RestrictedQtnInformation.txt: 3I10, 3F20.10, 2I20: minor allele
-// frequency, frequency of the counted allele in generation 1, position, mutation, its carrier.
+#include <string>
+
+// <Set>QtnInformation.txt of the trait sets: 3I10, 3F20.10, 2I20: minor allele frequency, frequency
+// of the counted allele in generation 1, position, mutation, its carrier.
 void compileqtninformation(const state &s);
-// ...QtnAdditEffects.txt: normal effects of all traits, then with nqtngamma > 0 the gamma ones.
+// <Set>QtnAdditEffects.txt: normal effects of all traits, then with nqtngamma > 0 the gamma ones.
 void compileqtnadditiveeffects(const state &s);
-// ...QtnDominEffects.txt: effects as above, then the degrees in the same order.
+// <Set>QtnDominEffects.txt: effects as above, then the degrees in the same order.
 void compileqtndominanceeffects(const state &s);
-// ...QtnAverAlleleSubstEffects.txt, as the additive ones.
+// <Set>QtnAverAlleleSubstEffects.txt, as the additive ones.
 void compileqtnaverallelesubsteff(const state &s);
 // RecombinationQtnInformationEffects.txt: 3I10, 4F20.10, the effect last.
 void compileqtnrecombination(const state &s);
+
+std::string additiveeffectfile(qtnset set);
+
+// Takes back what the values follow from, once in a stage, into arrays that exist: referencefreq of
+// the sets in use; alpha of the models in use, which is the additive effect without dominonoff;
+// with dominonoff domeff; with recombselonoff addeffrecomb. A short file or one that is missing is
+// an I/O error.
+void readqtneffects(state &s);

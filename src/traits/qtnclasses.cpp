@@ -3,7 +3,6 @@
 #include "files.h"
 #include "sortstat.h"
 #include "textlayout.h"
-#include "traits/qtnmodels.h"
 
 #include <array>
 #include <string>
@@ -48,11 +47,12 @@ classcounts classify(array1<double> &variances)
 
 classcounts classifymodel(state &s, int64 p, int64 j)
 {
-    const qtnmodelview model = viewofmodel(s, p);
+    const qtnmodeldata &model = s.loci.model(p);
+    const array1<double> &freq = s.loci.sets[model.set].referencefreq;
     const array2<double> &effects = s.qtn.dominonoff ? model.alpha : model.addeff;
     array1<double> variances(s.loci.ntotqtn);
     for (int64 q = 1; q <= s.loci.ntotqtn; ++q)
-        variances(q) = locusgenicvariance(model.freq(q), effects(q, j));
+        variances(q) = locusgenicvariance(freq(q), effects(q, j));
     return classify(variances);
 }
 
@@ -89,14 +89,14 @@ void printclasses(const state &s, int64 j, const array1<classcounts> &counts)
 
 void classifyrecombination(const state &s)
 {
-    const locusdata &d = s.loci;
+    const array1<double> &freq = s.loci.sets[qtnset::recombination].referencefreq;
     outfile out("./SimulatedData/ProportionOfVariationExplainedByNumberOfQtnRecombination.txt");
     textline line;
     puta(line, "         PercentVarExplained      nQtnRecomb", 44);
     out.writeline(line);
-    array1<double> variances(d.ntotqtnrecomb);
-    for (int64 q = 1; q <= d.ntotqtnrecomb; ++q)
-        variances(q) = locusgenicvariance(d.allqtnfreqrecomb(q), d.addeffrecomb(q));
+    array1<double> variances(s.loci.ntotqtnrecomb);
+    for (int64 q = 1; q <= s.loci.ntotqtnrecomb; ++q)
+        variances(q) = locusgenicvariance(freq(q), s.loci.addeffrecomb(q));
     const array1<classcounts> counts(1, classify(variances));
     for (std::size_t a = 0; a < nclasses; ++a) {
         putclassrow(line, classthresh[a], counts, a);

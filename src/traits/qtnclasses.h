@@ -3,6 +3,12 @@
 
 #include "state.h"
 
+// Genic variance of a locus with frequency f of the counted allele and substitution effect e.
+inline double locusgenicvariance(double f, double e)
+{
+    return 2 * f * (1 - f) * (e * e);
+}
+
 // For each trait and QTN model: the number of QTN, from the largest downward, that together hold
 // more than 1, 5, 10, 25 and 50 percent of the total genic variance, 2 p q alpha^2 summed over
 // QTN (alpha: the substitution effect with dominonoff, else the additive effect).

@@ -13,9 +13,8 @@
 // Stops: 11000 (genetic covariances not positive definite), those of random_gamma.
 void simulateqtneffects(state &s);
 
-// Fills the per-QTN arrays, q counting through the chromosomes, from
-// Chromosomes/Chromosome<h>/{UnRestricted,Restricted,Recombination}QtnInformation.txt and
-// {Unrestricted,Restricted,Recombination}QtnAlleleFreqGeneration1.txt, and qtngamma: ntotqtngamma
-// random positions, the same for both sets and all traits. Without recombselonoff the two
-// recombination files are left behind empty. Draws: randomorder of ntotqtn, in every case.
+// Fills the sets from the information files of the chromosomes and the frequency files of
+// generation 1 (markers/sitesets.h), and qtngamma: ntotqtngamma random positions, the same for both
+// sets and all traits. Without recombselonoff the two files of the recombination set are left
+// behind empty. Draws: randomorder of ntotqtn, in every case.
 void readqtninformation(state &s);

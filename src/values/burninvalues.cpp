@@ -4,11 +4,11 @@
 #include "sortstat.h"
 #include "textlayout.h"
 #include "traits/covariances.h"
-#include "traits/qtnmodels.h"
+#include "traits/effectfiles.h"
 #include "values/breedingvalues.h"
-#include "values/dominance.h"
 #include "values/genicvariances.h"
 #include "values/phenotypes.h"
+#include "values/qtngenotypes.h"
 #include "values/recombtrait.h"
 #include "values/valuearrays.h"
 #include "words.h"
@@ -78,7 +78,7 @@ void writecovariances(const state &s)
     for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {
         textline line;
         puta(line, " QTN model ", 11);
-        puta(line, labelofmodel(p), 14);
+        puta(line, s.loci.model(p).name, 14);
         out.writeline(line);
         const auto writematrix = [&](const char *heading, const array3<double> &covariance) {
             writeheading(out, heading);
@@ -183,7 +183,7 @@ void computegeneration(state &s, int64 gen)
     s.values.nindivinsimulrun = s.pop.nindivinthisgen(gen);
     arrayscope arrays;
     makegenotypetables(s, arrays);
-    compileqtngenotypes(s, gen, startindiv, endindiv);
+    compileqtngenotypes(s, gen, startindiv);
     computetbv(s, startindiv, endindiv);
     if (s.qtn.dominonoff) computetdv(s, startindiv, endindiv);
     computetotalgenicvariances(s, gen);
@@ -202,6 +202,8 @@ void computetbvvaravareandburnintpv(state &s)
     const generationspan span = burningenerations(s);
     arrayscope arrays;
     makevaluearrays(s, arrays);
+    readqtneffects(s);
+    if (span.first > 1) readresidualfactors(s);
     for (int64 gen = span.first; gen <= span.last; ++gen) computegeneration(s, gen);
 }
 

@@ -1,12 +1,13 @@
 #include "values/genicvariances.h"
 
 #include "files.h"
+#include "markers/sitesets.h"
 #include "sortstat.h"
 #include "textlayout.h"
-#include "traits/qtnmodels.h"
-#include "values/qtnfiles.h"
+#include "traits/qtnclasses.h"
 #include "words.h"
 
+#include <numeric>
 #include <string>
 
 namespace
@@ -27,17 +28,14 @@ textline variancetitle(int64 ntraits)
     return line;
 }
 
-void readfrequencies(const state &s, const char *set, int64 currentgen, array1<double> &freq)
+// By the genotypes of the generation.
+void takecurrentfrequencies(qtnsetdata &set)
 {
-    int64 q = 0;
-    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        infile in(chromfolder(h) + set + "QtnAlleleFreqGeneration" + numbertext(currentgen) +
-                  ".txt");
-        for (int64 k = 1; k <= s.loci.nqtnonthischrom(h); ++k) {
-            in.record();
-            in.skipwords(2);
-            freq(++q) = in.real();
-        }
+    const int64 nindiv = set.qtngenos.extent1().size();
+    for (int64 q = 1; q <= set.qtngenos.extent2().size(); ++q) {
+        const int8 *const genotypes = set.qtngenos.column(q);
+        const int64 ncopies = std::accumulate(genotypes, genotypes + nindiv, 0);
+        set.currentfreq(q) = filedfrequency(ncopies, nindiv);
     }
 }
 
@@ -48,9 +46,10 @@ struct generationvariances {
 
 void sumloci(const state &s, int64 p, int64 j, generationvariances &v)
 {
-    const qtnmodelview model = viewofmodel(s, p);
+    const qtnmodeldata &model = s.loci.model(p);
+    const array1<double> &freq = s.loci.sets[model.set].currentfreq;
     for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
-        const double f = model.freq(q);
+        const double f = freq(q);
         v.additgenic(p, j) += locusgenicvariance(f, model.alpha(q, j));
         if (!s.qtn.dominonoff) continue;
         const double deviation = 2 * f * (1 - f) * model.domeff(q, j);
@@ -90,10 +89,7 @@ void writevariances(const state &s, int64 currentgen, const generationvariances 
 
 void computetotalgenicvariances(state &s, int64 currentgen)
 {
-    readfrequencies(s, "Unrestricted", currentgen, s.loci.allqtnfrequnres);
-    readfrequencies(s, "Restricted", currentgen, s.loci.allqtnfreqrestr);
-    readsubstitutioneffects(s);
-    if (s.qtn.dominonoff) readdominanceeffects(s);
+    for (const qtnset set : traitsets) takecurrentfrequencies(s.loci.sets[set]);
     generationvariances v;
     for (array2<double> *a : {&v.additgenic, &v.domingenic, &v.additgenetic, &v.domingenetic})
         a->allocate(s.qtn.nqtnmodels, s.traits.ntraits);

@@ -7,11 +7,10 @@ constexpr const char *variancetable =
     "./SimulatedData/TotalGenicAndGeneticVariancesPerGeneration.txt";
 
 // Genic: the sum over QTN of 2 p q alpha^2, and of (2 p q d)^2 for dominance, with the fixed
-// effects and the frequencies of this generation alone, from the per-chromosome
-// ...QtnAlleleFreqGeneration<g>.txt: what loci that are independent would give. Genetic: the
-// sample variance of tbv and tdv, which are complete by now, over the generation's individuals.
-// The difference shows what selection and linkage do.
-// Leaves the frequencies of this generation in allqtnfrequnres and allqtnfreqrestr. Extends
+// effects and the frequencies of this generation alone, by the genotype tables: what loci that are
+// independent would give. Genetic: the sample variance of tbv and tdv, which are complete by now,
+// over the generation's individuals. The difference shows what selection and linkage do. Leaves the
+// frequencies of this generation in currentfreq, as the files of the chromosomes hold them. Extends
 // SimulatedData/TotalGenicAndGeneticVariancesPerGeneration.txt by a line per QTN model,
 // (2I10, 4 x ntraits F20.10), title with generation 1.
 // Stop 110003: fewer than two individuals.

@@ -34,16 +34,6 @@ textline valuetitle(const state &s)
     return title;
 }
 
-void readresidualfactor(state &s, int64 p)
-{
-    infile in("./SimulatedData/TraitVarianceComponentsResidualCholQtnModel" + numbertext(p) +
-              ".txt");
-    for (int64 j = 1; j <= s.traits.ntraits; ++j) {
-        in.record();
-        for (int64 h = 1; h <= j; ++h) s.values.cholcove(p, j, h) = in.real();
-    }
-}
-
 void drawphenotypes(state &s, int64 p, int64 startindiv, int64 endindiv)
 {
     valuedata &v = s.values;
@@ -107,10 +97,7 @@ void writemeans(const state &s, int64 currentgen, int64 startindiv, int64 endind
 
 void computetpv(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
 {
-    for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {
-        readresidualfactor(s, p);
-        drawphenotypes(s, p, startindiv, endindiv);
-    }
+    for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) drawphenotypes(s, p, startindiv, endindiv);
     writevalues(s, currentgen, startindiv, endindiv);
     writemeans(s, currentgen, startindiv, endindiv);
 }

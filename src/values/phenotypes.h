@@ -7,11 +7,9 @@ constexpr const char *valuetable = "./SimulatedData/PedigreeTbvTdvTpv.txt";
 constexpr const char *meanstable = "./SimulatedData/GeneticMeansPerGeneration.txt";
 
 // For generation currentgen, individuals startindiv to endindiv, whose tbv and tdv are complete:
-// residuals tev from the Cholesky factors in
-// SimulatedData/TraitVarianceComponentsResidualCholQtnModel<p>.txt (always read back into cholcove,
-// so a run that goes on later keeps the residual variances of generation 1), and tpv = (tbv + tdv)
-// + tev. Each model has residuals of its own. Draws: one gasdev for each model, within it each
-// individual, within it each trait.
+// residuals tev from the Cholesky factors cholcove, and tpv = (tbv + tdv) + tev. Each model has
+// residuals of its own. Draws: one gasdev for each model, within it each individual, within it each
+// trait.
 //
 // Extends, titles with generation 1 only:
 //   SimulatedData/PedigreeTbvTdvTpv.txt          4I10, then F20.10: tbv, tdv, tpv, each for trait 1

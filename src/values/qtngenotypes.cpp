@@ -1,9 +1,9 @@
 #include "values/qtngenotypes.h"
 
 #include "files.h"
+#include "markers/sitesets.h"
 #include "textlayout.h"
 #include "values/transpose.h"
-#include "words.h"
 
 #include <algorithm>
 #include <cstring>
@@ -15,21 +15,15 @@ namespace
 // Individuals whose rows are held at a time, between a file and the table.
 constexpr int64 rowtile = 256;
 
-struct genotypeset {
-    const char *name; // first word of its files
-    const array1<int64> &nonthischrom;
-    array2<int8> &genos;
-};
-
-void readgenotypes(const state &s, genotypeset &set, int64 currentgen)
+void readgenotypes(state &s, qtnset set, int64 currentgen)
 {
-    const int64 nindiv = set.genos.extent1().size();
+    array2<int8> &genos = s.loci.sets[set].qtngenos;
+    const int64 nindiv = genos.extent1().size();
     std::vector<int8> rows;
     int64 column = 1;
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        const int64 n = set.nonthischrom(h);
-        infile in(chromfolder(h) + set.name + "QtnGenotypeGeneration" + numbertext(currentgen) +
-                  ".txt");
+        const int64 n = s.loci.onthischrom(set)(h);
+        infile in(genotypefileofset(h, set, currentgen));
         rows.resize(static_cast<std::size_t>(rowtile * n));
         for (int64 k = 1; k <= nindiv && n > 0; k += rowtile) {
             const int64 nrows = std::min(rowtile, nindiv - k + 1);
@@ -38,22 +32,23 @@ void readgenotypes(const state &s, genotypeset &set, int64 currentgen)
                 in.skipwords(1);
                 in.alleles(rows.data() + r * n, n);
             }
-            transposebytes(rows.data(), n, set.genos.column(column) + k - 1, nindiv, nrows, n);
+            transposebytes(rows.data(), n, genos.column(column) + k - 1, nindiv, nrows, n);
         }
         column += n;
     }
 }
 
-void writegenotypes(const genotypeset &set, int64 startindiv)
+void writegenotypes(const state &s, qtnset set, int64 startindiv)
 {
-    const int64 nindiv = set.genos.extent1().size(), n = set.genos.extent2().size();
+    const array2<int8> &genos = s.loci.sets[set].qtngenos;
+    const int64 nindiv = genos.extent1().size(), n = genos.extent2().size();
     outfile out;
-    out.openandkeepfixed(qtngenotypefile(set.name), startindiv - 1, 20 + 2 * n + 1);
+    out.openandkeepfixed(qtngenotypefile(set), startindiv - 1, 20 + 2 * n + 1);
     std::vector<int8> rows(static_cast<std::size_t>(rowtile * n));
     textline id;
     for (int64 k = 1; k <= nindiv; k += rowtile) {
         const int64 nrows = std::min(rowtile, nindiv - k + 1);
-        transposebytes(set.genos.data() + k - 1, nindiv, rows.data(), n, n, nrows);
+        transposebytes(genos.data() + k - 1, nindiv, rows.data(), n, n, nrows);
         for (int64 r = 0; r < nrows; ++r) {
             id.clear();
             puti(id, startindiv + k - 1 + r, 20);
@@ -68,24 +63,18 @@ void writegenotypes(const genotypeset &set, int64 startindiv)
 }
 } // namespace
 
-void compileqtngenotypes(state &s, int64 currentgen, int64 startindiv,
-                         [[maybe_unused]] int64 endindiv)
+void compileqtngenotypes(state &s, int64 currentgen, int64 startindiv)
 {
-    const auto compile = [&](genotypeset set) {
+    for (const qtnset set : setsinuse(s)) {
         readgenotypes(s, set, currentgen);
-        writegenotypes(set, startindiv);
-    };
-    compile({"Unrestricted", s.loci.nqtnonthischrom, s.loci.allqtngenosunres});
-    compile({"Restricted", s.loci.nqtnonthischrom, s.loci.allqtngenosrestr});
-    if (s.selection.recombselonoff)
-        compile({"Recombination", s.loci.nqtnrecombonthischrom, s.loci.allqtngenosrecomb});
+        writegenotypes(s, set, startindiv);
+    }
     if (s.editing.geneditonoff) writefixedqtn(s, currentgen);
 }
 
 void writefixedqtn(state &s, int64 currentgen)
 {
-    const bool unrestricted = s.qtn.qtnmodel == 1 || s.qtn.qtnmodel == 3;
-    const array2<int8> &genos = unrestricted ? s.loci.allqtngenosunres : s.loci.allqtngenosrestr;
+    const array2<int8> &genos = s.loci.sets[setofselection(s)].qtngenos;
     const int64 nindiv = s.pop.nindivinthisgen(currentgen);
     outfile out;
     textline line;

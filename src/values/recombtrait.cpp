@@ -4,7 +4,6 @@
 #include "pedigree/pedigree.h"
 #include "sortstat.h"
 #include "textlayout.h"
-#include "values/qtnfiles.h"
 #include "values/qtnsums.h"
 
 #include <algorithm>
@@ -26,9 +25,10 @@ void readrecombcount(state &s, int64 currentgen)
 
 void addrawvalues(state &s, int64 startindiv, int64 endindiv)
 {
-    sumoverqtn(s.loci.allqtngenosrecomb, s.loci.ntotqtnrecomb, {&s.values.tbvrecomb(startindiv)},
+    const qtnsetdata &set = s.loci.sets[qtnset::recombination];
+    sumoverqtn(set.qtngenos, s.loci.ntotqtnrecomb, {&s.values.tbvrecomb(startindiv)},
                endindiv - startindiv + 1, [&](int64 q, const double *x, double *sums) {
-                   adddeviations(sums, x, s.loci.addeffrecomb(q), s.loci.allqtnfreqrecomb(q));
+                   adddeviations(sums, x, s.loci.addeffrecomb(q), set.referencefreq(q));
                });
 }
 
@@ -83,7 +83,6 @@ void writevalues(const state &s, int64 currentgen, int64 startindiv, int64 endin
 
 void computetbvrecomb(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
 {
-    readrecombinationeffects(s);
     readrecombcount(s, currentgen);
     addrawvalues(s, startindiv, endindiv);
     standardise(s, startindiv, endindiv);

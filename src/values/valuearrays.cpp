@@ -1,7 +1,5 @@
 #include "values/valuearrays.h"
 
-#include "traits/effectarrays.h"
-
 void makevaluearrays(state &s, arrayscope &arrays)
 {
     valuedata &v = s.values;
@@ -15,19 +13,19 @@ void makevaluearrays(state &s, arrayscope &arrays)
         arrays.make(*a, s.pop.nindivp);
     arrays.make(s.haplo.recombcount, s.pop.nindivp, 2);
 
-    arrays.make(s.loci.allqtnfrequnres, s.loci.ntotqtn);
-    arrays.make(s.loci.allqtnfreqrestr, s.loci.ntotqtn);
-    makeadditivearrays(s, arrays);
-    if (s.qtn.dominonoff) makedominancearrays(s, arrays);
-    if (!s.selection.recombselonoff) return;
-    arrays.make(s.loci.allqtnfreqrecomb, s.loci.ntotqtnrecomb);
-    arrays.make(s.loci.addeffrecomb, s.loci.ntotqtnrecomb);
+    for (const qtnset set : setsinuse(s)) {
+        arrays.make(s.loci.sets[set].referencefreq, s.loci.ntot(set));
+        arrays.make(s.loci.sets[set].currentfreq, s.loci.ntot(set));
+    }
+    for (qtnmodeldata &model : s.loci.models) {
+        arrays.make(model.alpha, s.loci.ntotqtn, ntraits);
+        if (s.qtn.dominonoff) arrays.make(model.domeff, s.loci.ntotqtn, ntraits);
+    }
+    if (s.selection.recombselonoff) arrays.make(s.loci.addeffrecomb, s.loci.ntotqtnrecomb);
 }
 
 void makegenotypetables(state &s, arrayscope &arrays)
 {
-    arrays.make(s.loci.allqtngenosunres, s.values.nindivinsimulrun, s.loci.ntotqtn);
-    arrays.make(s.loci.allqtngenosrestr, s.values.nindivinsimulrun, s.loci.ntotqtn);
-    if (s.selection.recombselonoff)
-        arrays.make(s.loci.allqtngenosrecomb, s.values.nindivinsimulrun, s.loci.ntotqtnrecomb);
+    for (const qtnset set : setsinuse(s))
+        arrays.make(s.loci.sets[set].qtngenos, s.values.nindivinsimulrun, s.loci.ntot(set));
 }

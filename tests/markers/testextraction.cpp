@@ -32,6 +32,13 @@ class genotypefiles : public infolder
         for (int64 b = 1; b <= nblock; ++b)
             s.haplo.tmpgenome(nindiv, b, 2) = s.haplo.tmpgenome(nindiv, b, 1);
     }
+    // Sites of the chip and of all sets.
+    void setnumbers(int64 nsites)
+    {
+        s.loci.nsnponthischipchrom.allocate(2, 3, nsites);
+        s.loci.nqtnonthischrom.allocate(3, nsites);
+        s.loci.nqtnrecombonthischrom.allocate(3, nsites);
+    }
     // An information file with the sites.
     void writeinformation(const std::string &file, const sitelist &sites)
     {
@@ -83,14 +90,13 @@ TEST_F(genotypefiles, everySetAndEveryDensity)
         lists[4].push_back(site);
     }
     for (const sitelist &sites : lists) {
-        const int64 n = static_cast<int64>(sites.size());
         for (const char *file : {"Chip2SnpInformation.txt", "UnRestrictedQtnInformation.txt",
                                  "RestrictedQtnInformation.txt", "RecombinationQtnInformation.txt"})
             writeinformation(file, sites);
-        fillarray(s, 3, 2, 4, 41, 45, 7, 60, n);
-        fillqtnunrestricted(s, 3, 4, 41, 45, 7, 60, n);
-        fillqtnrestricted(s, 3, 11, 41, 45, 7, 60, n);
-        fillqtnrecombination(s, 3, 4, 41, 45, 7, 60, n);
+        setnumbers(static_cast<int64>(sites.size()));
+        fillarray(s, 3, 2, 4, 41, 45);
+        for (const qtnset set : qtnsets)
+            fillqtn(s, 3, set, set == qtnset::restricted ? 11 : 4, 41, 45);
         expectfiles("Chip2", 4, sites);
         expectfiles("UnrestrictedQtn", 4, sites);
         expectfiles("RestrictedQtn", 11, sites);
@@ -114,7 +120,7 @@ TEST_F(genotypefiles, everySetAndEveryDensity)
 TEST_F(genotypefiles, sequenceRecords)
 {
     makegenomes(3, 35); // more blocks than are expanded at once
-    writeoutindivphase(s, 3, 2, 41, 43, 35, 60);
+    writeoutindivphase(s, 3, 2, 41, 43);
     framereader phases(chromosome + "SequencePhaseGeneration2.bin");
     framereader genotypes(chromosome + "SequenceGenotypeGeneration2.bin");
     std::vector<int64> one(2101), two(2101), both(2101);
@@ -139,6 +145,7 @@ TEST_F(genotypefiles, sequenceRecords)
 TEST_F(genotypefiles, brokenInformation)
 {
     makegenomes(2, 1);
+    setnumbers(2);
     const std::string file = chromosome + "RestrictedQtnInformation.txt";
     for (const auto &[text, reason] : std::vector<std::pair<std::string, std::string>>{
              {"1 5 0.1 0.1\n", "ends after line 1"},
@@ -147,7 +154,7 @@ TEST_F(genotypefiles, brokenInformation)
              {"1 5 0.1 0.1\n2 61 0.1 0.1\n", "line 2: site 61 is beyond the 60 sites"},
              {"1 five 0.1 0.1\n", "line 1: an integer is wanted"}}) {
         writefile(file, text);
-        const outcome bad = runbody([&] { fillqtnrestricted(s, 3, 1, 41, 42, 1, 60, 2); });
+        const outcome bad = runbody([&] { fillqtn(s, 3, qtnset::restricted, 1, 41, 42); });
         EXPECT_EQ(bad.code(), -2);
         EXPECT_NE(bad.stop.reason.find(file + ": " + reason), std::string::npos) << bad.stop.reason;
     }

@@ -72,12 +72,11 @@ TEST_F(effectstage, classesofqtn)
     s.loci.ntotqtn = s.loci.ntotqtngamma = 100;
     arrayscope arrays;
     makeeffectarrays(s, arrays);
-    s.loci.allqtnfrequnres.fill(0.5);
-    s.loci.allqtnfreqrestr.fill(0.5);
-    s.loci.addeffnormalunres.fill(0.25);
-    s.loci.addeffnormalrestr.fill(1.0);
-    s.loci.addeffnormalrestr(17, 1) = -std::sqrt(99 * 1.5);
-    for (int64 q = 1; q <= 32; ++q) s.loci.addeffgammarestr(3 * q, 1) = 0.5;
+    for (const qtnset set : traitsets) s.loci.sets[set].referencefreq.fill(0.5);
+    s.loci.model(1).addeff.fill(0.25);
+    s.loci.model(2).addeff.fill(1.0);
+    s.loci.model(2).addeff(17, 1) = -std::sqrt(99 * 1.5);
+    for (int64 q = 1; q <= 32; ++q) s.loci.model(4).addeff(3 * q, 1) = 0.5;
     const outcome result = runbody([&] { classifyqtns(s); });
     const auto lines = readlines("SimulatedData/ProportionOfVariationExplainedByNumberOfQtn.txt");
     ASSERT_EQ(lines.size(), 6U);

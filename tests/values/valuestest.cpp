@@ -88,7 +88,8 @@ TEST_F(values, residualcovariancesandheritability)
                 s.values.tbv(i, p, j) = std::sqrt(static_cast<double>(p)) * gasdev(s.random);
     computevaravardvare(s, 1, n);
     workoutresidualcovariances(s);
-    s.values.cholcove.fill(-1); // taken back from the files
+    s.values.cholcove.fill(-1);
+    readresidualfactors(s);
     computetpv(s, 1, 1, n);
     const double count = static_cast<double>(n);
     const auto residual = [&](int64 i, int64 p, int64 j) {
@@ -133,11 +134,12 @@ TEST_F(values, recombinationtraitbyhand)
     makevaluearrays(s, arrays);
     makegenotypetables(s, arrays);
     for (int64 i = 1; i <= 8; ++i) s.pedi.ped(i).newid = i;
-    writefile("SimulatedData/RecombinationQtnInformationEffects.txt",
-              "title\n 1 1 7 0.5 0.5 0.25 1.0\n");
+    qtnsetdata &set = s.loci.sets[qtnset::recombination];
+    set.referencefreq(1) = 0.5;
+    s.loci.addeffrecomb(1) = 1;
     writefile("SimulatedData/RecombinationCount.txt",
               " 1 2 3\n 2 0 1\n 3 4 4\n 4 5 0\n 5 1 1\n 6 2 2\n 7 3 3\n 8 4 4\n");
-    for (int64 k = 1; k <= 4; ++k) s.loci.allqtngenosrecomb(k, 1) = k % 2 == 0 ? 2 : 0;
+    for (int64 k = 1; k <= 4; ++k) set.qtngenos(k, 1) = k % 2 == 0 ? 2 : 0;
     computetbvrecomb(s, 1, 1, 4);
     const double z = std::sqrt(0.75 / 8);
     EXPECT_NEAR(s.values.tbvrecombz(1), -z, 1e-15);
@@ -147,10 +149,9 @@ TEST_F(values, recombinationtraitbyhand)
     EXPECT_NEAR(s.values.varerecomb, 0.25, 1e-15);
 
     // The same genotype for all: no variance, whatever rounding does to the mean.
-    s.loci.allqtnfreqrecomb(1) = 0.1;
-    writefile("SimulatedData/RecombinationQtnInformationEffects.txt",
-              "title\n 1 1 7 0.1 0.1 0.25 0.7\n");
-    s.loci.allqtngenosrecomb.fill(1);
+    set.referencefreq(1) = 0.1;
+    s.loci.addeffrecomb(1) = 0.7;
+    set.qtngenos.fill(1);
     computetbvrecomb(s, 2, 5, 8);
     for (int64 i = 5; i <= 8; ++i) {
         EXPECT_EQ(s.values.tbvrecombz(i), 0);
