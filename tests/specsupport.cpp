@@ -58,13 +58,23 @@ spectext &spectext::set(const std::string &key, const std::string &values)
 
 spectext &spectext::change(const std::string &changes)
 {
-    std::istringstream in(changes);
-    for (std::string line; std::getline(in >> std::ws, line, ';');) {
-        const std::size_t comma = line.find(',');
+    for (std::size_t at = 0, end; at < changes.size(); at = end + 2) {
+        end = std::min(changes.find("; ", at), changes.size());
+        const std::string line = changes.substr(at, end - at);
+        const std::size_t mark = line.find_first_of(",=<");
+        const std::string key = line.substr(0, mark);
         if (line.starts_with('-'))
             remove(line.substr(1));
+        else if (line.starts_with('+'))
+            append(line.substr(1));
+        else if (mark == std::string::npos)
+            throw std::invalid_argument("no change of a specification: " + line);
+        else if (line[mark] == '=')
+            replace(key, line.substr(mark + 1));
+        else if (line[mark] == '<')
+            movebefore(key, line.substr(mark + 1));
         else
-            set(line.substr(0, comma), line.substr(comma + 1));
+            set(key, line.substr(mark + 1));
     }
     return *this;
 }
@@ -129,14 +139,15 @@ spectext documentedspec()
 spectext goodspec()
 {
     static const spectext good = documentedspec().change(
-        "NumberOfIndividualsInEachGeneration,Constant,20;"
-        "NumberOfSiresInEachGeneration,Constant,4; NumberOfDamsInEachGeneration,Constant,10;"
-        "NumberOfChromosomes,2; PopulationHistoryMaCS,InternalTest; NumberOfHaplotypes,40;"
-        "EffectivePopulationSizeBaseMaCS,Value,100; NumberOfSnpChips,1; nSnpPerChipPerChromosme,20;"
-        "MinMaxAlleleFreqForSnp,0,1; IdOfChipUsedForSelection,1;"
-        "NumberOfQtnPerChromosomeNormalDist,10; NumberOfQtnPerChromosomeGammaDist,10;"
-        "MinMaxAlleleFreqForModel2And4,0,0.5; DominanceDegreeMeanAndVariance,0.1,0.2;"
-        "SelectionMethod,Tbv; TrainingSetSizeForRandomPhenotypesStrat,20; NumberOfTraits,1;"
+        "NumberOfIndividualsInEachGeneration,Constant,20; "
+        "NumberOfSiresInEachGeneration,Constant,4; NumberOfDamsInEachGeneration,Constant,10; "
+        "NumberOfChromosomes,2; PopulationHistoryMaCS,InternalTest; NumberOfHaplotypes,40; "
+        "EffectivePopulationSizeBaseMaCS,Value,100; NumberOfSnpChips,1; "
+        "nSnpPerChipPerChromosme,20; "
+        "MinMaxAlleleFreqForSnp,0,1; IdOfChipUsedForSelection,1; "
+        "NumberOfQtnPerChromosomeNormalDist,10; NumberOfQtnPerChromosomeGammaDist,10; "
+        "MinMaxAlleleFreqForModel2And4,0,0.5; DominanceDegreeMeanAndVariance,0.1,0.2; "
+        "SelectionMethod,Tbv; TrainingSetSizeForRandomPhenotypesStrat,20; NumberOfTraits,1; "
         "IndexWeights,1; TraitHeritability,0.5; TraitGeneticVariance,1; -0.3 1.0; -0.1 1.0");
     return good;
 }

@@ -14,7 +14,8 @@ class spectext
     // The key's line gets these values ("Constant,10"); a key that is absent is appended.
     spectext &set(const std::string &key, const std::string &values);
     spectext &remove(const std::string &key);
-    // Several such changes, behind one another: "NumberOfTraits,1; -PedigreeStatus".
+    // Several such changes, behind one another: "NumberOfTraits,1; -PedigreeStatus". Beside these
+    // two there are "Key=line" for replace, "Key<Other" for movebefore, and "+line" for append.
     spectext &change(const std::string &changes);
     // Another line in the place of the key's.
     spectext &replace(const std::string &key, const std::string &line);

@@ -67,49 +67,6 @@ TEST_F(macsprogram, samebytesfromsameseed)
     EXPECT_LT(linesof(none.err).size(), 10u);
 }
 
-TEST_F(macsprogram, refusalsareclear)
-{
-    writefile("order", "0.1 0.3 3\n\n0.2 0.4 2\n");
-    writefile("outside", "0.1 1.3 3\n");
-    writefile("flat", "0.1 0.1 3\n");
-    writefile("stars", "  0.40000000  0.40010000************\n");
-    writefile("empty", "\n");
-    const std::string good = "10 1000 -t 1e-3 -r 1e-3 ";
-    const std::vector<std::pair<std::string, std::string>> refusals = {
-        {"", "N, the number of haplotypes, is missing"},
-        {"1 1000 -t 1e-3", "must be 2 or more"},
-        {"2.5 1000 -t 1e-3", "not \"2.5\""},
-        {"10 0 -t 1e-3", "must be positive"},
-        {"10 1000", "-t is missing"},
-        {"10 1000 -t fast", "not \"fast\""},
-        {"10 1000 -t nan", "not \"nan\""},
-        {"10 1000 -t 1e-3 -t 1e-3", "-t is given twice"},
-        {good + "-eN 0.5", "size of -eN is missing"},
-        {good + "-eN 0.5 0", "size of -eN must be positive"},
-        {good + "-eN 0.5 2 -eN 0.50 3", "at one time"},
-        {good + "-s 1.5", "not \"1.5\""},
-        {good + "-h 2", "-h"},
-        {good + "-i 0", "1 or more"},
-        {good + "-q 3", "\"-q\" is no option"},
-        {good + "-F frequencies.txt 0", "ascertainment"},
-        {good + "-G 2", "growth"},
-        {good + "-em 1 1 2 3", "migration"},
-        {good + "-R absent", "absent: can't open"},
-        {good + "-R order", "line 3: regions must stand in rising order"},
-        {good + "-R outside", "from 0 to 1"},
-        {good + "-R flat", "stop behind its start"},
-        {good + "-R stars", "************"},
-        {good + "-R empty", "holds no region"},
-    };
-    for (const auto &[options, message] : refusals) {
-        const commandresult run = runcommand(program + " " + options);
-        EXPECT_NE(run.status, 0) << options;
-        EXPECT_NE(run.err.find(message), std::string::npos) << options << " got " << run.err;
-        EXPECT_TRUE(run.out.starts_with("COMMAND:\t")) << options;
-        EXPECT_EQ(run.out.find("SEED:"), std::string::npos) << options;
-    }
-}
-
 TEST_F(macsprogram, regionfiles)
 {
     // The third field of a fixed layout fills its 12 columns from 100 on.
@@ -158,13 +115,4 @@ TEST_F(macsprogram, wrapperofthemanualgivesseeds)
     }
     EXPECT_NE(seeds[0], seeds[1]);
     EXPECT_EQ(seeds[0], seeds[2]);
-}
-
-TEST_F(macsprogram, unwritableoutputisafailure)
-{
-    for (const char *target : {" >/dev/full", " >&-"}) {
-        const commandresult run = runcommand(program + " 10 1000000 -t 0.16E-04 -s 3" + target);
-        EXPECT_NE(run.status, 0) << target;
-        EXPECT_NE(run.err.find("standard output"), std::string::npos) << run.err;
-    }
 }

@@ -1,12 +1,8 @@
 #include "spec/readinparameters.h"
 
-#include "spec/specreader.h"
 #include "specsupport.h"
 #include "testsupport.h"
-#include "textlayout.h"
-#include "words.h"
 
-#include <map>
 #include <random>
 
 namespace
@@ -52,31 +48,6 @@ spectext twotraits(const std::string &changes = "")
         .replace("ResidualCorrelationMatrix", "ResidualCorrelationMatrix\n1.0\n -0.3\t1.5d0 7");
 }
 
-// A stop with the code (-1 for a plain one, 0 for none), and these lines at the end of the output.
-void expectstop(const spectext &spec, int64 code, const std::string &lines)
-{
-    const outcome result = readspec(spec).result;
-    EXPECT_EQ(result.code(), code) << result.output;
-    EXPECT_TRUE(("\n" + result.output).ends_with("\n" + lines)) << "wanted at the end:\n"
-                                                                << lines << "\nbut the output is:\n"
-                                                                << result.output;
-}
-
-// The stop of a key, with its message.
-void expectkeystop(const spectext &spec, const std::string &key)
-{
-    const speckey *k = findkey(tlc(key));
-    ASSERT_NE(k, nullptr) << key;
-    expectstop(spec, k->code, *k->message ? k->message + std::string("\n") : "");
-}
-
-// The key of the first of some changes.
-std::string keyof(const std::string &changes)
-{
-    const std::size_t begin = changes.starts_with('-') ? 1 : 0;
-    return changes.substr(begin, changes.find_first_of(",;") - begin);
-}
-
 class readinparametersspec : public infolder
 {
 };
@@ -101,146 +72,6 @@ TEST_F(readinparametersspec, readsthegoodspecification)
     EXPECT_EQ(s.selection.selphenstrat, 0);
     EXPECT_EQ(s.selection.computeavercoancestryyes1no0, -1);
     EXPECT_FALSE(s.edits.idofgenomeeditinds.allocated());
-}
-
-// For every key: a line without a value, and where a number or word is needed an empty value and
-// one that is no number, give the key's message and code.
-TEST_F(readinparametersspec, everykeyfailsbyitsownmessageandcode)
-{
-    // What has to be switched on, by the code of the key that is skipped otherwise.
-    const std::map<int64, const char *> switches = {
-        {39, "NumberOfGenerationsIncludingDoubledHaploids,1"},
-        {42, "GenerationFlexibilityOnOff,On"},
-        {44, "SelectionFlexibilityOnOff,On"},
-        {45, "SelectionFlexibilityOnOff,On"},
-        {48, "NumberOfMergeRuns,2"},
-        {88, "DistributionOfQtnForRecombination,Gamma"},
-        {93, "GeneEditingOnOff,On"},
-        {94, "GeneEditingOnOff,On"},
-        {95, "GeneEditingOnOff,On"},
-    };
-    const auto switchedon = [&](const speckey &key) {
-        spectext spec = key.code / 10 == 3 ? plantspec() : goodspec();
-        const auto it = switches.find(key.code);
-        return it == switches.end() ? spec : spec.change(it->second);
-    };
-    for (const speckey &key : allspeckeys()) {
-        if (key.code == 131 || key.code == 132) continue; // these take no value
-        expectkeystop(switchedon(key).replace(key.name, key.name), key.name);
-    }
-    const auto unreadable = [&](std::initializer_list<const char *> keys,
-                                std::initializer_list<const char *> values) {
-        for (const std::string key : keys)
-            for (const char *value : values)
-                expectkeystop(switchedon(*findkey(tlc(key))).set(key, value), key);
-    };
-    unreadable({"NumberGenerationsSelection", "NumberOfGenerationsIncludingDoubledHaploids",
-                "CreateDoubledHaploidsInTheseGenerations", "NumberOfMergeRuns",
-                "NumberOfChromosomes", "ImportAnExternalPedigreeForThisGeneration",
-                "IdOfChipUsedForSelection", "NumberOfQtnPerChromosomeNormalDist",
-                "NumberOfQtnPerChromForRecombination", "NumberOfGeneEditsPerIndividual",
-                "TrainingSetSizeForRandomPhenotypesStrat", "NumberOfTraits"},
-               {"", "x", "1.5", "2#two", "-1", "99999999999999999999"});
-    unreadable({"MutationalVarianceProportion", "HeritabilityOfRecombination", "IndexWeights",
-                "TraitHeritability", "GenomeCompression"},
-               {"", "x", "nan", "1e999"});
-    unreadable({"PerformSelfingInAtLeastOneGenerationYesNo", "MergeTypes", "SnpChipsAreNestedYesNo",
-                "DistributionOfQtnForRecombination", "EditTopOrBottom", "SelectionMethod",
-                "ComputeAverageCoancestryYesNo", "ZipSequenceOutputFilesYesNo"},
-               {""});
-    // Lists and pairs of another length, per-generation lists that end too early.
-    unreadable({"StartStopGeneration", "MinMaxAlleleFreqForSnp", "ShapeAndScaleOfGammaDist",
-                "DominanceDegreeMeanAndVariance", "SizeOfXvectPopulationAndMaxNbOfGenerations"},
-               {"1", "1,2,3"});
-    unreadable({"IndexWeights"}, {"0.5,0.5"});
-    unreadable({"NumberOfIndividualsInEachGeneration", "NumberOfSiresInEachGeneration",
-                "NumberOfSelfedParentsInEachGeneration"},
-               {"Variable,1,2,3", "Constant", "Constant,-5", "Constant,many"});
-    unreadable({"ChromosomeLengthMorgansMaCS", "ChromosomeLengthBasesMaCS", "MutationRateMaCS"},
-               {"1.5", "Value,ten", "Value,-1"});
-    unreadable({"MutationalVarianceProportion", "TraitGeneticVariance"}, {"-0.1"});
-    unreadable({"DominanceDegreeMeanAndVariance"}, {"0,-1"});
-    // What would reach paths and commands.
-    unreadable({"PedigreeStatus", "PopulationHistoryMaCS", "MergeFiles"}, {"my$(reboot)", "a;ls"});
-}
-
-// Counts beyond any use, keys that come before their arrays exist, and settings that would lead a
-// stage outside its arrays.
-TEST_F(readinparametersspec, noarrayismissed)
-{
-    // The first key of the changes is at fault; of several faults, the one that is told first.
-    for (const std::string changes : {
-             "NumberGenerationsBurnIn,-3",
-             "NumberGenerationsBurnIn,4000000000000000000",
-             "NumberOfSnpChips,-1",
-             "NumberOfTraits,90000",
-             "IdOfChipUsedForSelection,3; NumberOfSnpChips,2",
-             "DistributionOfQtnOfSelectionTraits,Gamma; NumberOfQtnPerChromosomeGammaDist,0",
-             "NumberOfQtnPerChromForRecombination,0; RecombinationOnOff,On",
-             "StartStopGeneration,1,6; GenerationFlexibilityOnOff,On",
-             "StartStopGeneration,0,3; GenerationFlexibilityOnOff,On",
-             "StartStopGeneration,3,2; GenerationFlexibilityOnOff,On",
-             "HeritabilityOfRecombination,1; TraitHeritability,0; RecombinationOnOff,On",
-             "TraitHeritability,0; -PedigreeStatus",
-             "-PedigreeStatus; -NumberGenerationsBurnIn; -NumberGenerationsSelection",
-             "-NumberGenerationsBurnIn; -NumberGenerationsSelection",
-             "-NumberGenerationsSelection; GeneDriveOnOff,On",
-             "-NumberOfIndividualsInEachGeneration; -NumberOfChromosomes",
-             "-NumberOfChromosomes; -GenerationFlexibilityOnOff",
-             "-GenerationFlexibilityOnOff",
-             "-StartStopGeneration; GenerationFlexibilityOnOff,On",
-         })
-        expectkeystop(changed(changes), keyof(changes));
-    expectkeystop(plantspec("NumberOfGenerationsIncludingDoubledHaploids,1; "
-                            "CreateDoubledHaploidsInTheseGenerations,6"),
-                  "CreateDoubledHaploidsInTheseGenerations");
-    // Keys before those that they depend on.
-    for (const auto &[key, other] : std::map<const char *, const char *>{
-             {"NumberOfIndividualsInEachGeneration", "NumberGenerationsBurnIn"},
-             {"nSnpPerChipPerChromosme", "NumberOfSnpChips"},
-             {"IndexWeights", "NumberOfTraits"},
-             {"GenerationFlexibilityOnOff", "PedigreeStatus"},
-             {"GeneDriveOnOff", "PedigreeStatus"}})
-        expectkeystop(changed("GeneDriveOnOff,On").movebefore(key, other), key);
-    expectkeystop(goodspec()
-                      .movebefore("AnimalBreedingOnOff", "NumberGenerationsSelection")
-                      .movebefore("NumberOfSiresInEachGeneration", "NumberGenerationsSelection"),
-                  "NumberOfSiresInEachGeneration");
-    // Arrays keep the size they were made with, so a later larger number has no room; and on the
-    // last record a set-up doesn't run.
-    for (const std::string line : {"NumberGenerationsSelection,3", "NumberOfSnpChips,2",
-                                   "NumberOfTraits,2", "GeneDriveOnOff,On"})
-        expectkeystop(goodspec().append(line), keyof(line));
-}
-
-// The numbered checks and the notes, by the paragraphs of checks.txt: changes of the specification,
-// the code (0 for none, -1 for a plain stop), and the lines that the output ends with.
-TEST_F(readinparametersspec, checksandnotesbytheirlines)
-{
-    std::string changes, lines;
-    int64 code = 0, nchecks = 0;
-    std::vector<std::string> table = readlines(sourcefolder() + "/tests/spec/checks.txt");
-    table.emplace_back();
-    for (const std::string &line : table) {
-        const std::size_t arrow = line.find(" -> ");
-        if (arrow != std::string::npos) {
-            changes = line.substr(0, arrow);
-            code = std::stoll(line.substr(arrow + 4));
-            lines.clear();
-        } else if (!line.empty()) {
-            lines += line + "\n";
-        } else {
-            expectstop(changed(changes), code, lines);
-            ++nchecks;
-        }
-    }
-    EXPECT_EQ(nchecks, 37);
-    // One line ends with a blank.
-    expectstop(changed("SelectionMethod,GBlup; RecombinationOnOff,On; "
-                       "SelectionPhenotypingStrategy,AllMales; NumberGenerationsBurnIn,1"),
-               100023,
-               "ERROR: Number of burn-in generations must be at least 2 when selecting \n"
-               "for recombination using AllMales as selection strategy\n");
 }
 
 TEST_F(readinparametersspec, setsnumbersfromwords)
@@ -327,10 +158,6 @@ TEST_F(readinparametersspec, recordsandkeyforms)
     EXPECT_EQ(r.s.traits.core(1, 2), -0.3);
     EXPECT_EQ(r.s.traits.core(2, 2), 1.5);
     EXPECT_EQ(r.s.traits.indexwt(2), 0.75);
-    expectstop(twotraits().replace("KeepChromosomesFolderYesNo", "0.1,0.2"), 100000,
-               "Line was unexpected: 0.1\n");
-    expectkeystop(twotraits().replace("1.0 9 9", "x1,0"), "GeneticCorrelationMatrix");
-    expectkeystop(twotraits().replace("1.0", "x1,0"), "ResidualCorrelationMatrix");
 }
 
 TEST_F(readinparametersspec, skippedandtoleratedvalues)
@@ -352,8 +179,6 @@ TEST_F(readinparametersspec, skippedandtoleratedvalues)
     EXPECT_EQ(r.s.chips.maxsnpfreq, 1);
     EXPECT_EQ(r.s.chips.nsnpperchipperchrom(1), 1);
     EXPECT_TRUE(r.s.chips.usesnpchiponoff);
-    expectkeystop(changed("UseSnpChipOnOff,Off; MinMaxAlleleFreqForSnp,0.1"),
-                  "MinMaxAlleleFreqForSnp");
 
     // Tolerated bad values leave the variable; the list of chips is read as far as it goes.
     r = readpassing(changed("NumberOfSnpChips,4; nSnpPerChipPerChromosme,100,,50,x,7; "

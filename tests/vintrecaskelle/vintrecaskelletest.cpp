@@ -33,19 +33,6 @@ commandresult runformatter(const std::string &argument)
     return runcommand(binfolder() + "/Vintrecaskelle " + argument);
 }
 
-// Refused: a message, a bad status, and not one of the files, also none of an earlier run.
-void expectrefused(const std::string &output, const std::string &message,
-                   const std::string &argument = "3")
-{
-    for (const char *name : {"SegSites.txt", "PhysicalMapInput.txt", "MacsHaplotypes.txt"})
-        writefile(name, " 1\n");
-    writefile("output.txt", output);
-    const commandresult result = runformatter(argument);
-    EXPECT_NE(result.status, 0) << output;
-    EXPECT_NE(result.err.find(message), std::string::npos) << result.err;
-    EXPECT_EQ(runcommand("ls").out, "output.txt\n") << output;
-}
-
 const std::vector<simulatedsite> threesites = {
     {" 8.36780906e-05", "010"}, {"  0.00816364108", "111"}, {"              1", "001"}};
 } // namespace
@@ -99,40 +86,4 @@ TEST_F(formatter, transposeexactly)
         EXPECT_TRUE(readfile("MacsHaplotypes.txt") == expected) << nhaps << " " << nsites;
         EXPECT_EQ(readlines("PhysicalMapInput.txt").size(), selected.size());
     }
-}
-
-// Cut anywhere but behind the "SEED:" line and within the last word, it is a broken run.
-TEST_F(formatter, refuseeverycut)
-{
-    const std::string whole = outputof(3, threesites, {0, 1, 2});
-    const std::size_t afterseed = whole.find("SITE:");
-    for (std::size_t n = 0; n + 2 <= whole.size(); n += 7)
-        if (n != afterseed) expectrefused(whole.substr(0, n), "ERROR: output.txt: ");
-    expectrefused(whole.substr(0, whole.find("TOTAL")), "3 sites without the closing block");
-}
-
-TEST_F(formatter, refuseforeigninput)
-{
-    const std::string whole = outputof(3, threesites, {0, 1, 2});
-    const auto changed = [&](const std::string &from, const std::string &to) {
-        std::string text = whole;
-        return text.replace(text.find(from), from.size(), to);
-    };
-    expectrefused("COMMAND:\t./macs -q 3\nUsage: <samplesize> <region>\n", "\"SEED:\"");
-    expectrefused("COMMAND:\t./macs 3\n", "ends after line 1");
-    expectrefused(changed("SEED:\t1284", "SEED:\tnone"), "line 2");
-    expectrefused(changed("SITE:\t1\t", "SITE:\t2\t"), "site 2 stands where site 1 is due");
-    expectrefused(changed("0.00816364108", "0.0000000108"), "before that of the site before");
-    expectrefused(changed("0.00816364108", "1.00816364108"), "not between 0 and 1");
-    expectrefused(changed("\t111", "\t121"), "one word of 0 and 1");
-    expectrefused(changed("\t111", "\t11"), "2 alleles");
-    expectrefused(changed("TOTAL_SAMPLES:\t3", "TOTAL_SAMPLES:\t4"), "3 haplotypes");
-    expectrefused(changed("TOTAL_SITES:\t3", "TOTAL_SITES:\t2"), "TOTAL_SITES: says 2");
-    expectrefused(changed("0\t1\t2\n", "0\t2\t1\n"), "not the next index");
-    expectrefused(whole + whole.substr(whole.find("SITE:")), "second chromosome");
-    expectrefused(whole, "3 alleles, asked for are 4", "4");
-    runcommand("rm output.txt");
-    EXPECT_NE(runformatter("3").err.find("output.txt"), std::string::npos);
-    for (const char *argument : {"", "0", "-3", "3 3", "three"})
-        EXPECT_NE(runformatter(argument).err.find("Vintrecaskelle N"), std::string::npos);
 }
