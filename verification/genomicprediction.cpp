@@ -3,7 +3,7 @@
 #include "Quillomere/snpblup.h"
 #include "Quillomere/trainingset.h"
 
-#include "quillomere/genomicproblem.h"
+#include "genomicproblem.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,8 @@
 // Genomic relationships: the program against sums over loci taken one by one here, the base on
-// which the cycles of a programme stand, which file is taken, and refusals.
+// which the cycles of a programme stand, which file is taken.
 #include "Brenvask/brenvask.h"
 
+#include "evaluation/relationshipruns.h"
 #include "evaluationsupport.h"
 #include "testsupport.h"
 
@@ -15,47 +16,17 @@ const std::string testfile = "TmpChip1GenotypeTest.txt",
                   lastfile = "TmpChip1GenotypeLastGeneration.txt",
                   frequencyfile = "GFullMatrixAlleleFreq.txt", result = "GFullMatrix1-1.txt";
 
-// The specification as the system writes it.
-void writespec(const std::string &genotypefile, int64 nsnp, const std::string &earlier = "Off")
+// The specification as the system writes it, from the folder of the cycle.
+void writespec(const std::string &genotypefile, int64 nsnp,
+               relationshipbase base = relationshipbase::present)
 {
-    const std::string text =
-        "#####################Input parameters#####################################\n"
-        " GenotypeFile               ,GENOTYPES\n"
-        " PedigreeFile               ,None\n"
-        " WeightFile                 ,None\n"
-        " NumberOfTraits             ,1\n"
-        " NumberOfSnp                , NSNP\n"
-        " InversionOfG               ,Ordinary\n"
-        " DiagonalFudgeFactor        ,0.001\n"
-        "#####################Matrices to be constructed###########################\n"
-        " MakeG                      ,Yes\n"
-        " MakeGinverse               ,No\n"
-        " MakeA                      ,No\n"
-        " MakeAinverse               ,No\n"
-        " MakeH                      ,No\n"
-        " MakeHinverse               ,No\n"
-        "#####################Option for G matrices only to use inside Solvanto####\n"
-        " UseAlleleFreqFromAPreviousSelCycleOnOff     ,EARLIER\n"
-        " UseAlleleFreqFromThisSelCycle               ,1\n"
-        "##############################Output options##############################\n"
-        " VanRadenGFullMat      ,Yes\n"
-        " VanRadenGIJA        ,No\n"
-        " InverseVanRadenGFullMat   ,No\n"
-        " InverseVanRadenGIJA     ,No\n"
-        " AmatFullMat         ,No\n"
-        " AmatIJA           ,No\n"
-        " InverseAmatFullMat      ,No\n"
-        " InverseAmatIJA        ,No\n"
-        " HmatFullMat         ,No\n"
-        " HmatIJA           ,No\n"
-        " InverseHmatFullMat      ,No\n"
-        " InverseHmatIJA        ,No\n";
-    std::string filled = text;
-    for (const auto &[mark, value] : {std::pair{std::string("GENOTYPES"), genotypefile},
-                                      {"NSNP", std::to_string(nsnp)},
-                                      {"EARLIER", earlier}})
-        filled.replace(filled.find(mark), mark.size(), value);
-    writefile("BrenvaskSpec.txt", filled);
+    state s;
+    s.loci.nsnpforsel = nsnp;
+    s.selection.selmethindicator = genotypefile == "None" ? 1 : 2;
+    const fs::path here = fs::current_path();
+    fs::current_path("../..");
+    writebrenvaskspec(s, here.string().back() - '0', base, genotypefile);
+    fs::current_path(here);
 }
 
 genotyperows drawgenotypes(std::size_t n, std::size_t nsnp, double missing, unsigned seed)
@@ -173,25 +144,25 @@ TEST_F(brenvaskinfolder, cyclesstandononebase)
     const std::vector<double> base = frequencies(first);
     const std::string stored = "../SelectionFolder1/" + frequencyfile;
     writefile(testfile, genotypetext(first, 1));
-    for (const char *earlier : {"Off", "On"}) {
+    for (const relationshipbase earlier : {relationshipbase::present, relationshipbase::first}) {
         writespec(testfile, 60, earlier);
         const std::string report = reportof(brenvask);
         EXPECT_NE(report.find("Allele frequencies: those of " + testfile), std::string::npos);
         EXPECT_EQ(report.find("this is cycle 1 itself") != std::string::npos,
-                  earlier == std::string("On"));
+                  earlier == relationshipbase::first);
         expectmatrix(directly(first, base), 1);
     }
     const std::string frequenciesoffirst = readfile(frequencyfile);
 
     writefile(lastfile, genotypetext(last, 13));
-    writespec(lastfile, 60, "On");
+    writespec(lastfile, 60, relationshipbase::first);
     EXPECT_NE(reportof(brenvask).find("Allele frequencies: those of " + stored), std::string::npos);
     expectmatrix(directly(last, base), 13);
     EXPECT_EQ(readfile(frequencyfile), frequenciesoffirst);
 
     gotocycle(2);
     writefile(testfile, genotypetext(second, 13));
-    writespec(testfile, 60, "On");
+    writespec(testfile, 60, relationshipbase::first);
     EXPECT_NE(reportof(brenvask).find("Allele frequencies: those of " + stored), std::string::npos);
     expectmatrix(directly(second, base), 13);
     for (std::size_t j = 0; j < 60; ++j) // its own are stored all the same, exactly
@@ -200,7 +171,7 @@ TEST_F(brenvaskinfolder, cyclesstandononebase)
     // Other loci, and no frequencies at all: the present file's, said aloud.
     const genotyperows fewer = drawgenotypes(9, 59, 0, 4);
     writefile(testfile, genotypetext(fewer, 13));
-    writespec(testfile, 59, "On");
+    writespec(testfile, 59, relationshipbase::first);
     EXPECT_NE(
         reportof(brenvask).find("WARNING: " + stored + " holds 60 loci, " + testfile + " has 59"),
         std::string::npos);
@@ -217,7 +188,7 @@ TEST_F(brenvaskinfolder, nofilenamed)
     const genotyperows test = drawgenotypes(6, 30, 0, 1), last = drawgenotypes(5, 30, 0, 2);
     writefile(testfile, genotypetext(test, 1));
     writefile("TmpChip1GenotypeTestScaled.txt", "");
-    writespec("None", 30, "On");
+    writespec("None", 30, relationshipbase::first);
     EXPECT_NE(reportof(brenvask).find("taking " + testfile), std::string::npos);
     expectmatrix(directly(test, frequencies(test)), 1);
     writefile(lastfile, genotypetext(last, 7));

@@ -4,6 +4,7 @@
 
 #include "Corvalind/candidates.h"
 #include "evaluationsupport.h"
+#include "testsupport.h"
 
 #include <algorithm>
 #include <cmath>

@@ -117,31 +117,6 @@ TEST_F(genotypefiles, everySetAndEveryDensity)
         EXPECT_EQ(line.size(), 20u);
 }
 
-TEST_F(genotypefiles, sequenceRecords)
-{
-    makegenomes(3, 35); // more blocks than are expanded at once
-    writeoutindivphase(s, 3, 2, 41, 43);
-    framereader phases(chromosome + "SequencePhaseGeneration2.bin");
-    framereader genotypes(chromosome + "SequenceGenotypeGeneration2.bin");
-    std::vector<int64> one(2101), two(2101), both(2101);
-    for (int64 k = 1; k <= 3; ++k) {
-        phases.record(one.data(), 8 * 2101);
-        phases.record(two.data(), 8 * 2101);
-        genotypes.record(both.data(), 8 * 2101);
-        EXPECT_EQ(one[0], 40 + k);
-        EXPECT_EQ(two[0], 40 + k);
-        EXPECT_EQ(both[0], 40 + k);
-        for (int64 site = 1; site <= 2100; ++site) {
-            const auto i = static_cast<std::size_t>(site);
-            ASSERT_EQ(one[i], allele(k, site, 1));
-            ASSERT_EQ(two[i], allele(k, site, 2));
-            ASSERT_EQ(both[i], one[i] + two[i]);
-        }
-    }
-    EXPECT_EQ(std::filesystem::file_size(chromosome + "SequencePhaseGeneration2.bin"),
-              6u * (2101 * 8 + 8));
-}
-
 TEST_F(genotypefiles, brokenInformation)
 {
     makegenomes(2, 1);

@@ -53,69 +53,6 @@ class readinparametersspec : public infolder
 };
 } // namespace
 
-TEST_F(readinparametersspec, readsthegoodspecification)
-{
-    const reading r = readpassing(goodspec());
-    EXPECT_EQ(r.result.output, "\nModelling population history using InternalTest\n");
-    const state &s = r.s;
-    EXPECT_EQ(s.pop.cumindivnbtogen(0), 0);
-    EXPECT_EQ(s.pop.cumindivnbtogen(4), 80);
-    EXPECT_EQ(s.pop.nsireinthisgen.upper(), 4);
-    EXPECT_EQ(s.pop.ndaminthisgen(4), 10);
-    EXPECT_TRUE(s.founders.internalmorgansmacs);
-    EXPECT_FALSE(s.founders.internaleffecpopsize);
-    EXPECT_EQ(s.founders.mutationratemacs, 2.5e-8);
-    EXPECT_EQ(s.qtn.nqtn, 20);
-    EXPECT_EQ(s.selection.selmethindicator, 2);
-    EXPECT_EQ(s.selection.selontbvyes1no0, 1);
-    // Selection on true values looks at no training data.
-    EXPECT_EQ(s.selection.selphenstrat, 0);
-    EXPECT_EQ(s.selection.computeavercoancestryyes1no0, -1);
-    EXPECT_FALSE(s.edits.idofgenomeeditinds.allocated());
-}
-
-TEST_F(readinparametersspec, setsnumbersfromwords)
-{
-    for (int64 model = 1; model <= 4; ++model) {
-        const std::string basis = model % 2 ? "Unrestricted" : "Restricted";
-        const std::string form = model > 2 ? "Gamma" : "NORMAL";
-        const reading r = readspec(changed("SelectionBasedOnRestrictedOrUnrestrictedQtn," + basis +
-                                           "; DistributionOfQtnOfSelectionTraits," + form));
-        EXPECT_EQ(r.s.qtn.qtnmodel, model);
-    }
-    const char *const strategies[] = {"AllPhenotypes",      "AllHistoricalPhenotypes",
-                                      "PreviousGeneration", "AllMales",
-                                      "RandomPhenotypes",   "SpecifiedIndiv"};
-    reading r;
-    for (int64 strategy = 1; strategy <= 6; ++strategy) {
-        r = readpassing(changed("SelectionMethod,PedigreeBlup; "
-                                "FixTheTrainingDataAcrossGenerationsOnOff,On; "
-                                "UseTrainingDataFromGeneration,5; "
-                                "ComputeAverageCoancestryYesNo,Yes")
-                            .set("SelectionPhenotypingStrategy", strategies[strategy - 1]));
-        EXPECT_EQ(r.s.selection.selphenstrat, strategy);
-        EXPECT_EQ(r.s.selection.selmethindicator, 1);
-        EXPECT_EQ(r.s.selection.selontbvyes1no0, 0);
-        EXPECT_EQ(r.s.selection.fixedtrainselcycle, 2);
-        EXPECT_EQ(r.s.selection.computeavercoancestryyes1no0, 1);
-    }
-    // Burn-in alone looks at no word of selection, and phenotypes leave the switch at 2.
-    r = readpassing(changed("NumberGenerationsSelection,0; SelectionMethod,Luck"));
-    EXPECT_EQ(r.s.qtn.qtnmodel, 0);
-    r = readpassing(changed("SelectionMethod,Pheno; NumberOfQtnPerChromosomeGammaDist,0"));
-    EXPECT_EQ(r.s.selection.selmethindicator, 3);
-    EXPECT_EQ(r.s.selection.selontbvyes1no0, 2);
-    EXPECT_EQ(r.s.qtn.nqtnmodels, 2);
-    // Lengths of the presets are single-precision constants, and the population comes first.
-    r = readpassing(changed("PopulationHistoryMaCS,InternalPig"));
-    EXPECT_EQ(r.s.founders.morgans, 1.7100000381469727);
-    r = readpassing(
-        goodspec().movebefore("ChromosomeLengthMorgansSolvanto", "PopulationHistoryMaCS"));
-    EXPECT_EQ(r.s.founders.morgans, 0);
-    EXPECT_TRUE(r.result.output.starts_with(
-        "\nPlease check specfile, ChromosomeLengthMorgansSolvanto not set properly\n"));
-}
-
 TEST_F(readinparametersspec, recordsandkeyforms)
 {
     // Blanks and tabs inside keys and numbers, any case, comments, empty records, Windows line
@@ -193,43 +130,6 @@ TEST_F(readinparametersspec, skippedandtoleratedvalues)
     EXPECT_EQ(r.s.qtn.domdegmean, 0);
     EXPECT_EQ(r.s.qtn.domdegvar, 0.3);
     EXPECT_FALSE(r.s.run.fullseqoutonoff);
-}
-
-TEST_F(readinparametersspec, schemesandsetups)
-{
-    reading r = readpassing(plantspec("NumberOfSelfedParentsInEachGeneration,,1,2,3,4; "
-                                      "NumberOfParentsRegardlessTheGenderInEachGen,List,4,3,2,1; "
-                                      "NumberOfMaleParentsInEachGeneration,; "
-                                      "NumberOfGenerationsIncludingDoubledHaploids,1; "
-                                      "CreateDoubledHaploidsInTheseGenerations,3,4"));
-    EXPECT_TRUE(r.result.output.starts_with(
-        "\n  NOTE:      4 values must be provided for NumberOfParentsRegardlessTheGenderInEachGen\n"
-        "  NOTE:      4 values must be provided for NumberOfSelfedParentsInEachGeneration\n"));
-    EXPECT_EQ(r.s.pop.nselfedparinthisgen(4), 4);
-    EXPECT_EQ(r.s.pop.nrandparinthisgen(4), 1);
-    EXPECT_EQ(r.s.pop.nsireinthisgen(1), 0);
-    EXPECT_EQ(r.s.pop.createdhinthisgen.upper(), 5);
-    EXPECT_EQ(r.s.pop.createdhinthisgen(3), 1);
-    EXPECT_EQ(r.s.pop.createdhinthisgen(4), 0);
-
-    r = readpassing(changed("NumberOfIndividualsInEachGeneration,List,10,20,30,40,50; "
-                            "NumberOfSiresInEachGeneration,; GeneEditingOnOff,On; "
-                            "NumberOfEditedIndividuals,3; NumberOfGeneEditsPerIndividual,2; "
-                            "GeneDriveOnOff,On"));
-    EXPECT_TRUE(
-        r.result.output.starts_with("\nWARNING - NumberOfSiresInEachGeneration is empty\n"));
-    EXPECT_EQ(r.s.pop.cumindivnbtogen(5), 150);
-
-    // One generation in all: the arrays of parents have one entry that nothing reads.
-    r = readpassing(changed("NumberGenerationsBurnIn,1; NumberGenerationsSelection,0"));
-    EXPECT_EQ(r.s.pop.nsireinthisgen.upper(), 1);
-    EXPECT_EQ(r.s.pop.nsireinthisgen(1), 0);
-
-    // An external pedigree needs no scheme.
-    r = readpassing(changed("PedigreeStatus,./data/Ped_1.txt; AnimalBreedingOnOff,Off; "
-                            "GenerationFlexibilityOnOff,Perhaps; StartStopGeneration,2,4"));
-    EXPECT_EQ(r.s.pop.pedigreefile, "./data/Ped_1.txt");
-    EXPECT_EQ(r.s.run.specendgen, 4);
 }
 
 // Broken files end with a stop or are read; never with anything else (sanitizers and the bounds

@@ -1,7 +1,7 @@
 // genomicproblem.h - small problems of genomic prediction, and their files as a cycle leaves them.
 #pragma once
 
-#include "evaluationsupport.h"
+#include "evaluationproblems.h"
 
 #include <filesystem>
 #include <random>

@@ -2,7 +2,7 @@
 // and the file of results.
 #pragma once
 
-#include "evaluationsupport.h"
+#include "evaluationproblems.h"
 
 #include <filesystem>
 #include <random>
