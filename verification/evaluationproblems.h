@@ -1,5 +1,5 @@
-// evaluationproblems.h - what the problems of genomic and pedigree prediction share: settings by which
-// the system writes their specifications, dense equations solved the plain way, moments.
+// evaluationproblems.h - what the problems of genomic and pedigree prediction share: settings by
+// which the system writes their specifications, dense equations solved the plain way, moments.
 #pragma once
 
 #include "evaluation/predictionruns.h"

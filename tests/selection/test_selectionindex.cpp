@@ -7,7 +7,7 @@
 
 namespace
 {
-class SelectionIndex : public infolder
+class selectionindex : public infolder
 {
   protected:
     void SetUp() override
@@ -33,7 +33,7 @@ class SelectionIndex : public infolder
 } // namespace
 
 // Variances with divisor 3: 1, 2, 3, 4 has 5/3; 10, 10, 10, 14 has mean 11 and (3 + 9) / 3 = 4.
-TEST_F(SelectionIndex, SeveralTraitsAreWeightedInUnitsOfTheirDeviations)
+TEST_F(selectionindex, severaltraitsareweightedinunitsoftheirdeviations)
 {
     s.traits.ntraits = 2;
     s.traits.indexwt(1) = 0.75;
@@ -61,7 +61,7 @@ TEST_F(SelectionIndex, SeveralTraitsAreWeightedInUnitsOfTheirDeviations)
     EXPECT_FALSE(std::isfinite(s.cycle.estimatedbv(1)));
 }
 
-TEST_F(SelectionIndex, WeightOfRecombinationChanges)
+TEST_F(selectionindex, weightofrecombinationchanges)
 {
     selectionsettings &sel = s.selection;
     cycledata &cycle = s.cycle;

@@ -75,7 +75,7 @@ const char *const restricted = "RestrictedQtnInformation.txt";
 
 } // namespace
 
-TEST_F(markerchoice, listsThatEndTooSoon)
+TEST_F(markerchoice, liststhatendtoosoon)
 {
     state s;
     setchromosome(s, 60);
@@ -102,7 +102,7 @@ TEST_F(markerchoice, listsThatEndTooSoon)
          "ERROR: Not Enough QTN Segregating on chromosome 2\n");
 }
 
-TEST_F(markerchoice, regionsGiveTheSites)
+TEST_F(markerchoice, regionsgivethesites)
 {
     state s;
     setchromosome(s, 120);
@@ -155,7 +155,7 @@ TEST_F(markerchoice, regionsGiveTheSites)
     EXPECT_EQ(count(63, 71), 9);
 }
 
-TEST_F(markerchoice, clustersKeepSetsFullAndDistinct)
+TEST_F(markerchoice, clusterskeepsetsfullanddistinct)
 {
     state s;
     setchromosome(s, 120);
@@ -196,7 +196,7 @@ TEST_F(markerchoice, clustersKeepSetsFullAndDistinct)
     EXPECT_EQ(few.output, "ERROR: Not enough segregating sites for QTN model 3\n");
 }
 
-TEST_F(markerchoice, fillUpRespectsTheChips)
+TEST_F(markerchoice, filluprespectsthechips)
 {
     // Only the first half of the sites lies in the band, and chips have walked all of it.
     state s;

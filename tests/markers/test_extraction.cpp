@@ -78,7 +78,7 @@ class genotypefiles : public infolder
 };
 } // namespace
 
-TEST_F(genotypefiles, everySetAndEveryDensity)
+TEST_F(genotypefiles, everysetandeverydensity)
 {
     makegenomes(5, 7);
     // Ends of blocks; every 2nd to 17th site; nearly all; all; none.
@@ -117,7 +117,7 @@ TEST_F(genotypefiles, everySetAndEveryDensity)
         EXPECT_EQ(line.size(), 20u);
 }
 
-TEST_F(genotypefiles, brokenInformation)
+TEST_F(genotypefiles, brokeninformation)
 {
     makegenomes(2, 1);
     setnumbers(2);

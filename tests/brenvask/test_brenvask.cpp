@@ -22,6 +22,7 @@ void writespec(const std::string &genotypefile, int64 nsnp,
 {
     state s;
     s.loci.nsnpforsel = nsnp;
+    s.selection.selontbvyes1no0 = 0;
     s.selection.selmethindicator = genotypefile == "None" ? 1 : 2;
     const fs::path here = fs::current_path();
     fs::current_path("../..");

@@ -33,11 +33,6 @@ spectext changed(const std::string &changes)
     return goodspec().change(changes);
 }
 
-spectext plantspec(const std::string &changes = "")
-{
-    return changed("AnimalBreedingOnOff,Off; PlantBreedingOnOff,On; " + changes);
-}
-
 // Two traits, with matrix rows that hold commas, tabs, comments between them and spare numbers.
 spectext twotraits(const std::string &changes = "")
 {

@@ -9,12 +9,12 @@
 
 namespace
 {
-class NumberFields : public infolder
+class numberfields : public infolder
 {
 };
 } // namespace
 
-TEST_F(NumberFields, RealsInColumnsAreThoseOfTheirDecimalText)
+TEST_F(numberfields, realsincolumnsarethoseoftheirdecimaltext)
 {
     std::mt19937_64 draw(7);
     std::uniform_real_distribution<double> uniform(-1, 1);
@@ -45,7 +45,7 @@ TEST_F(NumberFields, RealsInColumnsAreThoseOfTheirDecimalText)
     }
 }
 
-TEST_F(NumberFields, OtherFormsOfRealsAreReadFreeForm)
+TEST_F(numberfields, otherformsofrealsarereadfreeform)
 {
     writefile("forms.txt", " 1 2.5,-3d2\n"
                            "       -0.0000000000       -0.1234567891   900719.1234567890\n"
@@ -84,7 +84,7 @@ TEST_F(NumberFields, OtherFormsOfRealsAreReadFreeForm)
     EXPECT_NE(broken.stop.reason.find("line 7"), std::string::npos) << broken.stop.reason;
 }
 
-TEST_F(NumberFields, AllelesAreWrittenTwoColumnsEach)
+TEST_F(numberfields, allelesarewrittentwocolumnseach)
 {
     std::vector<int8> alleles;
     std::string wanted;

@@ -9,7 +9,7 @@ namespace
 const double notanumber = std::numeric_limits<double>::quiet_NaN();
 const double infinite = std::numeric_limits<double>::infinity();
 
-class NextParents : public infolder
+class nextparents : public infolder
 {
   protected:
     state s;
@@ -18,7 +18,7 @@ class NextParents : public infolder
 
 // Generation 1 has 4 individuals, so the males of generation 2 are rows 5, 7, 9, ...; equal values
 // go to the earlier row, and what is not finite or too low is never taken.
-TEST_F(NextParents, TruncationRanksWithinASexAndGivesTheRestToTheBest)
+TEST_F(nextparents, truncationrankswithinasexandgivestheresttothebest)
 {
     makepopulation(s, 2, {4, 12, 10});
     settest(s, 2, {1.5, 99, 2.5, 99, infinite, 99, 2.5, 99, notanumber, 99, -1.1e16, 99});
@@ -34,7 +34,7 @@ TEST_F(NextParents, TruncationRanksWithinASexAndGivesTheRestToTheBest)
     EXPECT_EQ(siresof(s, 3), std::vector<int64>(10, 5));
 }
 
-TEST_F(NextParents, MoreParentsThanProgenyLeavesTheBestWithOneEach)
+TEST_F(nextparents, moreparentsthanprogenyleavesthebestwithoneeach)
 {
     makepopulation(s, 2, {12, 12, 3});
     settest(s, 2, {1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 6, 0});

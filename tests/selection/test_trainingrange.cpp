@@ -4,7 +4,7 @@
 
 namespace
 {
-class TrainingRange : public infolder
+class trainingrange : public infolder
 {
   protected:
     void SetUp() override
@@ -28,7 +28,7 @@ class TrainingRange : public infolder
 };
 } // namespace
 
-TEST_F(TrainingRange, EveryStrategyInEveryGeneration)
+TEST_F(trainingrange, everystrategyineverygeneration)
 {
     const struct {
         int64 strategy, currentgen;

@@ -1,5 +1,5 @@
-#include "founders/runmacs.h"
 #include "founders/presets.h"
+#include "founders/runmacs.h"
 #include "testsupport.h"
 
 namespace
