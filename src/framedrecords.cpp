@@ -3,6 +3,7 @@
 #include "descriptors.h"
 #include "stops.h"
 
+#include <cassert>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -34,6 +35,7 @@ void framewriter::endframe()
 
 void framewriter::put(const void *bytes, int64 n)
 {
+    assert(n >= 0);
     const char *p = static_cast<const char *>(bytes);
     while (n > 0) {
         if (inframe == 0) {

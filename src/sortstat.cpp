@@ -2,6 +2,7 @@
 
 #include "stops.h"
 
+#include <cassert>
 #include <cmath>
 #include <random>
 #include <utility>
@@ -132,6 +133,7 @@ void pearsn(const double *x, const double *y, int64 n, double &r)
 
 void choldc(double *a, int64 n, int64 np, double *p, bool &notposdefin)
 {
+    assert(n <= np);
     const auto at = [a, np](int64 i, int64 j) -> double & { return a[(i - 1) + (j - 1) * np]; };
     notposdefin = false;
     for (int64 i = 1; i <= n; ++i) {

@@ -3,6 +3,7 @@
 #include "founders/simulatedsites.h"
 #include "founders/stores.h"
 
+#include <cassert>
 #include <vector>
 
 namespace
@@ -27,6 +28,7 @@ void chooseincludedsites(state &s)
         sites.inclphysicalmap(i) = sites.allphysicalmap(slot);
         sites.inclmutindicator(i) = sites.mutindicator(slot);
     }
+    assert(i == sites.nsegregincl);
 }
 
 // A carrier and its gamete for each included mutation.
@@ -42,6 +44,8 @@ void drawcarriers(state &s, int64 chrom)
         mutation.gamete = 1 + static_cast<int64>(2 * ran1(s.random));
         mutation.block = i / lociperblock + 1;
         mutation.site = i;
+        assert(mutation.carrier >= 1 && mutation.carrier <= sites.nindivpinit);
+        assert(mutation.gamete == 1 || mutation.gamete == 2);
         sites.denovoinfo(chrom).push_back(mutation);
         sites.inclmutindicatorindivid(i) = mutation.carrier;
         sites.indivmutindicator(chrom, mutation.carrier) = 1;

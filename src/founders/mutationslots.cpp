@@ -3,6 +3,7 @@
 #include "founders/simulatedsites.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace
 {
@@ -38,6 +39,8 @@ void strewslots(state &s)
             sites.tmpwrk(sites.nsegregtmp + mutated) = slot;
         }
     }
+    assert(simulated == sites.nsegregtmp);
+    assert(simulated + mutated == sites.nsegreg);
 }
 
 void placemutations(state &s)
@@ -84,6 +87,7 @@ void fillcompressedmap(state &s)
         sites.tmpwrkcomp(++kept) = slot;
         sites.allphysicalmapcomp(kept) = sites.allphysicalmap(slot);
     }
+    assert(kept == sites.nsegregcomp);
 }
 
 void writecompressedmap(const state &s, int64 chrom)

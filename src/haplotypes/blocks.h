@@ -14,6 +14,7 @@
 #include "genomes.h"
 
 #include <array>
+#include <cassert>
 #include <cstring>
 
 // Block and position, both from 1, of an included site.
@@ -22,6 +23,7 @@ struct siteplace {
 };
 inline siteplace placeofsite(int64 site)
 {
+    assert(site >= 1);
     const int64 block = (site - 1) / lociperblock + 1;
     return {block, site - (block - 1) * lociperblock};
 }
@@ -29,6 +31,7 @@ inline siteplace placeofsite(int64 site)
 // The allele at a position.
 inline int64 alleleat(int64 blockid, int64 position)
 {
+    assert(position >= 1 && position <= lociperblock);
     return (blockid >> (lociperblock - position)) & 1;
 }
 // The allele of an included site of a gamete, given by its first block.
@@ -70,6 +73,7 @@ void indivblockgenotype(int64 nloci, int64 blockid1, int64 blockid2, allele *ind
 inline void recombination(int64 nloci, int64 blockidin1, int64 blockidin2, int64 recombloc,
                           int64 &blockidout)
 {
+    assert(recombloc >= 1 && recombloc <= nloci);
     const int64 behind = (int64(1) << (nloci - recombloc)) - 1;
     blockidout = (blockidin1 & ~behind) | (blockidin2 & behind);
 }
@@ -77,6 +81,7 @@ inline void recombination(int64 nloci, int64 blockidin1, int64 blockidin2, int64
 // Sets the allele at mutationloc to 1, whatever it was.
 inline void mutation(int64 nloci, int64 blockidin, int64 mutationloc, int64 &blockidout)
 {
+    assert(mutationloc >= 1 && mutationloc <= nloci);
     blockidout = blockidin | (int64(1) << (nloci - mutationloc));
 }
 
@@ -85,6 +90,7 @@ inline void mutation(int64 nloci, int64 blockidin, int64 mutationloc, int64 &blo
 inline void genomeedition(int64 nloci, int64 blockidins, int64 blockidind, int64 mutationloc,
                           int64 &blockidouts, int64 &blockidoutd, int64 posneg)
 {
+    assert(mutationloc >= 1 && mutationloc <= nloci);
     const int64 locus = int64(1) << (nloci - mutationloc);
     const int64 seton = posneg == 1 ? locus : 0;
     const int64 setoff = posneg == 0 ? locus : 0;
@@ -145,6 +151,7 @@ inline constexpr word fourzeros = 0x3020302030203020ULL; // " 0 0 0 0"
 // Alleles 8 i + 1 to 8 i + 8 of a block, i from 0; 57 to 60 for i = 7, in the upper half.
 inline unsigned eightalleles(int64 blockid, int i)
 {
+    assert(blockid >> lociperblock == 0); // -99 stands for a block not made
     return static_cast<unsigned>(static_cast<word>(blockid) << 4 >> (56 - 8 * i)) & 255U;
 }
 } // namespace blocktables

@@ -9,6 +9,7 @@
 #include "words.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace
 {
@@ -80,6 +81,7 @@ parentstrands knownparent(const state &s, const parentsources &from, int64 paren
     if (parent > from.prev) return strandsof(s.haplo.oldtmpgenome, parent - from.prev);
     const auto &ids = from.older.ids;
     const auto found = std::lower_bound(ids.begin(), ids.end(), parent);
+    assert(found != ids.end() && *found == parent);
     return strandsof(from.older.genomes, found - ids.begin() + 1);
 }
 
@@ -214,6 +216,7 @@ void computeminorallelefrequency(state &s, int64 chrom)
     }
     const array1<int64> &counts = counter.counts();
     for (int64 site = 1; site <= s.sites.nsegregincl; ++site) {
+        assert(counts(site) >= 0 && counts(site) <= 2 * nbase);
         const double frequency =
             static_cast<double>(counts(site)) / (2 * static_cast<double>(nbase));
         s.sites.minorallelefreq(site) = frequency > 0.5 ? 1 - frequency : frequency;

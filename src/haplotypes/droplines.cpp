@@ -3,10 +3,12 @@
 #include "haplotypes/genomefiles.h"
 
 #include <algorithm>
+#include <cassert>
 
 void opendrop(state &s, dropwork &work, int64 chrom, int64 startindiv)
 {
     work.files.open(chrom, startindiv);
+    assert(startindiv >= 1 && startindiv <= s.pop.nindivp);
     work.recomblocation.allocate(s.haplo.nblock, -99);
 }
 
@@ -66,6 +68,8 @@ std::vector<int64> parentsbetween(const state &s, int64 startindiv, int64 endind
 
 void readgenomesof(const state &s, int64 chrom, const std::vector<int64> &ids, genomestore &g)
 {
+    assert(std::is_sorted(ids.begin(), ids.end()));
+    assert(ids.empty() || (ids.front() >= 1 && ids.back() <= s.pop.nindivp));
     g.allocate(static_cast<int64>(ids.size()), s.haplo.nblock);
     int64 place = 1;
     auto first = ids.begin();

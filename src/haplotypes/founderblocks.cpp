@@ -5,6 +5,7 @@
 #include "stops.h"
 #include "words.h"
 
+#include <cassert>
 #include <vector>
 
 namespace
@@ -19,6 +20,7 @@ std::vector<int64> placesofincludedsites(const state &s)
     for (int64 i = 1; i <= sites.nsegregincl; ++i) {
         if (sites.inclmutindicator(i) == 1) continue;
         while (sites.tmpwrk(k + 1) < sites.inclsnpid(i)) ++k;
+        assert(k < sites.nsegregtmp);
         places[static_cast<std::size_t>(i - 1)] = k;
     }
     return places;

@@ -2,6 +2,7 @@
 
 #include "haplotypes/blocks.h"
 
+#include <cassert>
 #include <cstring>
 
 namespace
@@ -37,6 +38,9 @@ void recombinegametes(state &s, int64 chrom, int64 individ, int64 parentgender,
                       const parentstrands &gametes, int64 firstpos, int64 &nrecombperind,
                       array1<int64> &recomblocation, int64 *recombinedgamete)
 {
+    assert(parentgender == 1 || parentgender == 2);
+    assert(firstpos == 1 || firstpos == 2);
+    assert(recomblocation.size() == s.haplo.nblock);
     const int64 nblock = s.haplo.nblock;
     const double *rates = s.haplo.recombrateperblock.data();
     int64 x = firstpos, ncrossings = 0, copied = 0;
@@ -44,6 +48,7 @@ void recombinegametes(state &s, int64 chrom, int64 individ, int64 parentgender,
          j = nextcrossing(s.random, rates, j + 1, nblock)) {
         const int64 y = 3 - x;
         const int64 position = crossingposition(s.random);
+        assert(position >= 1 && position <= lociperblock);
         recomblocation(++ncrossings) = (j - 1) * lociperblock + position;
         copyblocks(gametes.strand(x), copied + 1, j - 1, recombinedgamete);
         recombination(lociperblock, gametes.strand(x)[j - 1], gametes.strand(y)[j - 1], position,
@@ -74,6 +79,7 @@ void addmutinped(state &s, int64 chrom, int64 individ, int64 indivpos)
             --block;
             position = lociperblock;
         }
+        assert(position >= 1 && position <= lociperblock);
         int64 &cell = s.haplo.tmpgenome(indivpos, block, mutant.gamete);
         mutation(lociperblock, cell, position, cell);
     }

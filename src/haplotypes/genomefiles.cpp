@@ -3,6 +3,7 @@
 #include "stops.h"
 
 #include <algorithm>
+#include <cassert>
 #include <vector>
 
 namespace
@@ -90,6 +91,9 @@ void writegenome(const std::string &path, const genomestore &g, int64 limit)
 void readgenomerows(const std::string &path, int64 nindiv, int64 nblock, const array1<int64> &rows,
                     genomestore &g, int64 firstplace)
 {
+    assert(std::is_sorted(rows.begin(), rows.end()));
+    assert(rows.size() == 0 || (rows(1) >= 1 && rows(rows.size()) <= nindiv));
+    assert(firstplace >= 1 && firstplace + rows.size() - 1 <= g.nindiv());
     framereader in(path);
     in.begin(2 * nindiv * nblock * 8);
     std::vector<int64> column(static_cast<std::size_t>(nindiv));

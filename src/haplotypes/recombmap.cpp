@@ -9,6 +9,7 @@
 #include "words.h"
 
 #include <algorithm>
+#include <cassert>
 #include <numeric>
 
 namespace
@@ -114,6 +115,8 @@ void shareout(state &s, const std::vector<recombregion> &regions, const fittedre
 {
     s.haplo.recombfactperblock.fill(0);
     for (std::size_t m = 0; m < regions.size(); ++m) {
+        assert(fit.start[m] >= 1 && fit.start[m] <= fit.stop[m]);
+        assert(m == 0 || fit.start[m] > fit.start[m - 1]);
         const double nblocks = static_cast<double>(fit.stop[m] - fit.start[m] + 1);
         for (int64 j = fit.start[m]; j <= fit.stop[m]; ++j)
             s.haplo.recombfactperblock(j) = regions[m].proportion / nblocks;

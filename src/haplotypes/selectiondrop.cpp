@@ -7,6 +7,7 @@
 #include "haplotypes/recombmap.h"
 
 #include <algorithm>
+#include <cassert>
 #include <vector>
 
 namespace
@@ -19,6 +20,7 @@ struct parentrows {
     int64 row(int64 parent) const
     {
         if (ids.empty()) return parent - before;
+        assert(std::binary_search(ids.begin(), ids.end(), parent));
         return std::lower_bound(ids.begin(), ids.end(), parent) - ids.begin() + 1;
     }
 };

@@ -2,6 +2,8 @@
 
 #include "haplotypes/blocks.h"
 
+#include <algorithm>
+#include <cassert>
 #include <cstring>
 
 namespace
@@ -33,6 +35,7 @@ sitepicker::sitepicker(const sitelist &sites)
     : picked1(sites.size() / wordsize + 1), picked2(picked1.size()),
       count(static_cast<int64>(sites.size()))
 {
+    assert(std::is_sorted(sites.begin(), sites.end()));
     for (const int64 site : sites) {
         const siteplace place = placeofsite(site);
         if (masks.empty() || masks.back().block != place.block - 1) {

@@ -1,5 +1,7 @@
 #include "pedigree/breedingplan.h"
 
+#include <cassert>
+
 bool isdoubledhaploid(const state &s, int64 gen)
 {
     return s.pop.ngendh > 0 && s.pop.createdhinthisgen(gen) == 1;
@@ -17,6 +19,7 @@ bool genderisignored(const state &s, int64 gen)
 
 breedingplan planofgeneration(const state &s, int64 gen)
 {
+    assert(gen >= 2);
     const int64 parentgen = gen - 1;
     const bool burnin = gen <= s.pop.ngen;
     const int64 nselfed = s.pop.nselfedparinthisgen(parentgen);

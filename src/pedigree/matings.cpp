@@ -3,10 +3,13 @@
 #include "stops.h"
 
 #include <algorithm>
+#include <cassert>
 
 void buildmatingvec(const array1<int64> &parents, int64 npargender, int64 nmatings,
                     array1<int64> &matingvec)
 {
+    assert(npargender >= 1 && npargender <= parents.size());
+    assert(matingvec.size() >= nmatings);
     const int64 ntmp = nmatings / npargender;
     int64 r = 0;
     for (int64 k = 1; k <= npargender; ++k)
@@ -36,6 +39,8 @@ int64 generationofrow(const state &s, int64 row)
 void randommating(state &s, int64 firstrow, int64 nmatings, const array1<int64> &parentrows,
                   int64 parentgenderwritten)
 {
+    assert(parentrows.size() >= nmatings);
+    assert(parentgenderwritten == 1 || parentgenderwritten == 2);
     const int64 *const first = parentrows.begin();
     if (std::all_of(first, first + nmatings, [&](int64 parent) { return parent == *first; }))
         stopforrandommating(generationofrow(s, firstrow) - 1);
@@ -58,6 +63,8 @@ void randommating(state &s, int64 firstrow, int64 nmatings, const array1<int64> 
 void assignparents(state &s, int64 firstrow, int64 nmatings, const array1<int64> &matingvec,
                    int64 parentgender)
 {
+    assert(parentgender == 1 || parentgender == 2);
+    assert(firstrow + nmatings - 1 <= s.pedi.ped.size());
     if (parentgender == 1) {
         for (int64 r = 1; r <= nmatings; ++r) s.pedi.ped(firstrow + r - 1).newsire = matingvec(r);
         return;

@@ -5,6 +5,7 @@
 #include "pedigree/parentnumbers.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <cstdio>
 #include <vector>
@@ -51,6 +52,7 @@ void selectnextparentstruncat(state &s, int64 currentgen, int64 parentgender, in
     cycledata &cycle = s.cycle;
     const int64 nmatings = s.pop.nindivinthisgen(currentgen);
     const int64 firstrow = cycle.endtestindiv + 1;
+    assert(firstrow == firstindivofgen(s, currentgen));
     stopiftoofewparents(s, parentgender, currentgen, npargender, npargender);
     const array1<int64> selectedindividuals = rank(s, currentgen, parentgender, npargender);
     if (s.editing.geneditonoff && parentgender == 1)
