@@ -91,8 +91,8 @@ void writegenome(const std::string &path, const genomestore &g, int64 limit)
 void readgenomerows(const std::string &path, int64 nindiv, int64 nblock, const array1<int64> &rows,
                     genomestore &g, int64 firstplace)
 {
-    assert(std::is_sorted(rows.begin(), rows.end()));
-    assert(rows.size() == 0 || (rows(1) >= 1 && rows(rows.size()) <= nindiv));
+    assert(std::all_of(rows.begin(), rows.end(),
+                       [&](int64 row) { return row >= 1 && row <= nindiv; }));
     assert(firstplace >= 1 && firstplace + rows.size() - 1 <= g.nindiv());
     framereader in(path);
     in.begin(2 * nindiv * nblock * 8);
