@@ -18,6 +18,7 @@
 #include "randomnumbers.h"
 
 #include <array>
+#include <map>
 #include <span>
 #include <string>
 #include <vector>
@@ -209,6 +210,9 @@ struct locusdata {
     array1<int64> qtngamma;      // (ntotqtn) 1: also a gamma effect
     array1<double> addeffrecomb; // (ntotqtnrecomb)
     enumarray<qtnset, qtnsetdata, 3> sets;
+    // Included sites of chips and QTN sets by the files that tell them, as far as they were needed.
+    // Lifetime: Run.
+    std::map<std::string, std::vector<int64>> sitelists;
 
     const array1<int64> &onthischrom(qtnset set) const
     {

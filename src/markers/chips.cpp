@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-int64 makearray(const state &s, int64 chrom, int64 chip, int64 nsnponarray)
+int64 makearray(state &s, int64 chrom, int64 chip, int64 nsnponarray)
 {
     const int64 n = s.sites.nsegregincl;
     sitelist markers;

@@ -25,4 +25,4 @@ void createsnpchipsandqtnarrays(state &s, int64 chrom);
 // Builds a chip of the first nsnponarray sites of snponarrays that lie in the frequency band,
 // limits included, and are no mutation sites. Gives lastsnppos, the place at which it was full.
 // Stops: 110013 if the list ends before that.
-int64 makearray(const state &s, int64 chrom, int64 chip, int64 nsnponarray);
+int64 makearray(state &s, int64 chrom, int64 chip, int64 nsnponarray);

@@ -63,22 +63,21 @@ void writeqtnallelefrequency(int64 chrom, qtnset set, int64 gen, const sitelist 
     out.close();
 }
 
-void fillarray(const state &s, int64 chrom, int64 chip, int64 currentgen, int64 startindiv,
+void fillarray(state &s, int64 chrom, int64 chip, int64 currentgen, int64 startindiv,
                int64 endindiv)
 {
-    const sitelist sites = readsites(informationfileofchip(chrom, chip),
-                                     s.loci.nsnponthischipchrom(chip, chrom), nsites(s));
+    const sitelist &sites = keptsites(s, informationfileofchip(chrom, chip),
+                                      s.loci.nsnponthischipchrom(chip, chrom), nsites(s));
     std::vector<int64> nosums;
     writesnpchipsandqtnfiles(s, phasefileofchip(chrom, chip, currentgen),
                              genotypefileofchip(chrom, chip, currentgen), sites, startindiv,
                              endindiv, nosums);
 }
 
-void fillqtn(const state &s, int64 chrom, qtnset set, int64 currentgen, int64 startindiv,
-             int64 endindiv)
+void fillqtn(state &s, int64 chrom, qtnset set, int64 currentgen, int64 startindiv, int64 endindiv)
 {
-    const sitelist sites =
-        readsites(informationfileofset(chrom, set), s.loci.onthischrom(set)(chrom), nsites(s));
+    const sitelist &sites =
+        keptsites(s, informationfileofset(chrom, set), s.loci.onthischrom(set)(chrom), nsites(s));
     std::vector<int64> sums(sites.size());
     writesnpchipsandqtnfiles(s, phasefileofset(chrom, set, currentgen),
                              genotypefileofset(chrom, set, currentgen), sites, startindiv, endindiv,

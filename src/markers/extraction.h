@@ -22,10 +22,9 @@
 #include "markers/sitesets.h"
 #include "state.h"
 
-void fillarray(const state &s, int64 chrom, int64 chip, int64 currentgen, int64 startindiv,
+void fillarray(state &s, int64 chrom, int64 chip, int64 currentgen, int64 startindiv,
                int64 endindiv);
-void fillqtn(const state &s, int64 chrom, qtnset set, int64 currentgen, int64 startindiv,
-             int64 endindiv);
+void fillqtn(state &s, int64 chrom, qtnset set, int64 currentgen, int64 startindiv, int64 endindiv);
 
 // Frequencies of allele 1 at the sites of a QTN set in a generation.
 //   sums    copies of allele 1 per site

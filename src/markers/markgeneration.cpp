@@ -5,8 +5,7 @@
 
 namespace
 {
-void extractgeneration(const state &s, int64 chrom, int64 currentgen, int64 startindiv,
-                       int64 endindiv)
+void extractgeneration(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv)
 {
     for (int64 chip = 1; chip <= s.chips.nchip; ++chip)
         fillarray(s, chrom, chip, currentgen, startindiv, endindiv);

@@ -85,7 +85,7 @@ void takefromregions(const state &s, sitelist &thisarray, int64 nsnponarray, arr
     }
 }
 
-void writeset(const state &s, int64 chrom, qtnset set, sitelist &thisarray)
+void writeset(state &s, int64 chrom, qtnset set, sitelist &thisarray)
 {
     std::sort(thisarray.begin(), thisarray.end());
     writesummary(s, summaryfileofset(chrom, set), thisarray);

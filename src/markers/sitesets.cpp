@@ -85,9 +85,10 @@ void writesummary(const state &s, const std::string &path, const sitelist &sites
     out.close();
 }
 
-void writesiteinformation(const state &s, const std::string &path, const sitelist &sites,
+void writesiteinformation(state &s, const std::string &path, const sitelist &sites,
                           bool withmutations)
 {
+    s.loci.sitelists[path] = sites;
     outfile out(path);
     textline line;
     int64 rank = 0;
@@ -123,4 +124,11 @@ sitelist readsites(const std::string &path, int64 nsites, int64 nsegregincl)
         sites.push_back(previous = site);
     }
     return sites;
+}
+
+const sitelist &keptsites(state &s, const std::string &path, int64 nsites, int64 nsegregincl)
+{
+    const auto kept = s.loci.sitelists.find(path);
+    if (kept != s.loci.sitelists.end()) return kept->second;
+    return s.loci.sitelists[path] = readsites(path, nsites, nsegregincl);
 }

@@ -32,10 +32,12 @@ double meanheterozygosity(const state &s, const sitelist &sites);
 void writesummary(const state &s, const std::string &path, const sitelist &sites);
 
 // One line per site: 2I20,2F20.10 rank from 1, site, minor allele frequency, map position; with
-// mutations also 2I20: 1 for a mutation site, carrier of the mutation or 0.
-void writesiteinformation(const state &s, const std::string &path, const sitelist &sites,
+// mutations also 2I20: 1 for a mutation site, carrier of the mutation or 0. Keeps the sites.
+void writesiteinformation(state &s, const std::string &path, const sitelist &sites,
                           bool withmutations);
 
 // The sites of an information file, which must hold nsites of them, ascending, from 1 to
 // nsegregincl.
 sitelist readsites(const std::string &path, int64 nsites, int64 nsegregincl);
+// The same of this run's file, read unless the sites are in memory.
+const sitelist &keptsites(state &s, const std::string &path, int64 nsites, int64 nsegregincl);

@@ -94,6 +94,7 @@ TEST_F(genotypefiles, everysetandeverydensity)
                                  "RestrictedQtnInformation.txt", "RecombinationQtnInformation.txt"})
             writeinformation(file, sites);
         setnumbers(static_cast<int64>(sites.size()));
+        s.loci.sitelists.clear();
         fillarray(s, 3, 2, 4, 41, 45);
         for (const qtnset set : qtnsets)
             fillqtn(s, 3, set, set == qtnset::restricted ? 11 : 4, 41, 45);
