@@ -41,9 +41,13 @@ std::string frequencyfileofset(int64 chrom, qtnset set, int64 gen)
     return fileofset(chrom, set, "AlleleFreq" + generationending(gen));
 }
 
+std::string informationnameofchip(int64 chip)
+{
+    return "Chip" + numbertext(chip) + "SnpInformation.txt";
+}
 std::string informationfileofchip(int64 chrom, int64 chip)
 {
-    return fileofchip(chrom, chip, "SnpInformation.txt");
+    return chromfolder(chrom) + informationnameofchip(chip);
 }
 std::string summaryfileofchip(int64 chrom, int64 chip)
 {

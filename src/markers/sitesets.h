@@ -13,6 +13,8 @@ std::string summaryfileofset(int64 chrom, qtnset set);
 std::string phasefileofset(int64 chrom, qtnset set, int64 gen);
 std::string genotypefileofset(int64 chrom, qtnset set, int64 gen);
 std::string frequencyfileofset(int64 chrom, qtnset set, int64 gen);
+// The information file's name, which that of the whole genome has too.
+std::string informationnameofchip(int64 chip);
 std::string informationfileofchip(int64 chrom, int64 chip);
 std::string summaryfileofchip(int64 chrom, int64 chip);
 std::string phasefileofchip(int64 chrom, int64 chip, int64 gen);

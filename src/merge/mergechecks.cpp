@@ -9,8 +9,11 @@
 #include "markers/sitesets.h"
 #include "merge/mergerecords.h"
 #include "pedigree/pedigree.h"
+#include "results/snpchips.h"
 #include "shell.h"
 #include "stops.h"
+#include "traits/covariances.h"
+#include "traits/effectfiles.h"
 #include "values/genicvariances.h"
 #include "values/phenotypes.h"
 #include "words.h"
@@ -103,16 +106,16 @@ sitesbyfile readfoldersites(const state &s, const std::string &folder)
 {
     sitesbyfile sites;
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        const auto read = [&](const std::string &name, int64 nsites) {
-            const std::string path = chromfolder(h) + name + "Information.txt";
+        const auto read = [&](const std::string &path, int64 nsites) {
             sites[path] =
                 readsites(inrunfolder(folder, path), nsites, s.sites.nsegreginclglobal(h));
         };
         for (int64 e = 1; e <= s.chips.nchip; ++e)
-            read("Chip" + numbertext(e) + "Snp", s.loci.nsnponthischipchrom(e, h));
-        read("UnRestrictedQtn", s.loci.nqtnonthischrom(h));
-        read("RestrictedQtn", s.loci.nqtnonthischrom(h));
-        if (s.selection.recombselonoff) read("RecombinationQtn", s.loci.nqtnrecombonthischrom(h));
+            read(informationfileofchip(h, e), s.loci.nsnponthischipchrom(e, h));
+        for (const qtnset set : traitsets)
+            read(informationfileofset(h, set), s.loci.nqtnonthischrom(h));
+        if (s.selection.recombselonoff)
+            read(informationfileofset(h, qtnset::recombination), s.loci.nqtnrecombonthischrom(h));
     }
     return sites;
 }
@@ -235,20 +238,10 @@ void checkburnin(const state &s, const std::string &folder)
     checkfirstgeneration(inside(variancetable), s.qtn.nqtnmodels);
     checkfirstgeneration(inside(meanstable), s.qtn.nqtnmodels * s.traits.ntraits);
     checkfile(inside(highestcrossingsfile));
-    std::vector<std::string> names;
-    for (const char *set : {"Unrestricted", "Restricted"}) {
-        for (const char *what : {"QtnInformation.txt", "QtnAdditEffects.txt"})
-            names.push_back(std::string(set) + what);
-        if (!s.qtn.dominonoff) continue;
-        for (const char *what : {"QtnDominEffects.txt", "QtnAverAlleleSubstEffects.txt"})
-            names.push_back(std::string(set) + what);
-    }
-    if (s.selection.recombselonoff) names.push_back("RecombinationQtnInformationEffects.txt");
-    for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p)
-        names.push_back("TraitVarianceComponentsResidualCholQtnModel" + numbertext(p) + ".txt");
-    for (int64 e = 1; e <= s.chips.nchip; ++e)
-        names.push_back("Chip" + numbertext(e) + "SnpInformation.txt");
-    for (const std::string &name : names) checkfile(inside("SimulatedData/" + name));
+    std::vector<std::string> paths = effectfilesof(s);
+    for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) paths.push_back(residualfactorfile(p));
+    for (int64 e = 1; e <= s.chips.nchip; ++e) paths.push_back(snpinformationfile(e));
+    for (const std::string &path : paths) checkfile(inside(path));
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         checkfile(includedmapfile(h, folder));
         checkfile(founderhaplotypesfile(h, folder));

@@ -2,8 +2,11 @@
 
 #include "allelerows.h"
 #include "markers/extraction.h"
+#include "markers/sitesets.h"
 #include "pedigree/pedigreefiles.h"
 #include "results/snpchips.h"
+#include "traits/effectfiles.h"
+#include "values/qtngenotypes.h"
 #include "words.h"
 
 #include <algorithm>
@@ -21,15 +24,31 @@ struct siteinformation {
 };
 
 struct sitetable {
-    sitekind kind;
-    std::string information, summary, genotypes; // names of its files
+    sitesource of;
     std::string title;
     std::vector<siteinformation> sites;
 };
 
+std::string wholegenomefile(const sitesource &of)
+{
+    return of.issnp() ? snpinformationfile(of.chip) : informationfile(of.set);
+}
+std::string chromosomefile(const sitesource &of, int64 chrom)
+{
+    return of.issnp() ? informationfileofchip(chrom, of.chip) : informationfileofset(chrom, of.set);
+}
+std::string summaryfile(const sitesource &of, int64 chrom)
+{
+    return of.issnp() ? summaryfileofchip(chrom, of.chip) : summaryfileofset(chrom, of.set);
+}
+std::string genotypefile(const sitesource &of)
+{
+    return of.issnp() ? chipgenotypefile(of.chip) : qtngenotypefile(of.set);
+}
+
 void readinformation(sitetable &table, const array1<int64> &nofchrom)
 {
-    infile in("SimulatedData/" + table.information);
+    infile in(wholegenomefile(table.of));
     in.record();
     table.title = in.line();
     const int64 nthingtot = std::accumulate(nofchrom.begin(), nofchrom.end(), int64{0});
@@ -39,9 +58,9 @@ void readinformation(sitetable &table, const array1<int64> &nofchrom)
         site.number = in.integer();
         site.chrom = in.integer();
         site.site = in.integer();
-        in.skipwords(table.kind == sitekind::qtn ? 2 : 1); // the frequencies of before
+        in.skipwords(table.of.issnp() ? 1 : 2); // the frequencies of before
         site.position = in.real();
-        if (table.kind == sitekind::qtn) {
+        if (!table.of.issnp()) {
             site.mutation = in.integer();
             site.carrier = in.integer();
         }
@@ -74,7 +93,7 @@ class genotypecounter
 
 void countfrequencies(sitetable &table, int64 nindividuals)
 {
-    infile in(table.genotypes);
+    infile in(genotypefile(table.of));
     genotypecounter counts(table.sites.size());
     for (int64 i = 1; i <= nindividuals; ++i) counts.read(in);
     for (std::size_t k = 0; k < table.sites.size(); ++k)
@@ -84,16 +103,16 @@ void countfrequencies(sitetable &table, int64 nindividuals)
 void putvalues(textline &line, const sitetable &table, const siteinformation &site)
 {
     putf(line, site.maf, 20, 10);
-    if (table.kind == sitekind::qtn) putf(line, site.freq, 20, 10);
+    if (!table.of.issnp()) putf(line, site.freq, 20, 10);
     putf(line, site.position, 20, 10);
-    if (table.kind == sitekind::snp) return;
+    if (table.of.issnp()) return;
     puti(line, site.mutation, 20);
     puti(line, site.carrier, 20);
 }
 
 void writewholegenome(const sitetable &table)
 {
-    outfile out("SimulatedData/" + table.information);
+    outfile out(wholegenomefile(table.of));
     out.writeline(textline(table.title));
     textline line;
     for (const siteinformation &site : table.sites) {
@@ -104,17 +123,9 @@ void writewholegenome(const sitetable &table)
     out.close();
 }
 
-// The folders of the chromosomes spell one name otherwise.
-std::string nameofchromosome(const std::string &information)
+void writechromosome(const sitetable &table, int64 chrom)
 {
-    return information == "UnrestrictedQtnInformation.txt" ? "UnRestrictedQtnInformation.txt"
-                                                           : information;
-}
-
-void writechromosome(const sitetable &table, int64 chrom, const std::string &infofile)
-{
-    const std::string folder = chromfolder(chrom);
-    outfile information(folder + nameofchromosome(table.information));
+    outfile information(chromosomefile(table.of, chrom));
     textline line;
     double het = 0;
     for (const siteinformation &site : table.sites) {
@@ -127,13 +138,13 @@ void writechromosome(const sitetable &table, int64 chrom, const std::string &inf
     }
     information.close();
 
-    outfile summary(folder + table.summary);
+    outfile summary(summaryfile(table.of, chrom));
     putf(line, het / static_cast<double>(table.sites.size()), 20, 10);
     summary.writeline(line);
     summary.close();
 
-    if (table.kind == sitekind::snp) return;
-    outfile frequencies(folder + infofile + "AlleleFreqGeneration1.txt");
+    if (table.of.issnp()) return;
+    outfile frequencies(frequencyfileofset(chrom, table.of.set, 1));
     for (const bool own : {true, false})
         for (const siteinformation &site : table.sites) {
             if ((site.chrom == chrom) != own) continue;
@@ -153,21 +164,13 @@ array1<int64> snpofchip(const state &s, int64 chip)
 }
 } // namespace
 
-void calculatebothsnpandqtn(const state &s, int64 nindividuals, sitekind kind, int64 chipnumber,
-                            const std::string &infofile)
+void calculatebothsnpandqtn(const state &s, int64 nindividuals, sitesource of)
 {
-    const bool snp = kind == sitekind::snp;
-    const std::string name = snp ? infofile + numbertext(chipnumber) : infofile;
-    sitetable table;
-    table.kind = kind;
-    table.information = name + (snp ? "SnpInformation.txt" : "Information.txt");
-    table.summary = name + "Summary.txt";
-    table.genotypes =
-        snp ? chipgenotypefile(chipnumber) : "SimulatedData/" + name + "IndivGenotypes.txt";
-    readinformation(table, snp ? snpofchip(s, chipnumber) : s.loci.nqtnonthischrom);
+    sitetable table{of, {}, {}};
+    readinformation(table, of.issnp() ? snpofchip(s, of.chip) : s.loci.nqtnonthischrom);
     countfrequencies(table, nindividuals);
     writewholegenome(table);
-    for (int64 h = 1; h <= s.founders.nchrom; ++h) writechromosome(table, h, infofile);
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) writechromosome(table, h);
 }
 
 void calcallelefreqmerge(const genotypecounts &genotypes, double &maf, double &het,

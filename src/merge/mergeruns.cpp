@@ -180,10 +180,8 @@ void writefixedqtns(state &s, int64 ngenerations)
 void refreshcounts(state &s, const mergeplan &plan)
 {
     const int64 nindividuals = static_cast<int64>(plan.things.size());
-    for (int64 e = 1; e <= s.chips.nchip; ++e)
-        calculatebothsnpandqtn(s, nindividuals, sitekind::snp, e, "Chip");
-    calculatebothsnpandqtn(s, nindividuals, sitekind::qtn, 0, "UnrestrictedQtn");
-    calculatebothsnpandqtn(s, nindividuals, sitekind::qtn, 0, "RestrictedQtn");
+    for (int64 e = 1; e <= s.chips.nchip; ++e) calculatebothsnpandqtn(s, nindividuals, {e});
+    for (const qtnset set : traitsets) calculatebothsnpandqtn(s, nindividuals, {0, set});
     calculatenewnbindivigen(nindividuals);
 
     const std::vector<int64> sizes = generationsizes(plan);

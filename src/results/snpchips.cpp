@@ -1,7 +1,6 @@
 #include "results/snpchips.h"
 
 #include "allelerows.h"
-#include "markers/sitesets.h"
 #include "results/gathering.h"
 #include "shell.h"
 #include "words.h"
@@ -58,8 +57,7 @@ void gathergeneration(const state &s, int64 chip, int64 gen, individualrows &row
 
 void writesnpmap(const state &s, int64 chip)
 {
-    const std::string name = "Chip" + numbertext(chip) + "SnpInformation.txt";
-    outfile out("./SimulatedData/" + name);
+    outfile out(snpinformationfile(chip));
     textline line;
     puta(line,
          "               SnpId             ChromId     SnpSeqIdOnChrom             SnpFreq   "

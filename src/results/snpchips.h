@@ -11,12 +11,17 @@
 // Lines of earlier generations stay; what stands behind them is replaced. The map is written anew.
 #pragma once
 
+#include "markers/sitesets.h"
 #include "state.h"
 
 constexpr const char *chipfolder = "./SimulatedData/AllIndividualsSnpChips";
 inline std::string chipphasefile(int64 chip)
 {
     return std::string(chipfolder) + "/Chip" + std::to_string(chip) + "Phase.txt";
+}
+inline std::string snpinformationfile(int64 chip)
+{
+    return "./SimulatedData/" + informationnameofchip(chip);
 }
 inline std::string chipgenotypefile(int64 chip)
 {

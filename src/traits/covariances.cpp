@@ -38,11 +38,6 @@ void workoutresidual(state &s, int64 p)
         for (int64 h = 1; h <= t.ntraits; ++h) s.values.cholcove(p, j, h) = slice(j, h);
 }
 
-std::string residualfactorfile(int64 p)
-{
-    return "./SimulatedData/TraitVarianceComponentsResidualCholQtnModel" + numbertext(p) + ".txt";
-}
-
 void writeresidualfactor(const state &s, int64 p)
 {
     outfile out(residualfactorfile(p));
@@ -54,6 +49,11 @@ void writeresidualfactor(const state &s, int64 p)
     out.close();
 }
 } // namespace
+
+std::string residualfactorfile(int64 p)
+{
+    return "./SimulatedData/TraitVarianceComponentsResidualCholQtnModel" + numbertext(p) + ".txt";
+}
 
 void workoutgeneticcovariances(state &s)
 {

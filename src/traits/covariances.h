@@ -3,6 +3,8 @@
 
 #include "state.h"
 
+#include <string>
+
 // Factors stand in the lower triangle with the diagonal; the strict upper triangle keeps the
 // covariances. Draws: none. Stop 11000 with a message: a matrix isn't positive definite.
 
@@ -17,3 +19,6 @@ void workoutresidualcovariances(state &s);
 // Takes the factors back into cholcove, which exists, in a stage that doesn't begin with generation
 // 1: the residual variances stay those of generation 1.
 void readresidualfactors(state &s);
+
+// Where the residual factor of a model stands.
+std::string residualfactorfile(int64 p);

@@ -14,10 +14,6 @@ std::string fileofset(qtnset set, const char *rest)
 {
     return std::string("./SimulatedData/") + nameofset(set) + rest;
 }
-std::string informationfile(qtnset set)
-{
-    return fileofset(set, "QtnInformation.txt");
-}
 std::string dominanceeffectfile(qtnset set)
 {
     return fileofset(set, "QtnDominEffects.txt");
@@ -157,6 +153,11 @@ void compileqtnrecombination(const state &s)
     out.close();
 }
 
+std::string informationfile(qtnset set)
+{
+    return fileofset(set, "QtnInformation.txt");
+}
+
 std::string additiveeffectfile(qtnset set)
 {
     return fileofset(set, "QtnAdditEffects.txt");
@@ -216,4 +217,18 @@ void readqtneffects(state &s)
         if (s.qtn.dominonoff) readeffects(s, dominanceeffectfile(set), set, &qtnmodeldata::domeff);
     }
     if (s.selection.recombselonoff) readrecombinationeffects(s);
+}
+
+std::vector<std::string> effectfilesof(const state &s)
+{
+    std::vector<std::string> files;
+    for (const qtnset set : traitsets) {
+        files.push_back(informationfile(set));
+        files.push_back(additiveeffectfile(set));
+        if (!s.qtn.dominonoff) continue;
+        files.push_back(dominanceeffectfile(set));
+        files.push_back(substitutioneffectfile(set));
+    }
+    if (s.selection.recombselonoff) files.push_back(recombinationfile);
+    return files;
 }

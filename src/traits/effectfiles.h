@@ -11,6 +11,7 @@
 #include "state.h"
 
 #include <string>
+#include <vector>
 
 // <Set>QtnInformation.txt of the trait sets: 3I10, 3F20.10, 2I20: minor allele frequency, frequency
 // of the counted allele in generation 1, position, mutation, its carrier.
@@ -25,6 +26,9 @@ void compileqtnaverallelesubsteff(const state &s);
 void compileqtnrecombination(const state &s);
 
 std::string additiveeffectfile(qtnset set);
+std::string informationfile(qtnset set);
+// All of them that a run leaves.
+std::vector<std::string> effectfilesof(const state &s);
 
 // Takes back what the values follow from, once in a stage, into arrays that exist: referencefreq of
 // the sets in use; alpha of the models in use, which is the additive effect without dominonoff;

@@ -1,6 +1,7 @@
 #include "values/recombtrait.h"
 
 #include "files.h"
+#include "haplotypes/crossingfiles.h"
 #include "pedigree/pedigree.h"
 #include "sortstat.h"
 #include "textlayout.h"
@@ -11,18 +12,6 @@
 
 namespace
 {
-void readrecombcount(state &s, int64 currentgen)
-{
-    infile in("./SimulatedData/RecombinationCount.txt");
-    s.haplo.recombcount.fill(0);
-    for (int64 i = 1; i <= lastindivofgen(s, currentgen); ++i) {
-        in.record();
-        in.skipwords(1);
-        s.haplo.recombcount(i, 1) = in.integer();
-        s.haplo.recombcount(i, 2) = in.integer();
-    }
-}
-
 void addrawvalues(state &s, int64 startindiv, int64 endindiv)
 {
     const qtnsetdata &set = s.loci.sets[qtnset::recombination];
@@ -83,7 +72,8 @@ void writevalues(const state &s, int64 currentgen, int64 startindiv, int64 endin
 
 void computetbvrecomb(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
 {
-    readrecombcount(s, currentgen);
+    s.haplo.recombcount.fill(0);
+    readrecombcounts(s, lastindivofgen(s, currentgen));
     addrawvalues(s, startindiv, endindiv);
     standardise(s, startindiv, endindiv);
     writevalues(s, currentgen, startindiv, endindiv);
