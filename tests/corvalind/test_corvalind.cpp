@@ -183,12 +183,8 @@ TEST_F(corvalindinfolder, leavesresultsofacycle)
             earlier = pair;
         }
 
-        // The same bytes again; with the estimates of pedigree prediction, which leaves no Ebv.txt,
-        // too, but for their last digits.
-        const std::string was = readfile(frontierfile), list = readfile(matingfile);
-        ASSERT_EQ(runcommand(binfolder() + "/Corvalind").status, 0);
-        EXPECT_EQ(readfile(frontierfile), was);
-        EXPECT_EQ(readfile(matingfile), list);
+        // With the estimates of pedigree prediction, which leaves no Ebv.txt, the same mates.
+        const std::string list = readfile(matingfile);
         std::filesystem::remove("Ebv.txt");
         const commandresult readin = runcommand(binfolder() + "/Corvalind");
         ASSERT_EQ(readin.status, 0) << readin.err;

@@ -102,17 +102,6 @@ TEST_F(genotypefiles, everysetandeverydensity)
         expectfiles("UnrestrictedQtn", 4, sites);
         expectfiles("RestrictedQtn", 11, sites);
         expectfiles("RecombinationQtn", 4, sites);
-        const auto lines = readlines(chromosome + "RestrictedQtnAlleleFreqGeneration11.txt");
-        ASSERT_EQ(lines.size(), sites.size());
-        for (std::size_t q = 0; q < sites.size(); ++q) {
-            int ncopies = 0;
-            for (int64 k = 1; k <= 5; ++k)
-                ncopies += allele(k, sites[q], 1) + allele(k, sites[q], 2);
-            char line[80];
-            std::snprintf(line, sizeof line, "%20zu%20lld%20.10f", q + 1,
-                          static_cast<long long>(sites[q]), ncopies / 10.0);
-            EXPECT_EQ(lines[q], line);
-        }
     }
     for (const std::string &line : readlines(chromosome + "Chip2GenotypeGeneration4.txt"))
         EXPECT_EQ(line.size(), 20u);

@@ -157,13 +157,6 @@ TEST_F(values, recombinationtraitbyhand)
         EXPECT_EQ(s.values.tbvrecombz(i), 0);
         EXPECT_NEAR(s.values.recombperindperchr(i), 2, 1e-14);
     }
-    const auto lines = readlines("SimulatedData/PedigreeTbvRecombination.txt");
-    ASSERT_EQ(lines.size(), 9U);
-    EXPECT_EQ(lines[0].size(), 140U);
-    EXPECT_EQ(lines[1], "         1         1         0         0       -0.3061862178        "
-                        "1.4724990078                   2                   3                   5");
-    EXPECT_EQ(lines[7], "         2         7         0         0        0.0000000000        "
-                        "2.0000000000                   3                   3                   6");
 }
 
 // Test individuals 3 to 6 of eight, tbv 1, 2, 3, 4 and estimates 2, 1, 4, 3: correlation 0.6,

@@ -1,7 +1,6 @@
 // Runs repeated, killed, continued and cut short: what must come out the same.
 #include "wholeruns/runsupport.h"
 
-#include <algorithm>
 #include <filesystem>
 
 namespace fs = std::filesystem;
@@ -16,26 +15,6 @@ class reproducibility : public wholerun
     }
 };
 
-namespace
-{
-spectext withsequence()
-{
-    return smallrun().set("WriteFullSequenceOutOnOff", "On");
-}
-} // namespace
-
-TEST_F(reproducibility, sameseedsamebytes)
-{
-    mustrun(withsequence(), -42);
-    const filetree first = readtree();
-    restoreseed();
-    mustrun(withsequence());
-    expectsametree(first, readtree());
-    mustrun(withsequence()); // the next run goes on with the stream: another replicate
-    EXPECT_NE(first.at("SimulatedData/RecombinationCount.txt"),
-              readfile("SimulatedData/RecombinationCount.txt"));
-}
-
 // A run killed at any moment and repeated from SeedOld.txt leaves what an undisturbed run leaves.
 TEST_F(reproducibility, killedandrunagain)
 {
@@ -43,7 +22,8 @@ TEST_F(reproducibility, killedandrunagain)
     const filetree undisturbed = readtree();
     for (const char *delay : {"0.02", "0.05", "0.1", "0.2", "0.4"}) {
         writefile("Seed.txt", "-7\n");
-        runcommand("./solvanto & sleep " + std::string(delay) + "; kill -9 $!; wait $!");
+        // The whole group: what the run has started ends with it.
+        runcommand("setsid ./solvanto & sleep " + std::string(delay) + "; kill -9 -- -$!; wait $!");
         if (readfile("Seed.txt") != "-7\n") restoreseed();
         mustrun(smallrun());
         expectsametree(undisturbed, readtree());
