@@ -279,7 +279,6 @@ struct cycledata {
     array1<double> selectionvaratr, selectionvarate;                 // (ntraits)
     double selectionvararecombtr = 0, selectionvararecombte = 0;
     array1<int64> fixedsnp; // (nsnp, or nsnp+ntotqtn when QTN are added)
-    outfile accuracyfile;   // open from the first trait of a cycle to its index
 };
 
 // Gene editing and gene drive. Lifetime: Run.

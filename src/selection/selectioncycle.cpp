@@ -132,7 +132,8 @@ void takeknownvalues(state &s, int64 selectioncycle, int64 selectedtrait)
         take(s.values.tpv.column(s.qtn.qtnmodel, selectedtrait), estimates, nestimates);
 }
 
-void evaluatetrait(state &s, int64 selectioncycle, int64 currentgen, int64 selectedtrait)
+void evaluatetrait(state &s, outfile &accuracyfile, int64 selectioncycle, int64 currentgen,
+                   int64 selectedtrait)
 {
     const bool predicted = s.selection.selontbvyes1no0 == 0;
     determinetrainandtestdatasetsforselection(s, selectioncycle, selectedtrait);
@@ -141,7 +142,17 @@ void evaluatetrait(state &s, int64 selectioncycle, int64 currentgen, int64 selec
     if (predicted || selectedtrait == 1) writechipdata(s, selectioncycle, currentgen);
     if (predicted) estimatevalues(s, selectioncycle, selectedtrait);
     takeknownvalues(s, selectioncycle, selectedtrait);
-    computebvaccuracyandmoments(s, selectioncycle, selectedtrait);
+    if (!accuracyfile.isopen()) accuracyfile = openaccuracyfile(selectioncycle);
+    computebvaccuracyandmoments(s, accuracyfile, selectedtrait);
+}
+
+// The file is opened with the first report, behind whatever a trait's evaluation stops at.
+void evaluatecandidates(state &s, int64 selectioncycle, int64 currentgen)
+{
+    outfile accuracyfile;
+    for (int64 t = 1; t <= s.traits.ntraits; ++t)
+        evaluatetrait(s, accuracyfile, selectioncycle, currentgen, t);
+    accuracyfile.close();
 }
 
 // ------------------------------------------------------------------------ one cycle
@@ -194,11 +205,12 @@ void reportlastgeneration(state &s, int64 selectioncycle, int64 currentgen)
     puta(line, "  Last Generation", 17);
     puti(line, currentgen, 4);
     printline(line);
+    outfile accuracyfile = openaccuracyfile(selectioncycle + 1);
     for (int64 t = 1; t <= s.traits.ntraits; ++t) {
         takeknownvalues(s, selectioncycle + 1, t);
-        computebvaccuracyandmoments(s, selectioncycle + 1, t);
+        computebvaccuracyandmoments(s, accuracyfile, t);
     }
-    cycle.accuracyfile.close();
+    accuracyfile.close();
 }
 
 // False where the stage ends here, so that the user can write the pedigree of currentgen.
@@ -211,7 +223,7 @@ bool runcycle(state &s, int64 currentgen, int64 endgen)
     makecyclearrays(s, currentgen, arrays);
     if (imported && s.run.importstage == 2)
         importexternalpedforcurrentselgen(s, selectioncycle, currentgen);
-    for (int64 t = 1; t <= s.traits.ntraits; ++t) evaluatetrait(s, selectioncycle, currentgen, t);
+    evaluatecandidates(s, selectioncycle, currentgen);
     computeselectionindex(s, selectioncycle, currentgen);
     if (imported && s.run.importstage == 1) {
         importexternalpedforcurrentselgen(s, selectioncycle, currentgen);

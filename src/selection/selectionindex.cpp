@@ -100,5 +100,4 @@ void computeselectionindex(state &s, int64 selectioncycle, int64 currentgen)
         const double *estimates = cycle.estimatedbvtrait.column(1);
         std::copy(estimates, estimates + cycle.ntestindiv, cycle.estimatedbv.begin());
     }
-    cycle.accuracyfile.close();
 }

@@ -106,14 +106,16 @@ void reportoneofseveral(outfile &out, const comparison &trait, bool phenotypes, 
 }
 } // namespace
 
-void computebvaccuracyandmoments(state &s, int64 selectioncycle, int64 selectedtrait)
+outfile openaccuracyfile(int64 selectioncycle)
+{
+    return outfile("./Selection/AccuracyOfBreedingValueSelectionCycle" +
+                   numbertext(selectioncycle) + ".txt");
+}
+
+void computebvaccuracyandmoments(const state &s, outfile &out, int64 selectedtrait)
 {
     const selectionsettings &d = s.selection;
-    cycledata &cycle = s.cycle;
-    const std::string path =
-        "./Selection/AccuracyOfBreedingValueSelectionCycle" + numbertext(selectioncycle) + ".txt";
-    outfile &out = cycle.accuracyfile;
-    if (!out.isopen() || out.path() != path) out.open(path);
+    const cycledata &cycle = s.cycle;
 
     const double *const tbv = s.values.tbv.column(s.qtn.qtnmodel, selectedtrait);
     const int64 offset = cycle.starttestindiv - 1;
@@ -132,5 +134,5 @@ void computebvaccuracyandmoments(state &s, int64 selectioncycle, int64 selectedt
         reportonetrait(out, trait, phenotypes);
     else
         reportoneofseveral(out, trait, phenotypes, selectedtrait);
-    out.flush(); // nobody closes the file after the last generation
+    out.flush(); // a stop behind it leaves the lines
 }

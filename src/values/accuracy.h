@@ -10,8 +10,10 @@
 // When the test set and the estimates differ in size, as they may after the last generation, the
 // first min(sizes) of both are correlated.
 //
-// Writes Selection/AccuracyOfBreedingValueSelectionCycle<selectioncycle>.txt, a title and a line of
-// F20.5 per trait, and the same on standard output. accuracyfile stays open for the further traits
-// of the cycle; the selection index closes it.
+// Writes a title and a line of F20.5 per trait to the file of the cycle, and the same on standard
+// output.
 // Stop 110003: fewer than two test individuals.
-void computebvaccuracyandmoments(state &s, int64 selectioncycle, int64 selectedtrait);
+void computebvaccuracyandmoments(const state &s, outfile &out, int64 selectedtrait);
+// Selection/AccuracyOfBreedingValueSelectionCycle<selectioncycle>.txt, which stays open for all
+// traits of the cycle.
+outfile openaccuracyfile(int64 selectioncycle);

@@ -40,9 +40,7 @@ TEST_F(selectionindex, severaltraitsareweightedinunitsoftheirdeviations)
     s.traits.indexwt(2) = -0.25; // against the trait
     setestimates(1, {1, 2, 3, 4});
     setestimates(2, {10, 10, 10, 14});
-    s.cycle.accuracyfile.open("accuracy.txt");
     computeselectionindex(s, 1, 3);
-    EXPECT_FALSE(s.cycle.accuracyfile.isopen());
     EXPECT_DOUBLE_EQ(s.cycle.selectionvarate(1), 5.0 / 3);
     EXPECT_DOUBLE_EQ(s.cycle.selectionvarate(2), 4);
     for (int64 i = 1; i <= 4; ++i)
