@@ -6,6 +6,7 @@
 #include "haplotypes/burningeneration.h"
 #include "haplotypes/gametes.h"
 #include "haplotypes/genomefiles.h"
+#include "openstate.h"
 
 #include <benchmark/benchmark.h>
 
@@ -23,7 +24,7 @@ constexpr int64 nblock = 1000;
 
 // A chromosome of 1,000 blocks and 1 Morgan, and the two strands of a parent.
 struct workbench {
-    state s;
+    openstate s;
     std::vector<int64> strands[2];
     std::vector<int64> gamete = std::vector<int64>(nblock);
     array1<int64> locations = array1<int64>(nblock, -99);
@@ -164,12 +165,12 @@ void dropofgenerations(benchmark::State &bench)
     std::filesystem::create_directories(folder / "SimulatedData");
     std::filesystem::current_path(folder);
     workbench w;
-    state &s = w.s;
+    openstate &s = w.s;
     s.founders.nchrom = 1;
     s.founders.morgans = 1;
-    s.pop.nindivinthisgen.allocate({0, 2}, n);
-    s.pop.cumindivnbtogen.allocate({0, 2});
-    for (int64 g = 1; g <= 2; ++g) s.pop.cumindivnbtogen(g) = g * n;
+    s.pedi.nindivinthisgen.allocate({0, 2}, n);
+    s.pedi.cumindivnbtogen.allocate({0, 2});
+    for (int64 g = 1; g <= 2; ++g) s.pedi.cumindivnbtogen(g) = g * n;
     s.pedi.ped.allocate(2 * n);
     for (int64 i = 1; i <= 2 * n; ++i) {
         s.pedi.ped(i).newid = i;

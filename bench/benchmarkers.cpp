@@ -8,6 +8,7 @@
 #include "files.h"
 #include "haplotypes/blocks.h"
 #include "markers/extraction.h"
+#include "openstate.h"
 #include "results/sequence.h"
 #include "results/snpchips.h"
 
@@ -148,15 +149,15 @@ void writetext(const std::string &path, const std::string &text)
 }
 
 // One chromosome of nblock blocks, with a chip of nsnp sites spread over it.
-void setup(state &s, int64 nindiv, int64 nblock, int64 nsnp)
+void setup(openstate &s, int64 nindiv, int64 nblock, int64 nsnp)
 {
     s.founders.nchrom = 1;
     s.pop.ngen = 1;
     s.pop.ngensel = 0;
     s.pop.nindivp = nindiv;
-    s.pop.nindivinthisgen.allocate({0, 1});
-    s.pop.cumindivnbtogen.allocate({0, 1});
-    s.pop.nindivinthisgen(1) = s.pop.cumindivnbtogen(1) = nindiv;
+    s.pedi.nindivinthisgen.allocate({0, 1});
+    s.pedi.cumindivnbtogen.allocate({0, 1});
+    s.pedi.nindivinthisgen(1) = s.pedi.cumindivnbtogen(1) = nindiv;
     s.run.specstartgen = s.run.specendgen = 1;
     s.chips.nchip = s.chips.tmpchip = 1;
     s.random.idum = -1;
@@ -182,7 +183,7 @@ void setup(state &s, int64 nindiv, int64 nblock, int64 nsnp)
 void measurechips()
 {
     constexpr int64 nindiv = 1000, nblock = 1000, nsnp = 50000;
-    state s;
+    openstate s;
     setup(s, nindiv, nblock, nsnp);
     const std::string phases = chromosome + "Chip1PhaseGeneration1.txt";
     comparewriting("chip text from blocks", {phases, chromosome + "Chip1GenotypeGeneration1.txt"},
@@ -198,7 +199,7 @@ void measurechips()
 void measuresequence()
 {
     constexpr int64 nindiv = 300, nblock = 834;
-    state s;
+    openstate s;
     setup(s, nindiv, nblock, 1);
     comparewriting("sequence from blocks to text",
                    {"SimulatedData/FullSequencePhase.txt", "SimulatedData/FullSequenceGenotype.txt",

@@ -3,6 +3,7 @@
 // in turns in the same run; medians of processor time. Works in a temporary folder.
 #include "evaluation/selectionchip.h"
 #include "files.h"
+#include "openstate.h"
 
 #include <benchmark/benchmark.h>
 
@@ -97,7 +98,7 @@ int64 readphases()
 }
 
 // The pass of a cycle under selection on true values: phases read, genotypes written.
-void writetestfile(state &s)
+void writetestfile(openstate &s)
 {
     selectionchipfiles files = openchipfiles(s, 1);
     generationphases opened = openphases(s, 1);
@@ -146,7 +147,7 @@ int main()
     if (!::mkdtemp(folder.data())) return 1;
     std::filesystem::current_path(folder);
 
-    state s;
+    openstate s;
     s.random.idum = -1;
     maketable(s.random);
     makephases(s.random);

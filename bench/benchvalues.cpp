@@ -2,8 +2,8 @@
 // look-ups, and the whole stage against writing its output bytes. Prints, for each comparison,
 // "name ratio X.XX allowed Y.YY" (medians of several repetitions) beside the two times.
 #include "files.h"
+#include "openstate.h"
 #include "pedigree/pedigreefiles.h"
-#include "state.h"
 #include "stops.h"
 #include "traits/simulateqtneffects.h"
 #include "values/breedingvalues.h"
@@ -67,18 +67,18 @@ void compare(const char *name, double allowed, int repetitions, const std::funct
     std::fflush(stdout);
 }
 
-state settings()
+openstate settings()
 {
-    state s;
+    openstate s;
     s.random.idum = -1;
     s.founders.nchrom = nchrom;
     s.founders.morgans = 1;
     s.run.specstartgen = s.run.specendgen = s.pop.ngen = 1;
     s.pop.ngensel = 0;
     s.pop.nindivp = nindiv;
-    s.pop.nindivinthisgen.allocate({0, 1});
-    s.pop.cumindivnbtogen.allocate({0, 1});
-    s.pop.nindivinthisgen(1) = s.pop.cumindivnbtogen(1) = nindiv;
+    s.pedi.nindivinthisgen.allocate({0, 1});
+    s.pedi.cumindivnbtogen.allocate({0, 1});
+    s.pedi.nindivinthisgen(1) = s.pedi.cumindivnbtogen(1) = nindiv;
     s.pop.pedigreefrom = pedigreesource::internal;
     s.chips.nchip = 1;
     s.qtn.nqtn = s.qtn.nqtngamma = nqtn;
@@ -94,7 +94,7 @@ state settings()
 }
 
 // The files of a simulation whose generation 1 has been dropped, with random genotypes.
-void writeinputs(const state &s)
+void writeinputs(const openstate &s)
 {
     std::mt19937 draws(1);
     fs::create_directories("SimulatedData");
@@ -154,7 +154,7 @@ void barelookups(const array2<int8> *const *genos, array2<double> &sums)
         }
 }
 
-void comparebreedingvalues(state &s)
+void comparebreedingvalues(openstate &s)
 {
     s.values.nindivinsimulrun = nindiv;
     arrayscope arrays;
@@ -188,7 +188,7 @@ std::vector<std::string> outputs()
     return names;
 }
 
-void comparestage(state &s)
+void comparestage(openstate &s)
 {
     std::size_t bytes = 0;
     const auto names = outputs();
@@ -217,7 +217,7 @@ int main()
     if (!mkdtemp(pattern.data())) return 1;
     fs::current_path(pattern);
     const int status = runtostop([] {
-        state s = settings();
+        openstate s = settings();
         writeinputs(s);
         quietly([&] { simulateqtneffects(s); });
         comparebreedingvalues(s);

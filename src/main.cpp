@@ -1,10 +1,7 @@
 #include "solvanto.h"
 #include "stops.h"
 
-#include <memory>
-
 int main()
 {
-    const auto s = std::make_unique<state>();
-    return runtostop([&] { solvanto(*s); });
+    return runtostop([] { solvanto(); });
 }

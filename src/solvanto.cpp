@@ -107,12 +107,15 @@ void writeresults(state &s)
 }
 } // namespace
 
-void solvanto(state &s)
+void solvanto()
 {
     const float start = cpuseconds();
     titles();
-    initiateseed(s.random);
-    readinparameters(s);
+    randomstream random;
+    initiateseed(random);
+    const runsettings settings = readinparameters();
+    state s(settings);
+    s.random = random;
     startmerge(s);
 
     const bool newsimulation = s.run.specstartgen == 1;

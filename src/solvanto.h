@@ -5,7 +5,7 @@
 
 // A whole run in the working directory, from the banner to the timing line. Stops by throwing
 // (see stops.h).
-void solvanto(state &s);
+void solvanto();
 
 // Prints the banner.
 void titles();

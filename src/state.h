@@ -2,8 +2,7 @@
 //
 // Every routine of the system takes the state as its first argument, so that a test can hold
 // several simulations. Lifetimes:
-//   Run    made by readinparameters, and there as long as the state; scalars that the reader sets
-//          hold for the whole run;
+//   Run    settings: made by readinparameters, and constant behind it;
 //   Stage  made when a stage begins and freed when it ends (arrayscope.h). A later stage fills its
 //          arrays again from the files. The pedigree, and the numbers of sites, QTN and SNP per
 //          chromosome, are read once for all stages behind them (solvanto.cpp).
@@ -67,9 +66,12 @@ struct pedigreedata {
     array1<pedigreeline> ped;                   // (nindivp) row k is individual k
     array1<int64> globalgender;                 // (nindivp) 1 male, 2 female
     array1<int64> nmalinthisgen, nfeminthisgen; // (ngen+ngensel) males and females
+    // As in the population settings, until the files of earlier generations or a merge tell other
+    // sizes.
+    array1<int64> nindivinthisgen, cumindivnbtogen; // (0 to ngen+ngensel)
 };
 
-// Founders and coalescent simulation. Lifetime: Run; presets fill what Internal left open.
+// Founders and coalescent simulation. Lifetime: Run.
 struct foundersettings {
     int64 nchrom = 0;
     int64 nhaps = 0;            // haplotypes asked of the coalescent simulator
@@ -298,33 +300,62 @@ struct editdata {
         qtnidsortedbyabsvalmutindivid, qtnforgeneditposneg; // (ntotqtn)
 };
 
-struct state {
-    randomstream random;
+// What holds for the whole run: made by the reader of the specification (or by a test), and behind
+// it only looked at.
+struct runsettings {
     runcontrol run;
     populationsettings pop;
-    pedigreedata pedi;
     foundersettings founders;
-    segregatingsites sites;
-    haplotypedata haplo;
     chipsettings chips;
     qtnsettings qtn;
     traitsettings traits;
+    selectionsettings selection;
+    editingsettings editing;
+};
+
+// What the stages make.
+struct stagerecords {
+    randomstream random;
+    pedigreedata pedi;
+    segregatingsites sites;
+    haplotypedata haplo;
     locusdata loci;
     valuedata values;
-    selectionsettings selection;
     cycledata cycle;
-    editingsettings editing;
     editdata edits;
+};
+
+// The settings must live as long as the state.
+struct state : stagerecords {
+    explicit state(const runsettings &settings)
+        : run(settings.run), pop(settings.pop), founders(settings.founders), chips(settings.chips),
+          qtn(settings.qtn), traits(settings.traits), selection(settings.selection),
+          editing(settings.editing)
+    {
+        pedi.nindivinthisgen = pop.nindivinthisgen;
+        pedi.cumindivnbtogen = pop.cumindivnbtogen;
+    }
+    state(const state &) = delete;
+    state &operator=(const state &) = delete;
+
+    const runcontrol &run;
+    const populationsettings &pop;
+    const foundersettings &founders;
+    const chipsettings &chips;
+    const qtnsettings &qtn;
+    const traitsettings &traits;
+    const selectionsettings &selection;
+    const editingsettings &editing;
 };
 
 // First and last individual (pedigree rows) of a generation.
 inline int64 firstindivofgen(const state &s, int64 gen)
 {
-    return s.pop.cumindivnbtogen(gen - 1) + 1;
+    return s.pedi.cumindivnbtogen(gen - 1) + 1;
 }
 inline int64 lastindivofgen(const state &s, int64 gen)
 {
-    return s.pop.cumindivnbtogen(gen);
+    return s.pedi.cumindivnbtogen(gen);
 }
 
 // First and last burn-in generation that this run works on; none where last lies below first.

@@ -4,16 +4,17 @@
 
 #include "evaluation/predictionruns.h"
 #include "evaluationsupport.h"
+#include "openstate.h"
 #include "testsupport.h"
 
 #include <cmath>
 #include <filesystem>
 
 // One trait and QTN model with these variances; the folder of cycle 1 is made.
-inline state evaluationstate(double vara, double vare)
+inline openstate evaluationstate(double vara, double vare)
 {
     std::filesystem::create_directories("Selection/SelectionFolder1");
-    state s;
+    openstate s;
     s.traits.ntraits = s.qtn.qtnmodel = 1;
     s.cycle.selectionvaratr.allocate(1, vara);
     s.values.vare.allocate(1, 1, vare);

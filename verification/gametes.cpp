@@ -1,5 +1,6 @@
 // Crossings of gametes against the map that they follow.
 #include "haplotypes/gametes.h"
+#include "openstate.h"
 
 #include "haplotypes/blocks.h"
 
@@ -8,9 +9,9 @@
 namespace
 {
 // A state with one chromosome of nblock blocks and room for one individual.
-state gametestate(int64 nblock, double rate, int64 seed)
+openstate gametestate(int64 nblock, double rate, int64 seed)
 {
-    state s;
+    openstate s;
     s.random.idum = seed;
     s.haplo.nblock = nblock;
     s.haplo.recombrateperblock.allocate(nblock, rate);
@@ -27,7 +28,7 @@ state gametestate(int64 nblock, double rate, int64 seed)
 TEST(gametes, crossingsfollowthemap)
 {
     constexpr int64 nblock = 20, ngametes = 20000;
-    state s = gametestate(nblock, 1.0 / nblock, -31415);
+    openstate s = gametestate(nblock, 1.0 / nblock, -31415);
     const std::vector<int64> strand(nblock, 0);
     std::vector<int64> gamete(nblock);
     array1<int64> locations(nblock, -99);

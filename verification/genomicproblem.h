@@ -2,6 +2,7 @@
 #pragma once
 
 #include "evaluationproblems.h"
+#include "openstate.h"
 
 #include <filesystem>
 #include <random>
@@ -68,7 +69,7 @@ inline bool segregates(const problem &q, std::size_t j)
 // The specification as the system writes it.
 inline void writespec(const problem &q)
 {
-    state s = evaluationstate(q.vara, q.vare);
+    openstate s = evaluationstate(q.vara, q.vare);
     s.chips.tmpchip = 1;
     s.loci.nsnpforsel = q.nsnp();
     s.cycle.ntrainindiv = std::ssize(q.train);

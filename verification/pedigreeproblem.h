@@ -3,6 +3,7 @@
 #pragma once
 
 #include "evaluationproblems.h"
+#include "openstate.h"
 
 #include <filesystem>
 #include <random>
@@ -63,7 +64,7 @@ inline pedigree mixedpedigree(int64 n, unsigned seed, bool plants)
 
 inline void writeproblem(const pedigree &p, double vara, double vare, int64 step = 1)
 {
-    state s = evaluationstate(vara, vare);
+    openstate s = evaluationstate(vara, vare);
     writequillomerepspec(s, 1, 1, 1);
     std::filesystem::rename("Selection/SelectionFolder1/DataFormatParameters.txt",
                             "DataFormatParameters.txt");

@@ -129,7 +129,7 @@ void writegenedriveinformation(const state &s, int64 currendgen)
     textline line;
     puta(line, "    IndividualID        QtnWithGeneDrive        PhaseWithGeneDrive", 70);
     out.writeline(line);
-    for (int64 i = 1; i <= s.pop.cumindivnbtogen(currendgen); ++i) {
+    for (int64 i = 1; i <= s.pedi.cumindivnbtogen(currendgen); ++i) {
         const int8 *const own = flags.from(i, 1, 1);
         if (std::find(own, own + 2 * flags.nqtn(), 1) == own + 2 * flags.nqtn()) continue;
         for (int64 j = 1; j <= s.loci.ntotqtn; ++j)

@@ -124,7 +124,7 @@ void writecorvalindspec(const state &s, int64 selectioncycle, int64 currentgen)
     } else {
         free("NumberOfIndividuals                     ,", cycle.ntestindiv);
     }
-    free("NumberOfMatings                         ,", s.pop.nindivinthisgen(currentgen));
+    free("NumberOfMatings                         ,", s.pedi.nindivinthisgen(currentgen));
     free("PercentageDifferenceInbreeding           ,", sel.percentdeltaf);
     free("SizeOfPopulationOfXvectors              ,", sel.sizeofxvecpopoc);
     free("MaximumNumberOfGenerations              ,", sel.maxnbofgenoc);

@@ -92,7 +92,7 @@ void writetestingqtngenotypes(state &s, int64 selectioncycle, int64 testgen,
                 (lastgeneration ? lastqtngenotypes : testqtngenotypes));
     std::vector<int8> genotypes(static_cast<std::size_t>(s.loci.ntotqtn));
     in.skiprecords(tmpstarttestindiv - 1);
-    for (int64 i = 1; i <= s.pop.nindivinthisgen(testgen); ++i) {
+    for (int64 i = 1; i <= s.pedi.nindivinthisgen(testgen); ++i) {
         const int64 id = readallelerow(in, genotypes.data(), s.loci.ntotqtn);
         writeallelerow(out, id, genotypes.data(), s.loci.ntotqtn);
     }

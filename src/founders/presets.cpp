@@ -15,7 +15,6 @@ void settlevalues(foundersettings &f, const speciesrow &preset)
 {
     if (f.internaleffecpopsize) f.effecpopsize = preset.effecpopsize;
     if (f.internalchrlenbasesmacs) f.chrlengthbasesmacs = preset.chrlengthbases;
-    if (f.internalmorganssolvanto) f.morgans = static_cast<double>(preset.morgans);
     if (f.internalmorgansmacs) f.morgansmacs = static_cast<double>(preset.morgans);
     if (f.internalmutationratemacs)
         f.mutationratemacs = static_cast<double>(preset.ratefactor *
@@ -59,9 +58,9 @@ void calculatemacsparams(std::string &macsparams, int64 chrlengthbasesmacs, int6
     macsparams += trimright(additionalmacsparams);
 }
 
-void initmacscases(state &s, std::string &macsparams)
+void initmacscases(const state &s, std::string &macsparams)
 {
-    foundersettings &f = s.founders;
+    foundersettings f = s.founders;
     std::string additionalmacsparams;
     if (const speciesrow *preset = findspecies(f.pophistorymacs)) {
         settlevalues(f, *preset);

@@ -10,18 +10,18 @@
 
 #include <string>
 
-// Settles the values that the specification left to the preset and gives the parameter text for
-// the coalescent simulator (see calculatemacsparams). Called for every chromosome; a
+// The parameter text for the coalescent simulator (see calculatemacsparams), by the settings and
+// what they leave to the preset. Called for every chromosome; a
 // user's file is read again each time, with its warning.
 //
 // Of a preset only values whose internal... flag is set are taken, in this order: effecpopsize,
-// chrlengthbasesmacs, morgans and morgansmacs, mutationratemacs = k x (1 / chrlengthbasesmacs) for
+// chrlengthbasesmacs, morgansmacs, mutationratemacs = k x (1 / chrlengthbasesmacs) for
 // the length in force. Lengths in Morgans and rates are single-precision values, widened. With a
 // user's file nothing is taken: a value given as Internal stays 0.
 // Stops: internalpig and internalchicken print a message and stop plainly, after the values have
 // been settled. A user's file that is missing, empty or holds a character with a meaning to the
 // shell is an I/O error: its text becomes part of a command.
-void initmacscases(state &s, std::string &macsparams);
+void initmacscases(const state &s, std::string &macsparams);
 
 // The parameter text: length in bases, mutation rate -t and recombination rate -r per base, scaled
 // by 4 Ne, each E10.2, and the additional text. The recombination rate per base, morgansmacs /

@@ -37,7 +37,7 @@ void dropgeneration(state &s, int64 chrom, int64 gen, bool parentsloaded,
                     generationstep finishgeneration)
 {
     const int64 startindiv = firstindivofgen(s, gen), endindiv = lastindivofgen(s, gen);
-    s.haplo.tmpgenome.allocate(s.pop.nindivinthisgen(gen), s.haplo.nblock);
+    s.haplo.tmpgenome.allocate(s.pedi.nindivinthisgen(gen), s.haplo.nblock);
     genedropburninindiv(s, chrom, gen, startindiv, endindiv, parentsloaded);
     if (gen == 1) computeminorallelefrequency(s, chrom);
     finishgeneration(s, chrom, gen, startindiv, endindiv);

@@ -60,10 +60,10 @@ parentsources loadparents(state &s, int64 chrom, int64 currentgen, int64 startin
     if (!parentsbetween(s, startindiv, endindiv, 0, 0).empty() && !s.haplo.haplotypes.allocated())
         readhaplotypes(haplotypeblocksfile(chrom), s.haplo.haplotypes, s.haplo.nblock);
     if (currentgen == 1) return from;
-    from.prev = s.pop.cumindivnbtogen(currentgen - 2);
+    from.prev = s.pedi.cumindivnbtogen(currentgen - 2);
     if (!parentsloaded)
         readgenome(genomefile(chrom, currentgen - 1), s.haplo.oldtmpgenome,
-                   s.pop.nindivinthisgen(currentgen - 1), s.haplo.nblock);
+                   s.pedi.nindivinthisgen(currentgen - 1), s.haplo.nblock);
     from.older.ids = parentsbetween(s, startindiv, endindiv, 1, from.prev);
     readgenomesof(s, chrom, from.older.ids, from.older.genomes);
     return from;

@@ -78,8 +78,8 @@ void readgenomesof(const state &s, int64 chrom, const std::vector<int64> &ids, g
         if (last == first) continue;
         array1<int64> rows(last - first);
         for (int64 r = 1; r <= rows.size(); ++r)
-            rows(r) = *(first + r - 1) - s.pop.cumindivnbtogen(gen - 1);
-        readgenomerows(genomefile(chrom, gen), s.pop.nindivinthisgen(gen), s.haplo.nblock, rows, g,
+            rows(r) = *(first + r - 1) - s.pedi.cumindivnbtogen(gen - 1);
+        readgenomerows(genomefile(chrom, gen), s.pedi.nindivinthisgen(gen), s.haplo.nblock, rows, g,
                        place);
         place += rows.size();
         first = last;

@@ -119,7 +119,7 @@ void performgenedropselection(state &s, int64 currentgen, int64 startindiv, int6
     for (int64 chrom = 1; chrom <= s.founders.nchrom; ++chrom) {
         s.haplo.nblock = s.sites.nsegreginclglobal(chrom) / lociperblock;
         arrayscope arrays;
-        arrays.make(s.haplo.tmpgenome, s.pop.nindivinthisgen(currentgen), s.haplo.nblock);
+        arrays.make(s.haplo.tmpgenome, s.pedi.nindivinthisgen(currentgen), s.haplo.nblock);
         arrays.make(s.haplo.recombrateperblock, s.haplo.nblock);
         arrays.make(s.haplo.recombfactperblock, s.haplo.nblock);
         genedropselection(s, chrom, currentgen, startindiv, endindiv, steps);

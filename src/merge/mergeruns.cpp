@@ -158,10 +158,10 @@ std::vector<int64> generationsizes(const mergeplan &plan)
 
 void setgenerations(state &s, const std::vector<int64> &sizes)
 {
-    for (int64 g = 1; g <= s.pop.cumindivnbtogen.upper(); ++g) {
+    for (int64 g = 1; g <= s.pedi.cumindivnbtogen.upper(); ++g) {
         const bool exists = g <= static_cast<int64>(sizes.size());
-        s.pop.nindivinthisgen(g) = exists ? sizes[static_cast<std::size_t>(g - 1)] : 0;
-        s.pop.cumindivnbtogen(g) = s.pop.cumindivnbtogen(g - 1) + s.pop.nindivinthisgen(g);
+        s.pedi.nindivinthisgen(g) = exists ? sizes[static_cast<std::size_t>(g - 1)] : 0;
+        s.pedi.cumindivnbtogen(g) = s.pedi.cumindivnbtogen(g - 1) + s.pedi.nindivinthisgen(g);
     }
 }
 
@@ -170,7 +170,7 @@ void writefixedqtns(state &s, int64 ngenerations)
 {
     for (int64 g = 1; g <= ngenerations; ++g) {
         arrayscope arrays;
-        s.values.nindivinsimulrun = s.pop.nindivinthisgen(g);
+        s.values.nindivinsimulrun = s.pedi.nindivinthisgen(g);
         makegenotypetables(s, arrays);
         compileqtngenotypes(s, g, firstindivofgen(s, g));
     }

@@ -31,7 +31,7 @@ namespace
 int64 generationofrow(const state &s, int64 row)
 {
     int64 gen = 1;
-    while (gen < s.pop.cumindivnbtogen.upper() && s.pop.cumindivnbtogen(gen) < row) ++gen;
+    while (gen < s.pedi.cumindivnbtogen.upper() && s.pedi.cumindivnbtogen(gen) < row) ++gen;
     return gen;
 }
 } // namespace

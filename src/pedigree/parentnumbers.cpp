@@ -46,7 +46,7 @@ void checkselfedplants(const state &s, int64 j)
     if (s.pop.ndaminthisgen(j) > 0 || s.pop.nsireinthisgen(j) > 0 || s.pop.nrandparinthisgen(j) > 0)
         stopforgeneration("  ERROR: There is a conflict in the number of parents for generation ",
                           69, j, 110016);
-    if (s.pop.nselfedparinthisgen(j) > s.pop.nindivinthisgen(j)) notenoughselfed(j);
+    if (s.pop.nselfedparinthisgen(j) > s.pedi.nindivinthisgen(j)) notenoughselfed(j);
 }
 
 void checkcrossedplants(const state &s, int64 j)
@@ -66,10 +66,10 @@ void checkcrossedplants(const state &s, int64 j)
     }
     if (respectgender && s.pop.nsireinthisgen(j) > s.pedi.nmalinthisgen(j)) notenoughmaleplants(j);
     if (respectgender && s.pop.ndaminthisgen(j) > s.pedi.nfeminthisgen(j)) notenoughfemaleplants(j);
-    if (!respectgender && s.pop.nrandparinthisgen(j) > s.pop.nindivinthisgen(j))
+    if (!respectgender && s.pop.nrandparinthisgen(j) > s.pedi.nindivinthisgen(j))
         notenoughcrossed(j);
     if (s.pop.nrandparinthisgen(j) > 0 &&
-        std::min(s.pop.nrandparinthisgen(j), s.pop.nindivinthisgen(j + 1)) < 2)
+        std::min(s.pop.nrandparinthisgen(j), s.pedi.nindivinthisgen(j + 1)) < 2)
         stopforrandommating(j);
 }
 

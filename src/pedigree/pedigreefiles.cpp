@@ -204,10 +204,10 @@ void readpedigreegender(state &s)
         s.pedi.globalgender(++row) = line.gender;
     int64 gen = 0;
     for (const generationcounts &counts : readgenerations(s.run.specendgen)) {
-        s.pop.nindivinthisgen(++gen) = counts.nindiv;
+        s.pedi.nindivinthisgen(++gen) = counts.nindiv;
         s.pedi.nmalinthisgen(gen) = counts.nmal;
         s.pedi.nfeminthisgen(gen) = counts.nfem;
     }
     for (int64 j = 1; j <= s.pop.ngen + s.pop.ngensel; ++j)
-        s.pop.cumindivnbtogen(j) = s.pop.cumindivnbtogen(j - 1) + s.pop.nindivinthisgen(j);
+        s.pedi.cumindivnbtogen(j) = s.pedi.cumindivnbtogen(j - 1) + s.pedi.nindivinthisgen(j);
 }

@@ -35,7 +35,7 @@ void readearliergenerations(state &s)
         ++gen;
         s.pedi.nmalinthisgen(gen) = counts.nmal;
         s.pedi.nfeminthisgen(gen) = counts.nfem;
-        if (counts.nindiv != s.pop.nindivinthisgen(gen)) stopforothersize(gen);
+        if (counts.nindiv != s.pedi.nindivinthisgen(gen)) stopforothersize(gen);
     }
 }
 
@@ -56,7 +56,7 @@ void drawgenders(state &s)
     int64 jump = rowsofearlierruns(s);
     array1<int64> shufflegender;
     for (int64 j = s.run.specstartgen; j <= s.run.specendgen; ++j) {
-        const int64 n = s.pop.nindivinthisgen(j);
+        const int64 n = s.pedi.nindivinthisgen(j);
         shufflegender.allocate(n);
         randomorder(shufflegender, n, s.random);
         for (int64 i = 1; i <= n; ++i)
@@ -122,7 +122,7 @@ void writecounts(const state &s)
     std::vector<generationcounts> counts;
     for (int64 j = s.run.specstartgen; j <= s.run.specendgen; ++j)
         counts.push_back(
-            {s.pop.nindivinthisgen(j), s.pedi.nmalinthisgen(j), s.pedi.nfeminthisgen(j)});
+            {s.pedi.nindivinthisgen(j), s.pedi.nmalinthisgen(j), s.pedi.nfeminthisgen(j)});
     writegenerationcounts(s.run.specstartgen, counts);
 }
 } // namespace

@@ -11,8 +11,8 @@ namespace
 // npargender distinct rows of the generation before, in the order in which they were drawn.
 array1<int64> drawparents(state &s, int64 parentgender, int64 currentgen, int64 npargender)
 {
-    const int64 nindiv = s.pop.nindivinthisgen(currentgen - 1);
-    const int64 indivpos = currentgen > 2 ? s.pop.cumindivnbtogen(currentgen - 2) : 0;
+    const int64 nindiv = s.pedi.nindivinthisgen(currentgen - 1);
+    const int64 indivpos = currentgen > 2 ? s.pedi.cumindivnbtogen(currentgen - 2) : 0;
     const bool anygender = genderisignored(s, currentgen);
     array1<int64> eligible(nindiv), selectedindividuals(nindiv);
     int64 navailable = 0;
@@ -35,7 +35,7 @@ array1<int64> drawparents(state &s, int64 parentgender, int64 currentgen, int64 
 void selectnextparentsrandom(state &s, int64 parentgender, int64 currentgen, int64 npargender)
 {
     const array1<int64> parents = drawparents(s, parentgender, currentgen, npargender);
-    const int64 nmatings = s.pop.nindivinthisgen(currentgen);
+    const int64 nmatings = s.pedi.nindivinthisgen(currentgen);
     const int64 firstrow = firstindivofgen(s, currentgen);
     array1<int64> matingvec(nmatings);
     buildmatingvec(parents, npargender, nmatings, matingvec);

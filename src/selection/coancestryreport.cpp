@@ -47,8 +47,8 @@ void computecoancestry(state &s, int64 selectioncycle, int64 currentgen, int64 &
     writecoancestry(s, selectioncycle, {xax[0], xax[1]});
     if (currentgen != s.pop.ngen + s.pop.ngensel) return;
 
-    firstindiv += s.pop.nindivinthisgen(currentgen - 1);
-    lastindiv += s.pop.nindivinthisgen(currentgen);
+    firstindiv += s.pedi.nindivinthisgen(currentgen - 1);
+    lastindiv += s.pedi.nindivinthisgen(currentgen);
     const std::string genotypes =
         writelastgenotypes(s, selectioncycle, currentgen, firstindiv, lastindiv);
     writebrenvaskspec(s, selectioncycle, relationshipbase::first, genotypes);

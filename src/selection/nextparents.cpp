@@ -50,7 +50,7 @@ array1<int64> rank(const state &s, int64 currentgen, int64 parentgender, int64 n
 void selectnextparentstruncat(state &s, int64 currentgen, int64 parentgender, int64 npargender)
 {
     cycledata &cycle = s.cycle;
-    const int64 nmatings = s.pop.nindivinthisgen(currentgen);
+    const int64 nmatings = s.pedi.nindivinthisgen(currentgen);
     const int64 firstrow = cycle.endtestindiv + 1;
     assert(firstrow == firstindivofgen(s, currentgen));
     stopiftoofewparents(s, parentgender, currentgen, npargender, npargender);

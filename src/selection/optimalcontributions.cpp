@@ -37,7 +37,7 @@ void selectnextparentsoptimcontrib(state &s, int64 selectioncycle, int64 current
     const int64 beforetest = s.cycle.endtestindiv - s.cycle.ntestindiv;
     int64 row = s.cycle.endtestindiv;
     for (const mating &pair :
-         readmatinglist(s, selectioncycle, s.pop.nindivinthisgen(currentgen))) {
+         readmatinglist(s, selectioncycle, s.pedi.nindivinthisgen(currentgen))) {
         ++row;
         s.pedi.ped(row).newsire = beforetest + pair.male;
         s.pedi.ped(row).newdam = beforetest + pair.female;

@@ -12,7 +12,7 @@ void readexternalpedigree(state &s, int64 selectioncycle, int64 currentgen)
     const int64 endtestindiv = s.cycle.endtestindiv;
     infile in(cyclefolder(selectioncycle) + "ExternalPedigree.txt");
     int64 indivpos = endtestindiv;
-    for (int64 k = 1; k <= s.pop.nindivinthisgen(currentgen); ++k) {
+    for (int64 k = 1; k <= s.pedi.nindivinthisgen(currentgen); ++k) {
         ++indivpos;
         in.record();
         const int64 oldglobalid = in.integer();

@@ -36,7 +36,7 @@ void makecyclearrays(state &s, int64 currentgen, arrayscope &arrays)
          {&cycle.estimatedbvrecomb, &cycle.estimatedbvindex, &cycle.estimatedbv})
         arrays.make(*a, cycle.ntestindiv);
     arrays.make(s.edits.indivtobeedited, nbofeditableparents(s, currentgen - 1));
-    s.values.nindivinsimulrun = s.pop.nindivinthisgen(currentgen);
+    s.values.nindivinsimulrun = s.pedi.nindivinthisgen(currentgen);
     makegenotypetables(s, arrays);
 
     for (array1<int64> *a : {&cycle.trainindicator, &cycle.trainindiv, &cycle.gender})

@@ -200,7 +200,7 @@ void reportlastgeneration(state &s, int64 selectioncycle, int64 currentgen)
     cycledata &cycle = s.cycle;
     cycle.starttestindiv = firstindivofgen(s, currentgen);
     cycle.endtestindiv = lastindivofgen(s, currentgen);
-    cycle.ntestindiv = s.pop.nindivinthisgen(currentgen);
+    cycle.ntestindiv = s.pedi.nindivinthisgen(currentgen);
     textline line;
     puta(line, "  Last Generation", 17);
     puti(line, currentgen, 4);
@@ -230,7 +230,7 @@ bool runcycle(state &s, int64 currentgen, int64 endgen)
         return false;
     }
     const int64 startindiv = s.cycle.endtestindiv + 1;
-    const int64 endindiv = startindiv + s.pop.nindivinthisgen(currentgen) - 1;
+    const int64 endindiv = startindiv + s.pedi.nindivinthisgen(currentgen) - 1;
     if (imported)
         printline("");
     else

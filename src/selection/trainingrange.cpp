@@ -17,8 +17,8 @@ void setrange(state &s, int64 firstgen, int64 lastgen)
     cycle.lasttmptraingen = lastgen;
     const int64 ngenerations = s.pop.ngen + s.pop.ngensel;
     cycle.starttrainindiv =
-        s.pop.cumindivnbtogen(std::clamp<int64>(firstgen - 1, 0, ngenerations)) + 1;
-    cycle.endtrainindiv = s.pop.cumindivnbtogen(std::clamp<int64>(lastgen, 0, ngenerations));
+        s.pedi.cumindivnbtogen(std::clamp<int64>(firstgen - 1, 0, ngenerations)) + 1;
+    cycle.endtrainindiv = s.pedi.cumindivnbtogen(std::clamp<int64>(lastgen, 0, ngenerations));
 }
 
 int64 malesinrange(const state &s)
@@ -122,7 +122,7 @@ void settrainingrange(state &s, int64 currentgen)
         break;
     case 3:
         setrange(s, currentgen - 2, currentgen - 2);
-        cycle.ntrainindiv = s.pop.nindivinthisgen(currentgen - 2);
+        cycle.ntrainindiv = s.pedi.nindivinthisgen(currentgen - 2);
         break;
     case 4:
         setrange(s, 1, sel.recombselonoff ? currentgen - 2 : currentgen - 1);
@@ -146,7 +146,7 @@ void settestset(state &s, int64 currentgen)
     cycledata &cycle = s.cycle;
     cycle.starttestindiv = firstindivofgen(s, currentgen - 1);
     cycle.endtestindiv = lastindivofgen(s, currentgen - 1);
-    cycle.ntestindiv = s.pop.nindivinthisgen(currentgen - 1);
+    cycle.ntestindiv = s.pedi.nindivinthisgen(currentgen - 1);
     cycle.gender.allocate(cycle.ntestindiv);
     for (int64 i = 1; i <= cycle.ntestindiv; ++i)
         cycle.gender(i) = s.pedi.globalgender(cycle.starttestindiv + i - 1);

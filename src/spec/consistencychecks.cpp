@@ -28,7 +28,7 @@ bool iseither(std::string_view setting, std::string_view one, std::string_view o
 
 void checkgenerationsandscheme(const specreader &r)
 {
-    const state &s = r.s;
+    const runsettings &s = r.s;
     if (s.pop.ngensel == 0 && s.pop.ngen == 0)
         refuse(100001,
                {"ERROR- NumberGenerationsBurnIn and NumberGenerationsSelection can't both be 0"});
@@ -62,7 +62,7 @@ void checkchips(const specreader &r)
     if (chips.nchip == 1) chips.tmpchip = 1;
 }
 
-void checkmutations(const state &s)
+void checkmutations(const runsettings &s)
 {
     if (s.founders.ndenovomutperchr <= 0) return;
     printlines({"Insert mutations in chromosomes",
@@ -78,7 +78,7 @@ void checkmutations(const state &s)
     }
 }
 
-void checkqtn(state &s)
+void checkqtn(runsettings &s)
 {
     qtnsettings &qtn = s.qtn;
     if (qtn.nqtnperchrom == 0 && qtn.nqtngammaperchrom == 0)
@@ -94,7 +94,7 @@ void checkqtn(state &s)
 }
 
 // Notes only: editing goes on.
-void checkediting(const state &s)
+void checkediting(const runsettings &s)
 {
     if (!s.editing.geneditonoff) return;
     if (s.pop.pedigreefrom != pedigreesource::internal)
@@ -177,7 +177,7 @@ void setphenotypingstrategy(specreader &r)
     }
 }
 
-void checkphenotypingstrategy(const state &s)
+void checkphenotypingstrategy(const runsettings &s)
 {
     const int64 strategy = s.selection.selphenstrat;
     if (strategy == 0)
@@ -217,7 +217,7 @@ void settrainingdata(specreader &r)
 
 void checkestimatedvalues(specreader &r)
 {
-    state &s = r.s;
+    runsettings &s = r.s;
     setaddqtntosnpchip(r);
     if (!iseither(r.addqtntochip, "yes", "no"))
         refuse(100017,
@@ -257,7 +257,7 @@ void checkselection(specreader &r)
     if (r.s.selection.selontbvyes1no0 == 0) checkestimatedvalues(r);
 }
 
-void checktraits(const state &s)
+void checktraits(const runsettings &s)
 {
     if (s.traits.ntraits > 1) {
         printlines({" NOTE: When there is more than one trait, you must specify",
@@ -285,7 +285,7 @@ void checktraits(const state &s)
     if (sum != 1.0) refuse(100033, {"ERROR: The absolute sum of IndexWeights must be equal to 1"});
 }
 
-void notesequences(const state &s)
+void notesequences(const runsettings &s)
 {
     if (s.run.genflexibilityonoff && s.run.specstartgen > 1)
         printlines({" NOTE: When writing out the full sequences,",
@@ -293,14 +293,14 @@ void notesequences(const state &s)
 }
 
 // The key of optimal contributions refuses them when editing was switched on before it.
-void checkcontributions(const state &s)
+void checkcontributions(const runsettings &s)
 {
     if (s.editing.geneditonoff && s.selection.optcontribselonoff)
         refuse(100029,
                {"ERROR: Optimal contribution selection is not compatible with gene editing"});
 }
 
-void checkheritabilities(const state &s)
+void checkheritabilities(const runsettings &s)
 {
     const double recomb = s.traits.heritrecomb;
     if (s.selection.recombselonoff && !(recomb >= 0 && recomb < 1))
@@ -312,7 +312,7 @@ void checkheritabilities(const state &s)
 // Keys that no run can do without, missing or standing where they had no effect.
 void checkcompulsorykeys(const specreader &r)
 {
-    const state &s = r.s;
+    const runsettings &s = r.s;
     if (s.pop.pedigreefrom == pedigreesource::unset) failkey("pedigreestatus");
     if (s.pop.ngen == 0) failkey("numbergenerationsburnin");
     if (s.pop.ngensel == -1) failkey("numbergenerationsselection");
@@ -333,7 +333,7 @@ void checkcompulsorykeys(const specreader &r)
 // Settings by which a stage would reach for what doesn't exist.
 void checkreach(const specreader &r)
 {
-    const state &s = r.s;
+    const runsettings &s = r.s;
     if (s.chips.nchip > 0 && !r.b3) failkey("numberofsnpchips");
     if (s.pop.ngensel > 0) {
         if (s.chips.tmpchip < 1 || s.chips.tmpchip > s.chips.nchip)

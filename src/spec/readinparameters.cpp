@@ -1,6 +1,7 @@
 #include "spec/readinparameters.h"
 
 #include "spec/consistencychecks.h"
+#include "spec/speciestable.h"
 #include "spec/speclines.h"
 #include "spec/specreader.h"
 #include "stops.h"
@@ -128,11 +129,22 @@ void handlerecord(specreader &r, const std::vector<std::string> &records, std::s
         stopwithcode(100000);
     }
 }
+
+// The population history may stand behind the length that it decides. A run that goes on makes no
+// founders: it keeps what was known at the key.
+void settlemorgans(runsettings &s)
+{
+    foundersettings &f = s.founders;
+    if (s.run.specstartgen != 1 || !f.internalmorganssolvanto) return;
+    if (const speciesrow *species = findspecies(f.pophistorymacs))
+        f.morgans = static_cast<double>(species->morgans);
+}
 } // namespace
 
-void readinparameters(state &s)
+runsettings readinparameters()
 {
-    specreader r(s);
+    runsettings settings;
+    specreader r(settings);
     printline("");
     const std::vector<std::string> records = readspeclines("SolvantoSpec.txt");
     for (std::size_t at = 0; at < records.size(); ++at) {
@@ -141,4 +153,6 @@ void readinparameters(state &s)
         if (!isemptyrecord(records[at])) handlerecord(r, records, at);
     }
     checkconsistency(r);
+    settlemorgans(settings);
+    return settings;
 }

@@ -3,7 +3,7 @@
 
 #include "state.h"
 
-// Reads SolvantoSpec.txt of the working directory from top to bottom into a fresh state (its
+// Reads SolvantoSpec.txt of the working directory from top to bottom into fresh settings (their
 // initial values are the defaults of the keys), makes the arrays whose sizes the file decides,
 // and judges the settings against each other. Returns only if all checks pass.
 //
@@ -18,4 +18,4 @@
 // Stops: 11 to 1012 for keys, 100000 for a record that is neither key nor matrix row, 100001 to
 //   100033 and plain stops for settings that contradict each other; an I/O error if there is no
 //   SolvantoSpec.txt.
-void readinparameters(state &s);
+runsettings readinparameters();

@@ -27,8 +27,8 @@ struct speckey {
 
 // The words and counters of the reader that the rest of the run doesn't need.
 struct specreader {
-    explicit specreader(state &st) : s(st) {}
-    state &s;
+    explicit specreader(runsettings &settings) : s(settings) {}
+    runsettings &s;
     // The record at hand.
     std::string first;
     std::vector<std::string> second;

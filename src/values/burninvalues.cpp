@@ -180,7 +180,7 @@ void writerecombination(const state &s)
 void computegeneration(state &s, int64 gen)
 {
     const int64 startindiv = firstindivofgen(s, gen), endindiv = lastindivofgen(s, gen);
-    s.values.nindivinsimulrun = s.pop.nindivinthisgen(gen);
+    s.values.nindivinsimulrun = s.pedi.nindivinthisgen(gen);
     arrayscope arrays;
     makegenotypetables(s, arrays);
     compileqtngenotypes(s, gen, startindiv);

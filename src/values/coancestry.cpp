@@ -18,7 +18,7 @@ array1<double> parentshares(const state &s, int64 currentgen, int64 firstindiv, 
         shares(parent - firstindiv + 1) += 1;
         matings += 1;
     };
-    for (int64 i = 1; i <= s.pop.nindivinthisgen(currentgen); ++i) {
+    for (int64 i = 1; i <= s.pedi.nindivinthisgen(currentgen); ++i) {
         count(s.pedi.ped(lastindiv + i).newsire);
         count(s.pedi.ped(lastindiv + i).newdam);
     }

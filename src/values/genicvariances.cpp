@@ -60,8 +60,8 @@ void sumloci(const state &s, int64 p, int64 j, generationvariances &v)
 double samplevariance(const state &s, const array3<double> &values, int64 gen, int64 p, int64 j)
 {
     double ave, adev, sdev, var, skew, curt;
-    moment(values.column(p, j) + firstindivofgen(s, gen) - 1, s.pop.nindivinthisgen(gen), ave, adev,
-           sdev, var, skew, curt);
+    moment(values.column(p, j) + firstindivofgen(s, gen) - 1, s.pedi.nindivinthisgen(gen), ave,
+           adev, sdev, var, skew, curt);
     return var;
 }
 

@@ -75,7 +75,7 @@ void compileqtngenotypes(state &s, int64 currentgen, int64 startindiv)
 void writefixedqtn(state &s, int64 currentgen)
 {
     const array2<int8> &genos = s.loci.sets[setofselection(s)].qtngenos;
-    const int64 nindiv = s.pop.nindivinthisgen(currentgen);
+    const int64 nindiv = s.pedi.nindivinthisgen(currentgen);
     outfile out;
     textline line;
     if (currentgen == 1) {

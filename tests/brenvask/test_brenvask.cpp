@@ -1,6 +1,7 @@
 // Genomic relationships: the program against sums over loci taken one by one here, the base on
 // which the cycles of a programme stand, which file is taken.
 #include "Brenvask/brenvask.h"
+#include "openstate.h"
 
 #include "evaluation/relationshipruns.h"
 #include "evaluationsupport.h"
@@ -20,7 +21,7 @@ const std::string testfile = "TmpChip1GenotypeTest.txt",
 void writespec(const std::string &genotypefile, int64 nsnp,
                relationshipbase base = relationshipbase::present)
 {
-    state s;
+    openstate s;
     s.loci.nsnpforsel = nsnp;
     s.selection.selontbvyes1no0 = 0;
     s.selection.selmethindicator = genotypefile == "None" ? 1 : 2;

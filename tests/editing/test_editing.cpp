@@ -1,6 +1,7 @@
 #include "editing/edittargets.h"
 #include "editing/genedrive.h"
 #include "haplotypes/blocks.h"
+#include "openstate.h"
 #include "selection/population.h"
 #include "testsupport.h"
 
@@ -28,7 +29,7 @@ class editing : public infolder
                                        "Chromosomes/Chromosome2", "Selection/SelectionFolder1"})
             std::filesystem::create_directories(folderpath);
     }
-    state s;
+    openstate s;
 };
 } // namespace
 

@@ -1,5 +1,6 @@
 #include "evaluation/solutionfiles.h"
 #include "evaluation/trainingdata.h"
+#include "openstate.h"
 #include "testsupport.h"
 
 #include <filesystem>
@@ -9,7 +10,7 @@ using trainingdata = infolder;
 TEST_F(trainingdata, fixedlocihavenoneorallofthealleles)
 {
     std::filesystem::create_directories("Selection/SelectionFolder2");
-    state s;
+    openstate s;
     s.founders.nchrom = s.chips.tmpchip = 1;
     s.loci.nsnponthischipchrom.allocate(1, 1, 5);
     s.selection.addqtntosnpchip = 2;

@@ -1,4 +1,5 @@
 #include "founders/mutationslots.h"
+#include "openstate.h"
 #include "testsupport.h"
 #include "textlayout.h"
 
@@ -12,7 +13,7 @@ TEST_F(mutationslots, betweenneighbours)
     writefile(chromfolder(1) + "SegSites.txt", " 3\n");
     writefile(chromfolder(1) + "MacsHaplotypes.txt", " 0 1 0\n");
     for (int64 seed = 1; seed <= 40; ++seed) {
-        state s;
+        openstate s;
         s.founders.nchrom = 1;
         s.founders.ndenovomutperchr = 5;
         s.random.idum = -seed;

@@ -1,4 +1,5 @@
 #include "haplotypes/recombmap.h"
+#include "openstate.h"
 
 #include "testsupport.h"
 
@@ -37,7 +38,7 @@ class recombmap : public infolder
     {
         return readlines("RecombinationSpecifications/Chromosome2Achieved.txt");
     }
-    state s;
+    openstate s;
 };
 
 // By hand. Starts 0, 0.41, 0.5 are first met at sites 1, 123, 150: blocks 1, 3, 3; the third may

@@ -1,6 +1,7 @@
 // Choice of the chip markers and QTN of a chromosome, with and without regions.
 #include "markers/chips.h"
 #include "markers/qtnplacement.h"
+#include "openstate.h"
 #include "testsupport.h"
 
 #include <algorithm>
@@ -23,7 +24,7 @@ class markerchoice : public infolder
 };
 
 // A chromosome of n sites; site k has minor allele frequency 0.1, 0.2, ... 0.5, 0.1, ...
-void setchromosome(state &s, int64 n)
+void setchromosome(openstate &s, int64 n)
 {
     s.founders.nchrom = 2;
     s.sites.nsegregincl = n;
@@ -55,7 +56,7 @@ void setchromosome(state &s, int64 n)
     s.random.idum = -1234;
 }
 
-void setmutation(state &s, int64 site, int64 carrier)
+void setmutation(openstate &s, int64 site, int64 carrier)
 {
     s.sites.inclmutindicator(site) = 1;
     s.sites.inclmutindicatorindivid(site) = carrier;
@@ -77,7 +78,7 @@ const char *const restricted = "RestrictedQtnInformation.txt";
 
 TEST_F(markerchoice, liststhatendtoosoon)
 {
-    state s;
+    openstate s;
     setchromosome(s, 60);
     const auto stop = [&](auto body, int64 code, const std::string &message) {
         const outcome result = runbody(body);
@@ -104,7 +105,7 @@ TEST_F(markerchoice, liststhatendtoosoon)
 
 TEST_F(markerchoice, regionsgivethesites)
 {
-    state s;
+    openstate s;
     setchromosome(s, 120);
     array1<int8> isqtvpos(120);
     const auto place = [&](const std::string &file, int64 nqtn, int64 lastsnp, bool first) {
@@ -157,7 +158,7 @@ TEST_F(markerchoice, regionsgivethesites)
 
 TEST_F(markerchoice, clusterskeepsetsfullanddistinct)
 {
-    state s;
+    openstate s;
     setchromosome(s, 120);
     setmutation(s, 13, 4);
     setmutation(s, 90, 4);
@@ -199,7 +200,7 @@ TEST_F(markerchoice, clusterskeepsetsfullanddistinct)
 TEST_F(markerchoice, filluprespectsthechips)
 {
     // Only the first half of the sites lies in the band, and chips have walked all of it.
-    state s;
+    openstate s;
     setchromosome(s, 120);
     for (int64 k = 1; k <= 120; ++k) s.sites.minorallelefreq(k) = k <= 60 ? 0.4 : 0.1;
     writefile("QtnSpecifications/Chromosome2.txt", "0.6 0.9 1\n");

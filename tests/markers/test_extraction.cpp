@@ -3,6 +3,7 @@
 #include "haplotypes/blocks.h"
 #include "markers/extraction.h"
 #include "markers/sitepicker.h"
+#include "openstate.h"
 #include "testsupport.h"
 
 #include <filesystem>
@@ -74,7 +75,7 @@ class genotypefiles : public infolder
         EXPECT_TRUE(readfile(chromosome + name + "Genotype" + generation) == genotypes) << name;
     }
     const std::string chromosome = "Chromosomes/Chromosome3/";
-    state s;
+    openstate s;
 };
 } // namespace
 

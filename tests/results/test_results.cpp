@@ -1,5 +1,6 @@
 // Chip and sequence files of a chromosome that were changed behind the run that made them.
 #include "files.h"
+#include "openstate.h"
 #include "results/sequence.h"
 #include "results/snpchips.h"
 #include "testsupport.h"
@@ -20,9 +21,9 @@ class resultfiles : public infolder
         std::filesystem::create_directories("SimulatedData/AllIndividualsSnpChips");
         s.founders.nchrom = s.pop.ngen = s.chips.nchip = s.chips.tmpchip = 1;
         s.pop.nindivp = 3;
-        s.pop.nindivinthisgen.allocate({0, 1}, 3);
-        s.pop.cumindivnbtogen.allocate({0, 1});
-        s.pop.cumindivnbtogen(1) = 3;
+        s.pedi.nindivinthisgen.allocate({0, 1}, 3);
+        s.pedi.cumindivnbtogen.allocate({0, 1});
+        s.pedi.cumindivnbtogen(1) = 3;
         s.run.specstartgen = 2; // no folder is made
         s.run.specendgen = 2;
         s.sites.nsegreginclglobal.allocate(1, 60);
@@ -43,7 +44,7 @@ class resultfiles : public infolder
         const outcome result = runbody(body);
         return result.code() == -2 ? result.stop.reason : "no I/O error";
     }
-    state s;
+    openstate s;
 };
 } // namespace
 

@@ -1,21 +1,21 @@
 // population.h - a small population by hand, for the tests of the selection cycle.
 #pragma once
 
-#include "state.h"
+#include "openstate.h"
 
 #include <numeric>
 #include <vector>
 
 // Generations of the given sizes, the first ngen of them burn-in; males and females take turns.
 // No parents, values 0, one trait, one QTN model.
-inline void makepopulation(state &s, int64 ngen, const std::vector<int64> &sizes)
+inline void makepopulation(openstate &s, int64 ngen, const std::vector<int64> &sizes)
 {
     const int64 n = static_cast<int64>(sizes.size());
     s.pop.ngen = ngen;
     s.pop.ngensel = n - ngen;
     s.pop.nindivp = std::accumulate(sizes.begin(), sizes.end(), int64(0));
-    s.pop.nindivinthisgen.allocate({0, n});
-    s.pop.cumindivnbtogen.allocate({0, n});
+    s.pedi.nindivinthisgen.allocate({0, n});
+    s.pedi.cumindivnbtogen.allocate({0, n});
     for (array1<int64> *numbers : {&s.pop.nsireinthisgen, &s.pop.ndaminthisgen,
                                    &s.pop.nrandparinthisgen, &s.pop.nselfedparinthisgen})
         numbers->allocate(n);
@@ -25,9 +25,9 @@ inline void makepopulation(state &s, int64 ngen, const std::vector<int64> &sizes
     s.pedi.globalgender.allocate(s.pop.nindivp);
     int64 row = 0;
     for (int64 g = 1; g <= n; ++g) {
-        s.pop.nindivinthisgen(g) = sizes[static_cast<std::size_t>(g - 1)];
-        s.pop.cumindivnbtogen(g) = s.pop.cumindivnbtogen(g - 1) + s.pop.nindivinthisgen(g);
-        for (int64 k = 1; k <= s.pop.nindivinthisgen(g); ++k) {
+        s.pedi.nindivinthisgen(g) = sizes[static_cast<std::size_t>(g - 1)];
+        s.pedi.cumindivnbtogen(g) = s.pedi.cumindivnbtogen(g - 1) + s.pedi.nindivinthisgen(g);
+        for (int64 k = 1; k <= s.pedi.nindivinthisgen(g); ++k) {
             ++row;
             s.pedi.ped(row).newid = row;
             s.pedi.ped(row).generation = g;
@@ -46,12 +46,12 @@ inline void makepopulation(state &s, int64 ngen, const std::vector<int64> &sizes
 }
 
 // Makes generation gen the test set, with these values to be ranked on.
-inline void settest(state &s, int64 gen, const std::vector<double> &values)
+inline void settest(openstate &s, int64 gen, const std::vector<double> &values)
 {
     cycledata &cycle = s.cycle;
     cycle.starttestindiv = firstindivofgen(s, gen);
     cycle.endtestindiv = lastindivofgen(s, gen);
-    cycle.ntestindiv = s.pop.nindivinthisgen(gen);
+    cycle.ntestindiv = s.pedi.nindivinthisgen(gen);
     cycle.gender.allocate(cycle.ntestindiv);
     cycle.estimatedbv.allocate(cycle.ntestindiv);
     for (int64 i = 1; i <= cycle.ntestindiv; ++i) {
@@ -60,14 +60,14 @@ inline void settest(state &s, int64 gen, const std::vector<double> &values)
     }
 }
 
-inline std::vector<int64> siresof(const state &s, int64 gen)
+inline std::vector<int64> siresof(const openstate &s, int64 gen)
 {
     std::vector<int64> sires;
     for (int64 i = firstindivofgen(s, gen); i <= lastindivofgen(s, gen); ++i)
         sires.push_back(s.pedi.ped(i).newsire);
     return sires;
 }
-inline std::vector<int64> damsof(const state &s, int64 gen)
+inline std::vector<int64> damsof(const openstate &s, int64 gen)
 {
     std::vector<int64> dams;
     for (int64 i = firstindivofgen(s, gen); i <= lastindivofgen(s, gen); ++i)

@@ -1,3 +1,4 @@
+#include "openstate.h"
 #include "selection/nextparents.h"
 #include "selection/population.h"
 #include "testsupport.h"
@@ -12,7 +13,7 @@ const double infinite = std::numeric_limits<double>::infinity();
 class nextparents : public infolder
 {
   protected:
-    state s;
+    openstate s;
 };
 } // namespace
 

@@ -1,3 +1,4 @@
+#include "openstate.h"
 #include "selection/population.h"
 #include "selection/selectionindex.h"
 #include "testsupport.h"
@@ -27,7 +28,7 @@ class selectionindex : public infolder
     {
         std::copy(values.begin(), values.end(), s.cycle.estimatedbvtrait.column(t));
     }
-    state s;
+    openstate s;
     const std::string file = "Selection/SelectionFolder1/SelectionIndex.txt";
 };
 } // namespace

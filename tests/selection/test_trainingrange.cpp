@@ -1,3 +1,4 @@
+#include "openstate.h"
 #include "selection/population.h"
 #include "selection/trainingrange.h"
 #include "testsupport.h"
@@ -24,7 +25,7 @@ class trainingrange : public infolder
         return {cycle.starttrainindiv, cycle.endtrainindiv, cycle.firsttmptraingen,
                 cycle.lasttmptraingen, cycle.ntrainindiv};
     }
-    state s;
+    openstate s;
 };
 } // namespace
 

@@ -9,14 +9,14 @@ namespace
 {
 struct reading {
     outcome result;
-    state s;
+    runsettings s;
 };
 
 reading readspec(const spectext &spec)
 {
     reading r;
     spec.write();
-    r.result = runbody([&] { readinparameters(r.s); });
+    r.result = runbody([&] { r.s = readinparameters(); });
     return r;
 }
 
@@ -60,9 +60,9 @@ TEST_F(readinparametersspec, recordsandkeyforms)
     text.pop_back();
     for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; at += 2)
         text.insert(at, "\r");
-    state s;
+    runsettings s;
     writefile("SolvantoSpec.txt", text);
-    const outcome windows = runbody([&] { readinparameters(s); });
+    const outcome windows = runbody([&] { s = readinparameters(); });
     ASSERT_EQ(windows.code(), 0) << windows.output;
     EXPECT_EQ(s.founders.nhaps, 1000);
     EXPECT_EQ(s.founders.nchrom, 3);
@@ -101,7 +101,6 @@ TEST_F(readinparametersspec, skippedandtoleratedvalues)
                 "MergeFiles,bad$name; ShapeAndScaleOfGammaDist,1; NumberOfEditedIndividuals,5; "
                 "NumberOfGeneEditsPerIndividual,5"));
     EXPECT_EQ(r.s.pop.ngendh, 0);
-    EXPECT_FALSE(r.s.edits.idofgenomeeditinds.allocated());
 
     // Chips off fix one chip with one locus, whatever its details say, and a later On changes
     // nothing of that.
@@ -125,6 +124,17 @@ TEST_F(readinparametersspec, skippedandtoleratedvalues)
     EXPECT_EQ(r.s.qtn.domdegmean, 0);
     EXPECT_EQ(r.s.qtn.domdegvar, 0.3);
     EXPECT_FALSE(r.s.run.fullseqoutonoff);
+
+    // A length left to a history that stands behind it: founders know it, a run that goes on
+    // doesn't.
+    spectext behind = changed("ChromosomeLengthMorgansSolvanto,Internal")
+                          .movebefore("ChromosomeLengthMorgansSolvanto", "PopulationHistoryMaCS");
+    r = readpassing(behind);
+    EXPECT_EQ(r.s.founders.morgans, 1);
+    r = readpassing(behind.change("GenerationFlexibilityOnOff,On; StartStopGeneration,2,3"));
+    EXPECT_EQ(r.s.founders.morgans, 0);
+    EXPECT_TRUE(r.result.output.find("ChromosomeLengthMorgansSolvanto not set properly") !=
+                std::string::npos);
 }
 
 // Broken files end with a stop or are read; never with anything else (sanitizers and the bounds
@@ -133,11 +143,11 @@ TEST_F(readinparametersspec, brokenfilesneverdomoreharmthanastop)
 {
     const auto codeof = [](const std::string &text) {
         writefile("SolvantoSpec.txt", text);
-        state s;
-        return runbody([&] { readinparameters(s); }).code();
+        runsettings s;
+        return runbody([&] { s = readinparameters(); }).code();
     };
-    state none;
-    EXPECT_EQ(runbody([&] { readinparameters(none); }).code(), -2);
+    runsettings none;
+    EXPECT_EQ(runbody([&] { none = readinparameters(); }).code(), -2);
     const std::string good = goodspec().text();
     for (std::size_t n = 0; n < good.size(); n += 37) EXPECT_NE(codeof(good.substr(0, n)), -2);
     std::mt19937 random(7);

@@ -35,8 +35,8 @@ TEST_F(specdocs, tellthekeysoftheprogram)
     EXPECT_EQ(keysinexample, names);
 
     documentedspec().write();
-    state s;
-    const outcome result = runbody([&] { readinparameters(s); });
+    runsettings s;
+    const outcome result = runbody([&] { s = readinparameters(); });
     EXPECT_EQ(result.code(), 0) << result.output;
     EXPECT_EQ(result.output.find("ERROR"), std::string::npos) << result.output;
 }

@@ -1,4 +1,5 @@
 // The effect stage: covariances, classes.
+#include "openstate.h"
 #include "testsupport.h"
 #include "traits/covariances.h"
 #include "traits/effectarrays.h"
@@ -25,7 +26,7 @@ class effectstage : public infolder
 // part: 1.25 x 8 = 10.
 TEST_F(effectstage, choleskyfactors)
 {
-    state s = statewithtraits(2);
+    openstate s = statewithtraits(2);
     s.traits.varaspec(1) = 4;
     s.traits.varaspec(2) = 8;
     s.traits.coraspec(2, 2) = 1.25;
@@ -68,7 +69,7 @@ TEST_F(effectstage, choleskyfactors)
 // has 32 equal QTN, whose shares are exact: a quarter is not yet more than a quarter.
 TEST_F(effectstage, classesofqtn)
 {
-    state s = statewithtraits(1);
+    openstate s = statewithtraits(1);
     s.loci.ntotqtn = s.loci.ntotqtngamma = 100;
     arrayscope arrays;
     makeeffectarrays(s, arrays);

@@ -1,28 +1,28 @@
 // traitsettings.h - a state as the specification leaves it, for the tests of effects and values.
 #pragma once
 
-#include "state.h"
+#include "openstate.h"
 
 #include <vector>
 
 // Generations of burn-in of these sizes, two chromosomes, seven QTN, four models, and no dominance,
 // mutations or recombination trait. Trait j has heritability 0.2 + 0.1 j and variance j; genetic
 // correlations are 0.5, residual ones -0.2.
-inline state statewithtraits(int64 ntraits, const std::vector<int64> &sizes = {12, 9, 10})
+inline openstate statewithtraits(int64 ntraits, const std::vector<int64> &sizes = {12, 9, 10})
 {
-    state s;
+    openstate s;
     s.random.idum = -77;
     s.founders.nchrom = 2;
     s.founders.morgans = 1.5;
     s.run.specstartgen = 1;
     s.run.specendgen = s.pop.ngen = static_cast<int64>(sizes.size());
-    s.pop.nindivinthisgen.allocate({0, s.pop.ngen});
-    s.pop.cumindivnbtogen.allocate({0, s.pop.ngen});
+    s.pedi.nindivinthisgen.allocate({0, s.pop.ngen});
+    s.pedi.cumindivnbtogen.allocate({0, s.pop.ngen});
     for (int64 g = 1; g <= s.pop.ngen; ++g) {
-        s.pop.nindivinthisgen(g) = sizes[static_cast<std::size_t>(g - 1)];
-        s.pop.cumindivnbtogen(g) = s.pop.cumindivnbtogen(g - 1) + s.pop.nindivinthisgen(g);
+        s.pedi.nindivinthisgen(g) = sizes[static_cast<std::size_t>(g - 1)];
+        s.pedi.cumindivnbtogen(g) = s.pedi.cumindivnbtogen(g - 1) + s.pedi.nindivinthisgen(g);
     }
-    s.pop.nindivp = s.pop.cumindivnbtogen(s.pop.ngen);
+    s.pop.nindivp = s.pedi.cumindivnbtogen(s.pop.ngen);
     s.qtn.nqtn = s.qtn.nqtngamma = 7;
     s.qtn.nqtnmodels = 4;
     s.qtn.shapeparam = 0.4;

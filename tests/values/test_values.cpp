@@ -1,4 +1,5 @@
 // Routines of the values stage one by one.
+#include "openstate.h"
 #include "pedigree/pedigree.h"
 #include "sortstat.h"
 #include "testsupport.h"
@@ -41,7 +42,7 @@ struct onegeneration {
         for (int64 i = 1; i <= n; ++i) s.pedi.ped(i).newid = i;
         s.values.nindivinsimulrun = n;
     }
-    state s;
+    openstate s;
     arrayscope arrays;
 };
 } // namespace
@@ -81,7 +82,7 @@ TEST_F(values, residualcovariancesandheritability)
 {
     const int64 n = 20000;
     onegeneration generation(n, 3);
-    state &s = generation.s;
+    openstate &s = generation.s;
     for (int64 i = 1; i <= n; ++i)
         for (int64 p = 1; p <= 4; ++p)
             for (int64 j = 1; j <= 3; ++j)
@@ -122,7 +123,7 @@ TEST_F(values, residualcovariancesandheritability)
 // heritability of 1/3 give vararecombt = (1/3 / 4) / (2/3) = 1/8.
 TEST_F(values, recombinationtraitbyhand)
 {
-    state s = statewithtraits(1, {4, 4});
+    openstate s = statewithtraits(1, {4, 4});
     s.traits.heritrecomb = 1.0 / 3;
     s.selection.recombselonoff = true;
     s.founders.morgans = 2;
@@ -164,7 +165,7 @@ TEST_F(values, recombinationtraitbyhand)
 TEST_F(values, accuracyofonetrait)
 {
     onegeneration generation(8, 1);
-    state &s = generation.s;
+    openstate &s = generation.s;
     s.qtn.qtnmodel = 2;
     s.pop.ngensel = 3;
     s.cycle.starttestindiv = 3;
