@@ -29,18 +29,22 @@ class haplotypestore
     bool allocated() const { return cells.allocated(); }
     int64 nhaplos() const { return n; }
     int64 nblock() const { return blocks; }
-    int64 &operator()(int64 h, int64 b) { return cells(place(h, b) + 1); }
-    int64 operator()(int64 h, int64 b) const { return cells(place(h, b) + 1); }
+    int64 &operator()(int64 h, int64 b) { return cells(start(h) + inside(b)); }
+    int64 operator()(int64 h, int64 b) const { return cells(start(h) + inside(b)); }
     // The blocks of haplotype h, the first of them at offset 0.
-    int64 *haplotype(int64 h) { return cells.data() + place(h, 1); }
-    const int64 *haplotype(int64 h) const { return cells.data() + place(h, 1); }
+    int64 *haplotype(int64 h) { return cells.data() + start(h); }
+    const int64 *haplotype(int64 h) const { return cells.data() + start(h); }
 
   private:
-    int64 place(int64 h, int64 b) const
+    int64 start(int64 h) const
     {
         assert(h >= 1 && h <= n);
+        return (h - 1) * blocks;
+    }
+    int64 inside(int64 b) const
+    {
         assert(b >= 1 && b <= blocks);
-        return (h - 1) * blocks + b - 1;
+        return b;
     }
     array1<int64> cells;
     int64 n = 0, blocks = 0;
@@ -71,19 +75,23 @@ class genomestore
     void fill(int64 value) { cells.fill(value); }
     int64 nindiv() const { return n; }
     int64 nblock() const { return blocks; }
-    int64 &operator()(int64 k, int64 b, int64 m) { return cells(place(k, b, m) + 1); }
-    int64 operator()(int64 k, int64 b, int64 m) const { return cells(place(k, b, m) + 1); }
+    int64 &operator()(int64 k, int64 b, int64 m) { return cells(start(k, m) + inside(b)); }
+    int64 operator()(int64 k, int64 b, int64 m) const { return cells(start(k, m) + inside(b)); }
     // The blocks of gamete m of individual k, the first of them at offset 0.
-    int64 *gamete(int64 k, int64 m) { return cells.data() + place(k, 1, m); }
-    const int64 *gamete(int64 k, int64 m) const { return cells.data() + place(k, 1, m); }
+    int64 *gamete(int64 k, int64 m) { return cells.data() + start(k, m); }
+    const int64 *gamete(int64 k, int64 m) const { return cells.data() + start(k, m); }
 
   private:
-    int64 place(int64 k, int64 b, int64 m) const
+    int64 start(int64 k, int64 m) const
     {
         assert(k >= 1 && k <= n);
-        assert(b >= 1 && b <= blocks);
         assert(m == 1 || m == 2);
-        return ((k - 1) * 2 + m - 1) * blocks + b - 1;
+        return ((k - 1) * 2 + m - 1) * blocks;
+    }
+    int64 inside(int64 b) const
+    {
+        assert(b >= 1 && b <= blocks);
+        return b;
     }
     array1<int64> cells;
     int64 n = 0, blocks = 0;
