@@ -107,13 +107,13 @@ void writeresults(state &s)
 }
 } // namespace
 
-void solvanto()
+void solvanto(const runoptions &options)
 {
     const float start = cpuseconds();
     titles();
     randomstream random;
     initiateseed(random);
-    const runsettings settings = readinparameters();
+    const runsettings settings = readinparameters(options);
     state s(settings);
     s.random = random;
     startmerge(s);

@@ -15,6 +15,7 @@
 #include "genomes.h"
 #include "pedigreeline.h"
 #include "randomnumbers.h"
+#include "runoptions.h"
 
 #include <array>
 #include <map>
@@ -303,6 +304,7 @@ struct editdata {
 // What holds for the whole run: made by the reader of the specification (or by a test), and behind
 // it only looked at.
 struct runsettings {
+    runoptions options;
     runcontrol run;
     populationsettings pop;
     foundersettings founders;
@@ -328,9 +330,10 @@ struct stagerecords {
 // The settings must live as long as the state.
 struct state : stagerecords {
     explicit state(const runsettings &settings)
-        : run(settings.run), pop(settings.pop), founders(settings.founders), chips(settings.chips),
-          qtn(settings.qtn), traits(settings.traits), selection(settings.selection),
-          editing(settings.editing)
+
+        : options(settings.options), run(settings.run), pop(settings.pop),
+          founders(settings.founders), chips(settings.chips), qtn(settings.qtn),
+          traits(settings.traits), selection(settings.selection), editing(settings.editing)
     {
         pedi.nindivinthisgen = pop.nindivinthisgen;
         pedi.cumindivnbtogen = pop.cumindivnbtogen;
@@ -338,6 +341,7 @@ struct state : stagerecords {
     state(const state &) = delete;
     state &operator=(const state &) = delete;
 
+    const runoptions &options;
     const runcontrol &run;
     const populationsettings &pop;
     const foundersettings &founders;

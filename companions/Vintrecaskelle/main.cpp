@@ -2,6 +2,7 @@
 // simulator for N haplotypes, into SegSites.txt, PhysicalMapInput.txt and MacsHaplotypes.txt.
 // Ends with 0 when all three stand, otherwise with a message on standard error and none of them.
 #include "haplotypefiles.h"
+#include "programinfo.h"
 #include "stops.h"
 #include "textlayout.h"
 
@@ -10,6 +11,11 @@
 namespace
 {
 constexpr int64 mosthaplotypes = 1000000000;
+
+constexpr programinfo info{
+    "Vintrecaskelle", "founder haplotypes as plain files", "N",
+    "Turns output.txt of the working directory, the output of macs for N haplotypes, into\n"
+    "SegSites.txt, PhysicalMapInput.txt and MacsHaplotypes.txt.\n"};
 
 void format(int64 nhaplotypes)
 {
@@ -23,6 +29,7 @@ void format(int64 nhaplotypes)
 
 int main(int argc, char **argv)
 {
+    if (answered(info, argc, argv)) return 0;
     int64 nhaplotypes = 0;
     if (argc != 2 || !readinteger(argv[1], nhaplotypes) || nhaplotypes < 1 ||
         nhaplotypes > mosthaplotypes) {

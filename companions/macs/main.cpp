@@ -4,6 +4,7 @@
 #include "macs/seed.h"
 #include "macs/simulate.h"
 
+#include "programinfo.h"
 #include "stops.h"
 
 #include <cstdio>
@@ -29,5 +30,10 @@ void runmacs(const std::vector<std::string> &words)
 
 int main(int argc, char **argv)
 {
+    const std::string details = macs::usage() + "It writes the sites and haplotypes to standard "
+                                                "output; docs/macs.md tells the layout.\n";
+    const programinfo info{"macs", "coalescent simulator of founder haplotypes",
+                           "N L -t theta [options]", details.c_str()};
+    if (answered(info, argc, argv)) return 0;
     return runtostop([&] { runmacs({argv, argv + argc}); });
 }

@@ -9,7 +9,6 @@
 #include "stops.h"
 #include "textlayout.h"
 
-#include <cstdio>
 #include <vector>
 
 std::string trainingpedigree(int64 selectedtrait)
@@ -236,12 +235,9 @@ void readquillomerepebvs(state &s, int64 selectioncycle, int64 selectedtrait)
     }
     out.close();
     if (i < cycle.ntestindiv)
-        std::fprintf(stderr,
-                     "warning: %s holds estimates of %lld of %lld candidates, the others count as "
-                     "0; %s\n",
-                     path.c_str(), static_cast<long long>(i),
-                     static_cast<long long>(cycle.ntestindiv),
-                     lookinlog(selectioncycle, logname).c_str());
+        warn(s.options, path, 0,
+             "it holds estimates of " + numbertext(i) + " of " + numbertext(cycle.ntestindiv) +
+                 " candidates, the others count as 0; " + lookinlog(selectioncycle, logname));
 }
 
 void computereadebv(state &s, int64 selectioncycle, int64 selectedtrait)

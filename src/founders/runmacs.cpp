@@ -9,7 +9,6 @@
 #include "words.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace
 {
@@ -49,21 +48,20 @@ macsrun lookatrun(int64 chrom)
     return run;
 }
 
-void warnofequalruns(const macsrun &before, const macsrun &run, int64 chrom)
+void warnofequalruns(const runoptions &options, const macsrun &before, const macsrun &run,
+                     int64 chrom)
 {
     if (run.seedline.empty() || run.seedline != before.seedline) return;
     if (run.nsites != before.nsites || run.nsites == "0") return;
-    std::fflush(stdout);
-    std::fprintf(stderr,
-                 "WARNING: chromosomes %lld and %lld began with the same seed and have the same "
-                 "number of sites (%s):\n"
-                 "their founder haplotypes are likely the same. Runs of macs need seeds of their "
-                 "own: no -s in a\n"
-                 "file of options, and a macs that takes its seed from the clock gives two runs "
-                 "that begin in\n"
-                 "one second the same. See output.txt of both folders.\n",
-                 static_cast<long long>(chrom - 1), static_cast<long long>(chrom),
-                 run.nsites.c_str());
+    warn(options, "", 0,
+         "chromosomes " + numbertext(chrom - 1) + " and " + numbertext(chrom) +
+             " began with the same seed and have the same number of sites (" + run.nsites +
+             "):\n"
+             "their founder haplotypes are likely the same. Runs of macs need seeds of their own: "
+             "no -s in a\n"
+             "file of options, and a macs that takes its seed from the clock gives two runs that "
+             "begin in\n"
+             "one second the same. See output.txt of both folders.");
 }
 } // namespace
 
@@ -77,7 +75,7 @@ void runmacs(state &s)
         printfree("Chromosome: ", i);
         runmacshelper(s, "cd Chromosomes/Chromosome" + numbertext(i), i);
         const macsrun run = lookatrun(i);
-        warnofequalruns(before, run, i);
+        warnofequalruns(s.options, before, run, i);
         before = run;
     }
     printline(" MaCS finished");

@@ -3,11 +3,11 @@
 #include "pedigree/breedingplan.h"
 #include "pedigree/matings.h"
 #include "pedigree/parentnumbers.h"
+#include "words.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cmath>
-#include <cstdio>
 #include <vector>
 
 namespace
@@ -30,12 +30,10 @@ array1<int64> rank(const state &s, int64 currentgen, int64 parentgender, int64 n
                           return x > y || (x == y && a < b);
                       });
     if (nfound < npargender)
-        std::fprintf(
-            stderr,
-            "warning: %lld parents of generation %lld are asked for, %lld candidates have a "
-            "finite value; the last is entered again\n",
-            static_cast<long long>(npargender), static_cast<long long>(currentgen - 1),
-            static_cast<long long>(nfound));
+        warn(s.options, "", 0,
+             numbertext(npargender) + " parents of generation " + numbertext(currentgen - 1) +
+                 " are asked for, " + numbertext(nfound) +
+                 " candidates have a finite value; the last is entered again");
     array1<int64> selectedindividuals(npargender, 1);
     for (int64 k = 1; k <= npargender; ++k) {
         if (k <= nfound)

@@ -141,9 +141,10 @@ void settlemorgans(runsettings &s)
 }
 } // namespace
 
-runsettings readinparameters()
+runsettings readinparameters(const runoptions &options)
 {
     runsettings settings;
+    settings.options = options;
     specreader r(settings);
     printline("");
     const std::vector<std::string> records = readspeclines("SolvantoSpec.txt");

@@ -18,4 +18,4 @@
 // Stops: 11 to 1012 for keys, 100000 for a record that is neither key nor matrix row, 100001 to
 //   100033 and plain stops for settings that contradict each other; an I/O error if there is no
 //   SolvantoSpec.txt.
-runsettings readinparameters();
+runsettings readinparameters(const runoptions &options = {});

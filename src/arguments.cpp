@@ -1,0 +1,54 @@
+#include "arguments.h"
+
+#include <cstdio>
+#include <string_view>
+
+namespace
+{
+constexpr programinfo solvantoinfo{
+    "solvanto", "simulates a breeding programme in the working directory", "[--quiet]",
+    "Without arguments it runs the programme that SolvantoSpec.txt describes: generations of\n"
+    "burn-in and selection, with genomes, true values, phenotypes and predictions.\n"
+    "\n"
+    "  --quiet     no warnings on standard error\n"
+    "  --help      this text\n"
+    "  --version   version of the release and commit of the build\n"
+    "\n"
+    "It reads SolvantoSpec.txt, Seed.txt and the files that the specification names, and starts\n"
+    "its companions macs, Vintrecaskelle, Quillomere, QuillomereP, Brenvask and Corvalind from "
+    "the\n"
+    "working directory. It writes Chromosomes, SimulatedData and Selection, SeedOld.txt and the\n"
+    "next seed into Seed.txt.\n"
+    "\n"
+    "Exit status: 0 when the run came to its end; 2 for arguments and files that could not be\n"
+    "read or written; otherwise the code behind STOP modulo 256, 1 for a stop without one.\n"};
+
+void refuse(arguments &given, std::string_view word)
+{
+    given.action = arguments::actions::done;
+    given.status = 2;
+    std::fprintf(stderr, "ERROR: argument %.*s is not known\n", static_cast<int>(word.size()),
+                 word.data());
+    if (!word.starts_with("-"))
+        std::fprintf(stderr, "solvanto takes no names of files: it reads SolvantoSpec.txt of the "
+                             "working directory\n");
+    std::fprintf(stderr, "solvanto --help tells what there is\n");
+}
+} // namespace
+
+arguments readarguments(int argc, char **argv)
+{
+    arguments given;
+    if (answered(solvantoinfo, argc, argv)) {
+        given.action = arguments::actions::done;
+        return given;
+    }
+    for (int i = 1; i < argc && given.action != arguments::actions::done; ++i) {
+        const std::string_view word = argv[i];
+        if (word == "--quiet")
+            given.options.quiet = true;
+        else
+            refuse(given, word);
+    }
+    return given;
+}

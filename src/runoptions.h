@@ -1,0 +1,15 @@
+// runoptions.h - what the arguments of a run ask for beyond the specification, and the warnings that
+// they switch off. None of it changes a file or a line of standard output.
+#pragma once
+
+#include "arrays.h"
+
+#include <string_view>
+
+struct runoptions {
+    bool quiet = false; // no warnings
+};
+
+// One line on standard error, unless warnings are off: "WARNING: file:line: text". A line of 0 names
+// the file alone; an empty file, neither.
+void warn(const runoptions &options, std::string_view file, int64 line, std::string_view text);
