@@ -8,7 +8,12 @@
 #include <unistd.h>
 #include <vector>
 
-int openchecked(const std::string &path, int flags)
+void filedescriptor::close()
+{
+    if (isopen()) ::close(release());
+}
+
+filedescriptor openchecked(const std::string &path, int flags)
 {
     int descriptor;
     do descriptor = ::open(path.c_str(), flags | O_CLOEXEC, 0666);
@@ -16,7 +21,7 @@ int openchecked(const std::string &path, int flags)
     if (descriptor < 0)
         ioerrno(path, (flags & O_ACCMODE) == O_RDONLY ? "can't open for reading"
                                                       : "can't open for writing");
-    return descriptor;
+    return filedescriptor(descriptor);
 }
 
 std::size_t readchecked(int descriptor, const std::string &path, char *bytes, std::size_t n)

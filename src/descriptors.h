@@ -4,10 +4,34 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 constexpr std::size_t buffersize = 1 << 20;
 
-// Opens a file, made if flags say so; for reading or for writing by them. Gives its descriptor.
-int openchecked(const std::string &path, int flags);
+// The number of an open file, which is closed with it unless it is taken out; -1 for none.
+class filedescriptor
+{
+  public:
+    filedescriptor() = default;
+    explicit filedescriptor(int opened) : number(opened) {}
+    filedescriptor(filedescriptor &&other) noexcept : number(other.release()) {}
+    filedescriptor &operator=(filedescriptor other) noexcept
+    {
+        std::swap(number, other.number);
+        return *this;
+    }
+    ~filedescriptor() { close(); }
+
+    operator int() const { return number; }
+    bool isopen() const { return number >= 0; }
+    void close();
+    int release() { return std::exchange(number, -1); }
+
+  private:
+    int number = -1;
+};
+
+// Opens a file, made if flags say so; for reading or for writing by them.
+filedescriptor openchecked(const std::string &path, int flags);
 // Bytes read, 0 at the end of the file.
 std::size_t readchecked(int descriptor, const std::string &path, char *bytes, std::size_t n);

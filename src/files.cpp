@@ -4,11 +4,11 @@
 
 #include <cstring>
 #include <fcntl.h>
-#include <unistd.h>
 
 bool samecontent(const std::string &filename1, const std::string &filename2)
 {
-    const int descriptors[2] = {openchecked(filename1, O_RDONLY), openchecked(filename2, O_RDONLY)};
+    const filedescriptor descriptors[2] = {openchecked(filename1, O_RDONLY),
+                                           openchecked(filename2, O_RDONLY)};
     std::vector<char> chunks[2] = {std::vector<char>(buffersize), std::vector<char>(buffersize)};
     const auto fillchunk = [&](int i) {
         std::size_t n = 0;
@@ -25,6 +25,5 @@ bool samecontent(const std::string &filename1, const std::string &filename2)
         n = fillchunk(0);
         same = fillchunk(1) == n && std::memcmp(chunks[0].data(), chunks[1].data(), n) == 0;
     }
-    for (const int descriptor : descriptors) ::close(descriptor);
     return same;
 }

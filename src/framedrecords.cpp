@@ -1,6 +1,5 @@
 #include "framedrecords.h"
 
-#include "descriptors.h"
 #include "stops.h"
 
 #include <cassert>
@@ -8,7 +7,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 framewriter::framewriter(outfile &file, int64 nbytes, int64 limit)
     : out(file), remaining(nbytes), longest(limit)
@@ -65,26 +63,6 @@ void writeframed(outfile &out, const void *bytes, int64 nbytes)
     record.finish();
 }
 
-framereader::framereader(framereader &&other) noexcept
-{
-    *this = std::move(other);
-}
-
-framereader &framereader::operator=(framereader &&other) noexcept
-{
-    std::swap(descriptor, other.descriptor);
-    std::swap(name, other.name);
-    std::swap(buffer, other.buffer);
-    std::swap(at, other.at);
-    std::swap(filled, other.filled);
-    std::swap(remaining, other.remaining);
-    std::swap(inframe, other.inframe);
-    std::swap(framelength, other.framelength);
-    std::swap(more, other.more);
-    std::swap(first, other.first);
-    return *this;
-}
-
 void framereader::open(const std::string &filename)
 {
     close();
@@ -92,11 +70,6 @@ void framereader::open(const std::string &filename)
     descriptor = openchecked(name, O_RDONLY);
     buffer.resize(buffersize);
     at = filled = 0;
-}
-
-void framereader::close()
-{
-    if (descriptor >= 0) ::close(std::exchange(descriptor, -1));
 }
 
 void framereader::readbytes(char *bytes, std::size_t n)

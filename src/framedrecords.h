@@ -3,6 +3,7 @@
 // A failure ends the run with an I/O error that names the file and the reason (see stops.h).
 #pragma once
 
+#include "descriptors.h"
 #include "outfile.h"
 
 #include <string>
@@ -56,14 +57,9 @@ class framereader
   public:
     framereader() = default;
     explicit framereader(const std::string &filename) { open(filename); }
-    framereader(const framereader &) = delete;
-    framereader &operator=(const framereader &) = delete;
-    framereader(framereader &&other) noexcept;
-    framereader &operator=(framereader &&other) noexcept;
-    ~framereader() { close(); }
     void open(const std::string &filename);
-    void close();
-    bool isopen() const { return descriptor >= 0; }
+    void close() { descriptor.close(); }
+    bool isopen() const { return descriptor.isopen(); }
     const std::string &path() const { return name; }
     // Bytes of the one record that the file consists of, by the marks of its frames. An I/O error
     // if the file is cut or holds more.
@@ -99,7 +95,7 @@ class framereader
     void readbytes(char *bytes, std::size_t n);
     std::int32_t marker();
     void endframe();
-    int descriptor = -1;
+    filedescriptor descriptor;
     std::string name;
     std::vector<char> buffer;
     std::size_t at = 0, filled = 0;

@@ -1,6 +1,5 @@
 #include "infile.h"
 
-#include "descriptors.h"
 #include "numberfields.h"
 #include "stops.h"
 #include "textlayout.h"
@@ -10,28 +9,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
-
-infile::infile(infile &&other) noexcept
-{
-    *this = std::move(other);
-}
-
-infile &infile::operator=(infile &&other) noexcept
-{
-    std::swap(descriptor, other.descriptor);
-    std::swap(name, other.name);
-    std::swap(buffer, other.buffer); // the heap block moves along, pointers into it stay valid
-    std::swap(begin, other.begin);
-    std::swap(finish, other.finish);
-    std::swap(ended, other.ended);
-    std::swap(haslineend, other.haslineend);
-    std::swap(nlines, other.nlines);
-    std::swap(cursorstart, other.cursorstart);
-    std::swap(cursor, other.cursor);
-    std::swap(lineend, other.lineend);
-    return *this;
-}
 
 void infile::open(const std::string &filename)
 {
@@ -49,11 +26,6 @@ void infile::open(const std::string &filename)
     ended = false;
     nlines = 0;
     cursorstart = cursor = lineend = nullptr;
-}
-
-void infile::close()
-{
-    if (descriptor >= 0) ::close(std::exchange(descriptor, -1));
 }
 
 void infile::rewind()

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "arrays.h"
+#include "descriptors.h"
 
 #include <string>
 #include <string_view>
@@ -23,15 +24,10 @@ class infile
     infile() = default;
     // The file must exist.
     explicit infile(const std::string &filename) { open(filename); }
-    infile(const infile &) = delete;
-    infile &operator=(const infile &) = delete;
-    infile(infile &&other) noexcept;
-    infile &operator=(infile &&other) noexcept;
-    ~infile() { close(); }
 
     void open(const std::string &filename);
-    void close();
-    bool isopen() const { return descriptor >= 0; }
+    void close() { descriptor.close(); }
+    bool isopen() const { return descriptor.isopen(); }
     const std::string &path() const { return name; }
     // Back to the first record.
     void rewind();
@@ -68,9 +64,9 @@ class infile
   private:
     bool fill();
     std::string_view nextword();
-    int descriptor = -1;
+    filedescriptor descriptor;
     std::string name;
-    std::vector<char> buffer;
+    std::vector<char> buffer;          // the heap block moves along, pointers into it stay valid
     std::size_t begin = 0, finish = 0; // unread bytes of the buffer, from 0
     bool ended = false;
     bool haslineend = true; // of the current record

@@ -1,6 +1,5 @@
 #include "outfile.h"
 
-#include "descriptors.h"
 #include "shell.h"
 #include "stops.h"
 
@@ -18,7 +17,7 @@ constexpr std::size_t alignment = 1 << 16;
 
 // Opens a file to be written on. One whose records are to be kept must be there: made empty here it
 // would stand in the way of its compressed form.
-int opentoextend(const std::string &path, int64 nkept)
+filedescriptor opentoextend(const std::string &path, int64 nkept)
 {
     if (nkept == 0) return openchecked(path, O_RDWR | O_CREAT);
     if (!pathexists(path) && pathexists(path + ".gz"))
@@ -50,12 +49,6 @@ off_t offsetbehindlines(int descriptor, const std::string &path, int64 n)
     }
     return offset;
 }
-
-void cutandseek(int descriptor, const std::string &path, off_t offset)
-{
-    if (::ftruncate(descriptor, offset) != 0) ioerrno(path, "can't cut");
-    if (::lseek(descriptor, offset, SEEK_SET) < 0) ioerrno(path, "can't seek");
-}
 } // namespace
 
 outfile::outfile(outfile &&other) noexcept
@@ -75,7 +68,7 @@ outfile &outfile::operator=(outfile &&other) noexcept
 
 outfile::~outfile()
 {
-    if (descriptor < 0) return;
+    if (!isopen()) return;
     const char *p = buffer.data();
     while (used > 0) {
         const ssize_t n = ::write(descriptor, p, used);
@@ -83,49 +76,51 @@ outfile::~outfile()
         p += n;
         used -= static_cast<std::size_t>(n);
     }
-    ::close(descriptor);
+}
+
+// Closes the file before, and has all ready for one that is to be opened.
+void outfile::beginfile(const std::string &filename)
+{
+    close();
+    name = filename;
+    buffer.resize(buffersize);
+    used = misalignment = 0;
+}
+
+// Drops what stands behind the offset.
+void outfile::goonfrom(off_t offset)
+{
+    if (::ftruncate(descriptor, offset) != 0) ioerrno(name, "can't cut");
+    if (::lseek(descriptor, offset, SEEK_SET) < 0) ioerrno(name, "can't seek");
+    misalignment = static_cast<std::size_t>(offset) % alignment;
 }
 
 void outfile::open(const std::string &filename)
 {
-    if (isopen()) close();
-    name = filename;
+    beginfile(filename);
     descriptor = openchecked(name, O_WRONLY | O_CREAT | O_TRUNC);
-    buffer.resize(buffersize);
-    used = misalignment = 0;
 }
 
 void outfile::openstandardoutput()
 {
-    if (isopen()) close();
-    name = "standard output";
-    descriptor = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
-    if (descriptor < 0) ioerrno(name, "can't open for writing");
-    buffer.resize(buffersize);
-    used = misalignment = 0;
+    beginfile("standard output");
+    descriptor = filedescriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0));
+    if (!isopen()) ioerrno(name, "can't open for writing");
 }
 
 void outfile::openandkeep(const std::string &filename, int64 nlines)
 {
-    if (isopen()) close();
-    name = filename;
+    beginfile(filename);
     descriptor = opentoextend(name, nlines);
-    buffer.resize(buffersize);
-    used = 0;
-    const off_t offset = offsetbehindlines(descriptor, name, nlines);
-    cutandseek(descriptor, name, offset);
-    misalignment = static_cast<std::size_t>(offset) % alignment;
+    goonfrom(offsetbehindlines(descriptor, name, nlines));
 }
 
 void outfile::openandkeepfixed(const std::string &filename, int64 nlines, int64 recordlength,
                                int64 headerlength)
 {
-    if (isopen()) close();
-    name = filename;
+    beginfile(filename);
     const off_t offset = static_cast<off_t>(headerlength + nlines * recordlength);
     descriptor = opentoextend(name, offset);
-    buffer.resize(buffersize);
-    used = 0;
     if (offset > 0) {
         char last = 0;
         const ssize_t got = ::pread(descriptor, &last, 1, offset - 1);
@@ -134,8 +129,7 @@ void outfile::openandkeepfixed(const std::string &filename, int64 nlines, int64 
             ioerror(name, "does not hold the " + std::to_string(nlines) +
                               " lines of earlier generations in the expected layout");
     }
-    cutandseek(descriptor, name, offset);
-    misalignment = static_cast<std::size_t>(offset) % alignment;
+    goonfrom(offset);
 }
 
 void outfile::writethrough(const char *bytes, std::size_t n)
@@ -202,8 +196,7 @@ void outfile::writeline(const char *text)
 
 void outfile::close()
 {
-    if (descriptor < 0) return;
+    if (!isopen()) return;
     flush();
-    const int closing = std::exchange(descriptor, -1);
-    if (::close(closing) != 0 && errno != EINTR) ioerrno(name, "can't close");
+    if (::close(descriptor.release()) != 0 && errno != EINTR) ioerrno(name, "can't close");
 }

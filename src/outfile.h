@@ -6,6 +6,7 @@
 #pragma once
 
 #include "arrays.h"
+#include "descriptors.h"
 #include "textlayout.h"
 
 #include <string>
@@ -41,7 +42,7 @@ class outfile
     void openandkeepfixed(const std::string &filename, int64 nlines, int64 recordlength,
                           int64 headerlength = 0);
 
-    bool isopen() const { return descriptor >= 0; }
+    bool isopen() const { return descriptor.isopen(); }
     const std::string &path() const { return name; }
     void write(std::string_view bytes);
     // Writes the line and a line end, and empties the line, keeping its memory.
@@ -59,9 +60,11 @@ class outfile
     void close();
 
   private:
+    void beginfile(const std::string &filename);
+    void goonfrom(off_t offset);
     void makeroom(std::size_t n);
     void writethrough(const char *bytes, std::size_t n);
-    int descriptor = -1;
+    filedescriptor descriptor;
     std::string name;
     std::vector<char> buffer;
     std::size_t used = 0;

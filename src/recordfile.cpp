@@ -1,13 +1,11 @@
 #include "recordfile.h"
 
-#include "descriptors.h"
 #include "stops.h"
 
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
-#include <utility>
 
 void recordfile::open(const std::string &filename)
 {
@@ -18,11 +16,6 @@ void recordfile::open(const std::string &filename)
     starts.assign(1, 0);
     scanned = bufferstart = filled = 0;
     ended = false;
-}
-
-void recordfile::close()
-{
-    if (descriptor >= 0) ::close(std::exchange(descriptor, -1));
 }
 
 // Fills the buffer from an offset of the file on, as far as the file goes.

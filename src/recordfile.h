@@ -4,6 +4,7 @@
 #pragma once
 
 #include "arrays.h"
+#include "descriptors.h"
 
 #include <string>
 #include <string_view>
@@ -14,15 +15,10 @@
 class recordfile
 {
   public:
-    recordfile() = default;
-    recordfile(const recordfile &) = delete;
-    recordfile &operator=(const recordfile &) = delete;
-    ~recordfile() { close(); }
-
     // The file must exist.
     void open(const std::string &filename);
-    void close();
-    bool isopen() const { return descriptor >= 0; }
+    void close() { descriptor.close(); }
+    bool isopen() const { return descriptor.isopen(); }
     const std::string &path() const { return name; }
     // The text of line n without its line end, valid until the next call. An I/O error if the file
     // holds fewer lines.
@@ -31,7 +27,7 @@ class recordfile
   private:
     void load(int64 offset);
     void findlineends();
-    int descriptor = -1;
+    filedescriptor descriptor;
     std::string name;
     std::vector<int64> starts; // offset of line n at place n - 1; of the end behind the last line
     int64 scanned = 0;         // up to here line ends have been looked for
