@@ -7,46 +7,37 @@
 
 namespace
 {
-[[noreturn]] void stopforgeneration(const char *message, int64 width, int64 gen, int64 code)
+// What can be wrong with the parents of a generation: the message, its width, the stop.
+struct parentfault {
+    const char *message;
+    int64 width, code;
+};
+constexpr parentfault conflictingnumbers{
+    "  ERROR: There is a conflict in the number of parents for generation ", 69, 110016};
+constexpr parentfault fewselfed{"ERROR: Not enough plants to be selfed for generation", 52, 110017};
+constexpr parentfault fewmaleplants{"ERROR: Not enough male plants for generation", 44, 110019};
+constexpr parentfault fewfemaleplants{"ERROR: Not enough female plants for generation", 46, 110020};
+constexpr parentfault fewcrossed{"ERROR: Not enough plants to be crossed for generation", 53,
+                                 110021};
+constexpr parentfault noparents{"ERROR: Number of sires and dams must be non-null for generation",
+                                63, 110022};
+constexpr parentfault fewsires{"ERROR: Not enough sires for generation", 38, 110023};
+constexpr parentfault fewdams{"ERROR: Not enough dams for generation", 37, 110024};
+
+[[noreturn]] void stopfor(const parentfault &fault, int64 gen)
 {
     textline line;
-    puta(line, message, width);
+    puta(line, fault.message, fault.width);
     puti(line, gen, 5);
     printline(line);
-    stopwithcode(code);
-}
-
-[[noreturn]] void notenoughselfed(int64 gen)
-{
-    stopforgeneration("ERROR: Not enough plants to be selfed for generation", 52, gen, 110017);
-}
-[[noreturn]] void notenoughcrossed(int64 gen)
-{
-    stopforgeneration("ERROR: Not enough plants to be crossed for generation", 53, gen, 110021);
-}
-[[noreturn]] void notenoughmaleplants(int64 gen)
-{
-    stopforgeneration("ERROR: Not enough male plants for generation", 44, gen, 110019);
-}
-[[noreturn]] void notenoughfemaleplants(int64 gen)
-{
-    stopforgeneration("ERROR: Not enough female plants for generation", 46, gen, 110020);
-}
-[[noreturn]] void notenoughsires(int64 gen)
-{
-    stopforgeneration("ERROR: Not enough sires for generation", 38, gen, 110023);
-}
-[[noreturn]] void notenoughdams(int64 gen)
-{
-    stopforgeneration("ERROR: Not enough dams for generation", 37, gen, 110024);
+    stopwithcode(fault.code);
 }
 
 void checkselfedplants(const state &s, int64 j)
 {
     if (s.pop.ndaminthisgen(j) > 0 || s.pop.nsireinthisgen(j) > 0 || s.pop.nrandparinthisgen(j) > 0)
-        stopforgeneration("  ERROR: There is a conflict in the number of parents for generation ",
-                          69, j, 110016);
-    if (s.pop.nselfedparinthisgen(j) > s.pedi.nindivinthisgen(j)) notenoughselfed(j);
+        stopfor(conflictingnumbers, j);
+    if (s.pop.nselfedparinthisgen(j) > s.pedi.nindivinthisgen(j)) stopfor(fewselfed, j);
 }
 
 void checkcrossedplants(const state &s, int64 j)
@@ -64,10 +55,12 @@ void checkcrossedplants(const state &s, int64 j)
         puta(line, " have not been provided", 23);
         printline(line);
     }
-    if (respectgender && s.pop.nsireinthisgen(j) > s.pedi.nmalinthisgen(j)) notenoughmaleplants(j);
-    if (respectgender && s.pop.ndaminthisgen(j) > s.pedi.nfeminthisgen(j)) notenoughfemaleplants(j);
+    if (respectgender && s.pop.nsireinthisgen(j) > s.pedi.nmalinthisgen(j))
+        stopfor(fewmaleplants, j);
+    if (respectgender && s.pop.ndaminthisgen(j) > s.pedi.nfeminthisgen(j))
+        stopfor(fewfemaleplants, j);
     if (!respectgender && s.pop.nrandparinthisgen(j) > s.pedi.nindivinthisgen(j))
-        notenoughcrossed(j);
+        stopfor(fewcrossed, j);
     if (s.pop.nrandparinthisgen(j) > 0 &&
         std::min(s.pop.nrandparinthisgen(j), s.pedi.nindivinthisgen(j + 1)) < 2)
         stopforrandommating(j);
@@ -75,11 +68,9 @@ void checkcrossedplants(const state &s, int64 j)
 
 void checkanimals(const state &s, int64 j)
 {
-    if (s.pop.nsireinthisgen(j) == 0 && s.pop.ndaminthisgen(j) == 0)
-        stopforgeneration("ERROR: Number of sires and dams must be non-null for generation", 63, j,
-                          110022);
-    if (s.pop.nsireinthisgen(j) > s.pedi.nmalinthisgen(j)) notenoughsires(j);
-    if (s.pop.ndaminthisgen(j) > s.pedi.nfeminthisgen(j)) notenoughdams(j);
+    if (s.pop.nsireinthisgen(j) == 0 && s.pop.ndaminthisgen(j) == 0) stopfor(noparents, j);
+    if (s.pop.nsireinthisgen(j) > s.pedi.nmalinthisgen(j)) stopfor(fewsires, j);
+    if (s.pop.ndaminthisgen(j) > s.pedi.nfeminthisgen(j)) stopfor(fewdams, j);
 }
 } // namespace
 
@@ -101,11 +92,9 @@ void stopiftoofewparents(const state &s, int64 parentgender, int64 currentgen, i
     if (npargender >= 1 && npargender <= navailable) return;
     const int64 gen = currentgen - 1;
     if (s.pop.plantbreedonoff) {
-        if (s.pop.nselfedparinthisgen(gen) > 0) notenoughselfed(gen);
-        if (s.pop.nrandparinthisgen(gen) > 0) notenoughcrossed(gen);
-        if (parentgender == 1) notenoughmaleplants(gen);
-        notenoughfemaleplants(gen);
+        if (s.pop.nselfedparinthisgen(gen) > 0) stopfor(fewselfed, gen);
+        if (s.pop.nrandparinthisgen(gen) > 0) stopfor(fewcrossed, gen);
+        stopfor(parentgender == 1 ? fewmaleplants : fewfemaleplants, gen);
     }
-    if (parentgender == 1) notenoughsires(gen);
-    notenoughdams(gen);
+    stopfor(parentgender == 1 ? fewsires : fewdams, gen);
 }
