@@ -56,13 +56,6 @@ void framewriter::finish()
     endframe();
 }
 
-void writeframed(outfile &out, const void *bytes, int64 nbytes)
-{
-    framewriter record(out, nbytes);
-    record.put(bytes, nbytes);
-    record.finish();
-}
-
 void framereader::open(const std::string &filename)
 {
     close();

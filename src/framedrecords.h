@@ -105,6 +105,3 @@ class framereader
     bool more = false; // the record goes on in another frame
     bool first = true;
 };
-
-// A whole record of a file at once.
-void writeframed(outfile &out, const void *bytes, int64 nbytes);

@@ -15,9 +15,7 @@ namespace
 // The next n alleles of both phases of an individual, from place at (from 0) on.
 void readphases(infile &in, array2<int8> &phases, int64 at, int64 n)
 {
-    for (int64 m = 1; m <= 2; ++m) {
-        readallelerow(in, phases.column(m) + at, n);
-    }
+    for (int64 m = 1; m <= 2; ++m) readallelerow(in, phases.column(m) + at, n);
 }
 
 void readindividual(const state &s, generationphases &phases)
@@ -89,6 +87,7 @@ void countalleles(const array2<int8> &phases, int64 *counts, int64 n)
     const int8 *a = phases.column(1), *b = phases.column(2);
     for (int64 j = 0; j < n; ++j) counts[j] += a[j] + b[j];
 }
+
 // Under genomic prediction only individuals with a phenotype train.
 void writetrainingindividual(state &s, selectionchipfiles &files, const generationphases &phases,
                              int64 individ)
@@ -111,10 +110,7 @@ void rewind(generationphases &phases)
     for (infile &in : phases.chip) in.rewind();
     for (infile &in : phases.qtn) in.rewind();
 }
-} // namespace
 
-namespace
-{
 std::string chipname(const state &s)
 {
     return "TmpChip" + numbertext(s.chips.tmpchip);

@@ -55,8 +55,7 @@ textline layoutscaledfields(const state &s, const std::string &folder)
 }
 } // namespace
 
-void scalegenottestingdata(state &s, int64 selectioncycle, [[maybe_unused]] int64 selectedtrait,
-                           int64 runid)
+void scalegenottestingdata(state &s, int64 selectioncycle, int64 runid)
 {
     const std::string folder = cyclefolder(selectioncycle);
     const int64 nloci = s.loci.nsnpforsel;

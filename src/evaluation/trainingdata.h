@@ -17,7 +17,7 @@ constexpr const char *lastqtngenotypes = "TmpQtnGenotypeLastGeneration.txt";
 // I20, then F40.30 for each locus. Leaves the values of FixedSnp.txt in fixedsnp. Stops: an I/O
 // error for a missing or short file. Cost: a locus has four values at most, laid out once; a
 // genotype is one copy of 40 bytes.
-void scalegenottestingdata(state &s, int64 selectioncycle, int64 selectedtrait, int64 runid);
+void scalegenottestingdata(state &s, int64 selectioncycle, int64 runid);
 
 // Genotypes at the QTN of the selection model for the individuals of generation testgen, whose
 // first row is tmpstarttestindiv: TmpQtnGenotypeTest.txt in F, or TmpQtnGenotypeLastGeneration.txt

@@ -3,15 +3,9 @@
 #include "files.h"
 #include "words.h"
 
-std::string recombregionsfile(int64 chrom)
-{
-    return "./RecombinationSpecifications/Chromosome" + numbertext(chrom) + ".txt";
-}
-
 std::vector<recombregion> readrecombregions(int64 chrom)
 {
-    const std::string path = recombregionsfile(chrom);
-    infile in(path);
+    infile in("./RecombinationSpecifications/Chromosome" + numbertext(chrom) + ".txt");
     std::vector<recombregion> regions(static_cast<std::size_t>(countlines(in)));
     for (recombregion &region : regions) {
         in.record();

@@ -7,10 +7,7 @@
 
 #include "arrays.h"
 
-#include <string>
 #include <vector>
-
-std::string recombregionsfile(int64 chrom);
 
 struct recombregion {
     double start = 0, stop = 0, proportion = 0;

@@ -100,7 +100,7 @@ void estimatevalues(state &s, int64 selectioncycle, int64 selectedtrait)
         else
             importtrainingdata(s, selectioncycle);
         for (int64 runid = 1; runid <= nquillomererun; ++runid)
-            scalegenottestingdata(s, selectioncycle, selectedtrait, runid);
+            scalegenottestingdata(s, selectioncycle, runid);
     } else {
         runprediction(s, selectioncycle, selectedtrait, nquillomererun);
     }

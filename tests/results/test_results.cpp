@@ -82,8 +82,9 @@ TEST_F(resultfiles, sequencerecordsthatarebroken)
     const std::string file = chrom + "SequencePhaseGeneration1.bin";
     outfile sequence(file);
     for (int64 i = 1; i <= 6; ++i) {
-        std::vector<int64> record(61, i % 2);
-        writeframed(sequence, record.data(), 8 * 61);
+        framewriter record(sequence, 8 * 61);
+        record.put(std::vector<int64>(61, i % 2).data(), 8 * 61);
+        record.finish();
     }
     sequence.close();
     const std::string whole = readfile(file);
