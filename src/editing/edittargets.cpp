@@ -96,7 +96,7 @@ void readfreq(const state &s, int64 gen, array1<qtv> &qtvarray)
 {
     int64 q = 0;
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        infile in(frequencyfileofset(h, setofselection(s), gen - 1));
+        infile in(frequencyfile(h, setofselection(s), gen - 1));
         for (int64 onchrom = 1; onchrom <= s.loci.nqtnonthischrom(h); ++onchrom) {
             in.record();
             in.skipwords(2);

@@ -68,7 +68,7 @@ parentgenotypes readgenotypes(const state &s, int64 parentgen)
     int64 before = 0; // QTN on the chromosomes before
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         const int64 n = s.loci.nqtnonthischrom(h);
-        infile in(genotypefileofset(h, setofselection(s), parentgen));
+        infile in(genotypefile(h, setofselection(s), parentgen));
         for (const int64 column : parents.columnof) {
             in.record();
             if (column == 0) continue;

@@ -161,8 +161,8 @@ generationphases openphases(const state &s, int64 gen)
     phases.snpalleles.allocate(s.loci.nsnp, 2);
     if (areqtnadded(s)) phases.qtnalleles.allocate(s.loci.ntotqtn, 2);
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        phases.chip.emplace_back(phasefileofchip(h, s.chips.tmpchip, gen));
-        if (areqtnadded(s)) phases.qtn.emplace_back(phasefileofset(h, setofselection(s), gen));
+        phases.chip.emplace_back(phasefile(h, siteset(s.chips.tmpchip), gen));
+        if (areqtnadded(s)) phases.qtn.emplace_back(phasefile(h, setofselection(s), gen));
     }
     return phases;
 }

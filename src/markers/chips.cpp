@@ -26,8 +26,8 @@ int64 makearray(state &s, int64 chrom, int64 chip, int64 nsnponarray)
         stopwithcode(110013);
     }
     std::sort(markers.begin(), markers.end());
-    writesummary(s, summaryfileofchip(chrom, chip), markers);
-    writesiteinformation(s, informationfileofchip(chrom, chip), markers, false);
+    writesummary(s, summaryfile(chrom, siteset(chip)), markers);
+    writesiteinformation(s, informationfile(chrom, siteset(chip)), markers, false);
     return lastsnppos;
 }
 

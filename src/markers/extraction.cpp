@@ -12,13 +12,14 @@ constexpr std::size_t idwidth = 20;
 
 // The phase and the genotype file. sums: copies of allele 1 per site in the whole generation; none
 // are counted for an empty vector.
-void writesnpchipsandqtnfiles(const state &s, const std::string &phasefile,
-                              const std::string &genotypefile, const sitelist &sites,
-                              int64 startindiv, int64 endindiv, std::vector<int64> &sums)
+void writesnpchipsandqtnfiles(const state &s, int64 chrom, siteset of, int64 currentgen,
+                              const sitelist &sites, int64 startindiv, int64 endindiv,
+                              std::vector<int64> &sums)
 {
     sitepicker picker(sites);
     const std::size_t rowlength = idwidth + 2 * sites.size() + 1;
-    outfile phases(phasefile), genotypes(genotypefile);
+    outfile phases(phasefile(chrom, of, currentgen));
+    outfile genotypes(genotypefile(chrom, of, currentgen));
     textline id;
     for (int64 i = startindiv; i <= endindiv; ++i) {
         const int64 k = i - startindiv + 1;
@@ -52,7 +53,7 @@ int64 nsites(const state &s)
 void writeqtnallelefrequency(int64 chrom, qtnset set, int64 gen, const sitelist &sites,
                              const std::vector<int64> &sums, int64 nindiv)
 {
-    outfile out(frequencyfileofset(chrom, set, gen));
+    outfile out(frequencyfile(chrom, set, gen));
     textline line;
     for (std::size_t q = 0; q < sites.size(); ++q) {
         puti(line, static_cast<int64>(q) + 1, 20);
@@ -66,22 +67,17 @@ void writeqtnallelefrequency(int64 chrom, qtnset set, int64 gen, const sitelist 
 void fillarray(state &s, int64 chrom, int64 chip, int64 currentgen, int64 startindiv,
                int64 endindiv)
 {
-    const sitelist &sites = keptsites(s, informationfileofchip(chrom, chip),
-                                      s.loci.nsnponthischipchrom(chip, chrom), nsites(s));
+    const siteset of(chip);
     std::vector<int64> nosums;
-    writesnpchipsandqtnfiles(s, phasefileofchip(chrom, chip, currentgen),
-                             genotypefileofchip(chrom, chip, currentgen), sites, startindiv,
-                             endindiv, nosums);
+    writesnpchipsandqtnfiles(s, chrom, of, currentgen, keptsites(s, chrom, of, nsites(s)),
+                             startindiv, endindiv, nosums);
 }
 
 void fillqtn(state &s, int64 chrom, qtnset set, int64 currentgen, int64 startindiv, int64 endindiv)
 {
-    const sitelist &sites =
-        keptsites(s, informationfileofset(chrom, set), s.loci.onthischrom(set)(chrom), nsites(s));
+    const sitelist &sites = keptsites(s, chrom, set, nsites(s));
     std::vector<int64> sums(sites.size());
-    writesnpchipsandqtnfiles(s, phasefileofset(chrom, set, currentgen),
-                             genotypefileofset(chrom, set, currentgen), sites, startindiv, endindiv,
-                             sums);
+    writesnpchipsandqtnfiles(s, chrom, set, currentgen, sites, startindiv, endindiv, sums);
     writeqtnallelefrequency(chrom, set, currentgen, sites, sums, endindiv - startindiv + 1);
 }
 

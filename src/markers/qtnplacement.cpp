@@ -88,9 +88,8 @@ void takefromregions(const state &s, sitelist &thisarray, int64 nsnponarray, arr
 void writeset(state &s, int64 chrom, qtnset set, sitelist &thisarray)
 {
     std::sort(thisarray.begin(), thisarray.end());
-    writesummary(s, summaryfileofset(chrom, set), thisarray);
-    writesiteinformation(s, informationfileofset(chrom, set), thisarray,
-                         set != qtnset::recombination);
+    writesummary(s, summaryfile(chrom, set), thisarray);
+    writesiteinformation(s, informationfile(chrom, set), thisarray, set != qtnset::recombination);
 }
 } // namespace
 

@@ -4,62 +4,66 @@
 
 namespace
 {
-std::string fileofset(int64 chrom, qtnset set, const std::string &rest)
+std::string generationfile(int64 chrom, siteset of, const char *content, int64 gen)
 {
-    return chromfolder(chrom) + nameofset(set) + "Qtn" + rest;
-}
-std::string fileofchip(int64 chrom, int64 chip, const std::string &rest)
-{
-    return chromfolder(chrom) + "Chip" + numbertext(chip) + rest;
-}
-std::string generationending(int64 gen)
-{
-    return "Generation" + numbertext(gen) + ".txt";
+    return chromfolder(chrom) + nameofsites(of) + content + "Generation" + numbertext(gen) + ".txt";
 }
 } // namespace
 
-std::string informationfileofset(int64 chrom, qtnset set)
+std::vector<siteset> sitesetsinuse(const state &s)
 {
-    // One name is spelt otherwise than in all other files.
-    if (set == qtnset::unrestricted) return chromfolder(chrom) + "UnRestrictedQtnInformation.txt";
-    return fileofset(chrom, set, "Information.txt");
+    std::vector<siteset> all;
+    for (int64 e = 1; e <= s.chips.nchip; ++e) all.emplace_back(e);
+    for (const qtnset set : setsinuse(s)) all.emplace_back(set);
+    return all;
 }
-std::string summaryfileofset(int64 chrom, qtnset set)
+
+int64 nsitesonchrom(const state &s, siteset of, int64 chrom)
 {
-    return fileofset(chrom, set, "Summary.txt");
+    return of.ischip() ? s.loci.nsnponthischipchrom(of.chip, chrom)
+                       : s.loci.onthischrom(of.set)(chrom);
 }
-std::string phasefileofset(int64 chrom, qtnset set, int64 gen)
+
+int64 nsitesintotal(const state &s, siteset of)
 {
-    return fileofset(chrom, set, "Phase" + generationending(gen));
+    int64 n = 0;
+    for (int64 h = 1; h <= s.founders.nchrom; ++h) n += nsitesonchrom(s, of, h);
+    return n;
 }
-std::string genotypefileofset(int64 chrom, qtnset set, int64 gen)
+
+std::string nameofsites(siteset of)
 {
-    return fileofset(chrom, set, "Genotype" + generationending(gen));
-}
-std::string frequencyfileofset(int64 chrom, qtnset set, int64 gen)
-{
-    return fileofset(chrom, set, "AlleleFreq" + generationending(gen));
+    return of.ischip() ? "Chip" + numbertext(of.chip) : std::string(nameofset(of.set)) + "Qtn";
 }
 
 std::string informationnameofchip(int64 chip)
 {
-    return "Chip" + numbertext(chip) + "SnpInformation.txt";
+    return nameofsites(siteset(chip)) + "SnpInformation.txt";
 }
-std::string informationfileofchip(int64 chrom, int64 chip)
+
+std::string informationfile(int64 chrom, siteset of)
 {
-    return chromfolder(chrom) + informationnameofchip(chip);
+    if (of.ischip()) return chromfolder(chrom) + informationnameofchip(of.chip);
+    // One name is spelt otherwise than in all other files.
+    if (of.set == qtnset::unrestricted)
+        return chromfolder(chrom) + "UnRestrictedQtnInformation.txt";
+    return chromfolder(chrom) + nameofsites(of) + "Information.txt";
 }
-std::string summaryfileofchip(int64 chrom, int64 chip)
+std::string summaryfile(int64 chrom, siteset of)
 {
-    return fileofchip(chrom, chip, "Summary.txt");
+    return chromfolder(chrom) + nameofsites(of) + "Summary.txt";
 }
-std::string phasefileofchip(int64 chrom, int64 chip, int64 gen)
+std::string phasefile(int64 chrom, siteset of, int64 gen)
 {
-    return fileofchip(chrom, chip, "Phase" + generationending(gen));
+    return generationfile(chrom, of, "Phase", gen);
 }
-std::string genotypefileofchip(int64 chrom, int64 chip, int64 gen)
+std::string genotypefile(int64 chrom, siteset of, int64 gen)
 {
-    return fileofchip(chrom, chip, "Genotype" + generationending(gen));
+    return generationfile(chrom, of, "Genotype", gen);
+}
+std::string frequencyfile(int64 chrom, qtnset set, int64 gen)
+{
+    return generationfile(chrom, set, "AlleleFreq", gen);
 }
 
 double filedfrequency(int64 ncopies, int64 nindiv)
@@ -130,9 +134,10 @@ sitelist readsites(const std::string &path, int64 nsites, int64 nsegregincl)
     return sites;
 }
 
-const sitelist &keptsites(state &s, const std::string &path, int64 nsites, int64 nsegregincl)
+const sitelist &keptsites(state &s, int64 chrom, siteset of, int64 nsegregincl)
 {
+    const std::string path = informationfile(chrom, of);
     const auto kept = s.loci.sitelists.find(path);
     if (kept != s.loci.sitelists.end()) return kept->second;
-    return s.loci.sitelists[path] = readsites(path, nsites, nsegregincl);
+    return s.loci.sitelists[path] = readsites(path, nsitesonchrom(s, of, chrom), nsegregincl);
 }

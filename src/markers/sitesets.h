@@ -7,18 +7,30 @@
 #include <string>
 #include <vector>
 
-// Files of a QTN set, and of a chip, in the folder of a chromosome.
-std::string informationfileofset(int64 chrom, qtnset set);
-std::string summaryfileofset(int64 chrom, qtnset set);
-std::string phasefileofset(int64 chrom, qtnset set, int64 gen);
-std::string genotypefileofset(int64 chrom, qtnset set, int64 gen);
-std::string frequencyfileofset(int64 chrom, qtnset set, int64 gen);
-// The information file's name, which that of the whole genome has too.
+// A chip by its number, from 1, or a QTN set.
+struct siteset {
+    explicit siteset(int64 number) : chip(number) {}
+    siteset(qtnset which) : set(which) {}
+    bool ischip() const { return chip > 0; }
+    int64 chip = 0;
+    qtnset set = qtnset::unrestricted; // unless it is a chip
+};
+// All chips, then the QTN sets in use.
+std::vector<siteset> sitesetsinuse(const state &s);
+// Sites of it on a chromosome, and on all.
+int64 nsitesonchrom(const state &s, siteset of, int64 chrom);
+int64 nsitesintotal(const state &s, siteset of);
+
+// "Chip2", "RestrictedQtn" and so on, as the names of files in the folder of a chromosome begin.
+std::string nameofsites(siteset of);
+// The files themselves. Frequencies are only kept of QTN.
+std::string informationfile(int64 chrom, siteset of);
+std::string summaryfile(int64 chrom, siteset of);
+std::string phasefile(int64 chrom, siteset of, int64 gen);
+std::string genotypefile(int64 chrom, siteset of, int64 gen);
+std::string frequencyfile(int64 chrom, qtnset set, int64 gen);
+// Name of a chip's information file, which that of the whole genome has too.
 std::string informationnameofchip(int64 chip);
-std::string informationfileofchip(int64 chrom, int64 chip);
-std::string summaryfileofchip(int64 chrom, int64 chip);
-std::string phasefileofchip(int64 chrom, int64 chip, int64 gen);
-std::string genotypefileofchip(int64 chrom, int64 chip, int64 gen);
 
 // Frequency of an allele with ncopies among nindiv individuals, with the ten decimals of the files.
 double filedfrequency(int64 ncopies, int64 nindiv);
@@ -42,4 +54,4 @@ void writesiteinformation(state &s, const std::string &path, const sitelist &sit
 // nsegregincl.
 sitelist readsites(const std::string &path, int64 nsites, int64 nsegregincl);
 // The same of this run's file, read unless the sites are in memory.
-const sitelist &keptsites(state &s, const std::string &path, int64 nsites, int64 nsegregincl);
+const sitelist &keptsites(state &s, int64 chrom, siteset of, int64 nsegregincl);

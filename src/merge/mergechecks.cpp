@@ -105,18 +105,12 @@ using sitesbyfile = std::map<std::string, sitelist>;
 sitesbyfile readfoldersites(const state &s, const std::string &folder)
 {
     sitesbyfile sites;
-    for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        const auto read = [&](const std::string &path, int64 nsites) {
-            sites[path] =
-                readsites(inrunfolder(folder, path), nsites, s.sites.nsegreginclglobal(h));
-        };
-        for (int64 e = 1; e <= s.chips.nchip; ++e)
-            read(informationfileofchip(h, e), s.loci.nsnponthischipchrom(e, h));
-        for (const qtnset set : traitsets)
-            read(informationfileofset(h, set), s.loci.nqtnonthischrom(h));
-        if (s.selection.recombselonoff)
-            read(informationfileofset(h, qtnset::recombination), s.loci.nqtnrecombonthischrom(h));
-    }
+    for (int64 h = 1; h <= s.founders.nchrom; ++h)
+        for (const siteset of : sitesetsinuse(s)) {
+            const std::string path = informationfile(h, of);
+            sites[path] = readsites(inrunfolder(folder, path), nsitesonchrom(s, of, h),
+                                    s.sites.nsegreginclglobal(h));
+        }
     return sites;
 }
 

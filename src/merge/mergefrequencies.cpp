@@ -2,7 +2,6 @@
 
 #include "allelerows.h"
 #include "markers/extraction.h"
-#include "markers/sitesets.h"
 #include "pedigree/pedigreefiles.h"
 #include "results/snpchips.h"
 #include "traits/effectfiles.h"
@@ -10,7 +9,6 @@
 #include "words.h"
 
 #include <algorithm>
-#include <numeric>
 #include <vector>
 
 namespace
@@ -24,43 +22,34 @@ struct siteinformation {
 };
 
 struct sitetable {
-    sitesource of;
+    siteset of;
     std::string title;
     std::vector<siteinformation> sites;
 };
 
-std::string wholegenomefile(const sitesource &of)
+std::string wholegenomefile(siteset of)
 {
-    return of.issnp() ? snpinformationfile(of.chip) : informationfile(of.set);
+    return of.ischip() ? snpinformationfile(of.chip) : informationfile(of.set);
 }
-std::string chromosomefile(const sitesource &of, int64 chrom)
+std::string wholegenomegenotypes(siteset of)
 {
-    return of.issnp() ? informationfileofchip(chrom, of.chip) : informationfileofset(chrom, of.set);
-}
-std::string summaryfile(const sitesource &of, int64 chrom)
-{
-    return of.issnp() ? summaryfileofchip(chrom, of.chip) : summaryfileofset(chrom, of.set);
-}
-std::string genotypefile(const sitesource &of)
-{
-    return of.issnp() ? chipgenotypefile(of.chip) : qtngenotypefile(of.set);
+    return of.ischip() ? chipgenotypefile(of.chip) : qtngenotypefile(of.set);
 }
 
-void readinformation(sitetable &table, const array1<int64> &nofchrom)
+void readinformation(sitetable &table, int64 nsites)
 {
     infile in(wholegenomefile(table.of));
     in.record();
     table.title = in.line();
-    const int64 nthingtot = std::accumulate(nofchrom.begin(), nofchrom.end(), int64{0});
-    for (int64 k = 1; k <= nthingtot; ++k) {
+    for (int64 k = 1; k <= nsites; ++k) {
         siteinformation site;
         in.record();
         site.number = in.integer();
         site.chrom = in.integer();
         site.site = in.integer();
-        in.skipwords(table.of.issnp() ? 1 : 2); // the frequencies of before
+        in.skipwords(table.of.ischip() ? 1 : 2); // the frequencies of before
         site.position = in.real();
-        if (!table.of.issnp()) {
+        if (!table.of.ischip()) {
             site.mutation = in.integer();
             site.carrier = in.integer();
         }
@@ -93,7 +82,7 @@ class genotypecounter
 
 void countfrequencies(sitetable &table, int64 nindividuals)
 {
-    infile in(genotypefile(table.of));
+    infile in(wholegenomegenotypes(table.of));
     genotypecounter counts(table.sites.size());
     for (int64 i = 1; i <= nindividuals; ++i) counts.read(in);
     for (std::size_t k = 0; k < table.sites.size(); ++k)
@@ -103,9 +92,9 @@ void countfrequencies(sitetable &table, int64 nindividuals)
 void putvalues(textline &line, const sitetable &table, const siteinformation &site)
 {
     putf(line, site.maf, 20, 10);
-    if (!table.of.issnp()) putf(line, site.freq, 20, 10);
+    if (!table.of.ischip()) putf(line, site.freq, 20, 10);
     putf(line, site.position, 20, 10);
-    if (table.of.issnp()) return;
+    if (table.of.ischip()) return;
     puti(line, site.mutation, 20);
     puti(line, site.carrier, 20);
 }
@@ -125,7 +114,7 @@ void writewholegenome(const sitetable &table)
 
 void writechromosome(const sitetable &table, int64 chrom)
 {
-    outfile information(chromosomefile(table.of, chrom));
+    outfile information(informationfile(chrom, table.of));
     textline line;
     double het = 0;
     for (const siteinformation &site : table.sites) {
@@ -138,13 +127,13 @@ void writechromosome(const sitetable &table, int64 chrom)
     }
     information.close();
 
-    outfile summary(summaryfile(table.of, chrom));
+    outfile summary(summaryfile(chrom, table.of));
     putf(line, het / static_cast<double>(table.sites.size()), 20, 10);
     summary.writeline(line);
     summary.close();
 
-    if (table.of.issnp()) return;
-    outfile frequencies(frequencyfileofset(chrom, table.of.set, 1));
+    if (table.of.ischip()) return;
+    outfile frequencies(frequencyfile(chrom, table.of.set, 1));
     for (const bool own : {true, false})
         for (const siteinformation &site : table.sites) {
             if ((site.chrom == chrom) != own) continue;
@@ -155,19 +144,12 @@ void writechromosome(const sitetable &table, int64 chrom)
         }
     frequencies.close();
 }
-
-array1<int64> snpofchip(const state &s, int64 chip)
-{
-    array1<int64> n(s.founders.nchrom);
-    for (int64 h = 1; h <= n.size(); ++h) n(h) = s.loci.nsnponthischipchrom(chip, h);
-    return n;
-}
 } // namespace
 
-void calculatebothsnpandqtn(const state &s, int64 nindividuals, sitesource of)
+void calculatebothsnpandqtn(const state &s, int64 nindividuals, siteset of)
 {
     sitetable table{of, {}, {}};
-    readinformation(table, of.issnp() ? snpofchip(s, of.chip) : s.loci.nqtnonthischrom);
+    readinformation(table, nsitesintotal(s, of));
     countfrequencies(table, nindividuals);
     writewholegenome(table);
     for (int64 h = 1; h <= s.founders.nchrom; ++h) writechromosome(table, h);
@@ -204,10 +186,9 @@ namespace
 {
 void writesetfrequencies(const state &s, qtnset set, int64 chrom, int64 gen, int64 nindividuals)
 {
-    const sitelist sites =
-        readsites(informationfileofset(chrom, set), s.loci.onthischrom(set)(chrom),
-                  s.sites.nsegreginclglobal(chrom));
-    infile in(genotypefileofset(chrom, set, gen));
+    const sitelist sites = readsites(informationfile(chrom, set), nsitesonchrom(s, set, chrom),
+                                     s.sites.nsegreginclglobal(chrom));
+    infile in(genotypefile(chrom, set, gen));
     genotypecounter counts(sites.size());
     for (int64 i = 1; i <= nindividuals; ++i) counts.read(in);
     std::vector<int64> sums;

@@ -2,19 +2,13 @@
 // frequencies of chips and QTN, and the sizes of the generations.
 #pragma once
 
+#include "markers/sitesets.h"
 #include "state.h"
 
 #include <string>
 
-// A chip by its number, or with chip 0 a QTN set of the traits.
-struct sitesource {
-    int64 chip = 0;
-    qtnset set = qtnset::unrestricted;
-    bool issnp() const { return chip > 0; }
-};
-
-// Refreshes the information file of a chip or QTN set, and what stands in the folders of the
-// chromosomes for it, by the genotypes of all merged individuals.
+// Refreshes the information file of a chip or a QTN set of the traits, and what stands in the
+// folders of the chromosomes for it, by the genotypes of all merged individuals.
 // Reads    nsnponthischipchrom or nqtnonthischrom: sites per chromosome
 // SimulatedData/<...>Information.txt: 3I20, then for SNP 2F20.10: minor allele frequency, position;
 //   for QTN 3F20.10, 2I20: minor allele frequency, frequency of the counted allele, position,
@@ -25,7 +19,7 @@ struct sitesource {
 //                                   of sites of all chromosomes
 //   <...>AlleleFreqGeneration1.txt  QTN only, 2I20,F20.10: QTN, site, frequency of the counted
 //                                   allele; its own sites first, then the others
-void calculatebothsnpandqtn(const state &s, int64 nindividuals, sitesource of);
+void calculatebothsnpandqtn(const state &s, int64 nindividuals, siteset of);
 
 // Genotypes of one site, counted by value; others than 0, 1 and 2 together.
 struct genotypecounts {

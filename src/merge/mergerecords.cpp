@@ -4,6 +4,7 @@
 #include "flibs/fileregistry.h"
 #include "haplotypes/crossingfiles.h"
 #include "haplotypes/genomefiles.h"
+#include "markers/sitesets.h"
 #include "pedigree/pedigreefiles.h"
 #include "results/sequence.h"
 #include "results/snpchips.h"
@@ -45,10 +46,9 @@ std::vector<individualfile> wholerunfiles(const state &s)
     if (s.selection.recombselonoff)
         files.push_back({recombinationtable, recordform::values, 1, 1, 4 * 10 + 5 * 20 + 1});
     for (const qtnset set : setsinuse(s))
-        files.push_back(allelefile(qtngenotypefile(set), 1, sumof(s.loci.onthischrom(set))));
+        files.push_back(allelefile(qtngenotypefile(set), 1, nsitesintotal(s, set)));
     for (int64 e = 1; e <= s.chips.nchip; ++e) {
-        int64 nsnp = 0;
-        for (int64 h = 1; h <= s.founders.nchrom; ++h) nsnp += s.loci.nsnponthischipchrom(e, h);
+        const int64 nsnp = nsitesintotal(s, siteset(e));
         files.push_back(allelefile(chipgenotypefile(e), 1, nsnp));
         files.push_back(allelefile(chipphasefile(e), 2, nsnp));
     }
@@ -68,14 +68,12 @@ std::vector<individualfile> chromosomefiles(const state &, int64 chrom)
 std::vector<individualfile> generationfiles(const state &s, int64 chrom)
 {
     std::vector<individualfile> files;
-    const auto add = [&](const std::string &name, int64 n) {
-        files.push_back(allelefile(chromfolder(chrom) + name + "GenotypeGeneration", 1, n));
-        files.push_back(allelefile(chromfolder(chrom) + name + "PhaseGeneration", 2, n));
-    };
-    for (int64 e = 1; e <= s.chips.nchip; ++e)
-        add("Chip" + numbertext(e), s.loci.nsnponthischipchrom(e, chrom));
-    for (const qtnset set : setsinuse(s))
-        add(std::string(nameofset(set)) + "Qtn", s.loci.onthischrom(set)(chrom));
+    for (const siteset of : sitesetsinuse(s)) {
+        const std::string name = chromfolder(chrom) + nameofsites(of);
+        const int64 n = nsitesonchrom(s, of, chrom);
+        files.push_back(allelefile(name + "GenotypeGeneration", 1, n));
+        files.push_back(allelefile(name + "PhaseGeneration", 2, n));
+    }
     return files;
 }
 

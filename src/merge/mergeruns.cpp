@@ -180,8 +180,8 @@ void writefixedqtns(state &s, int64 ngenerations)
 void refreshcounts(state &s, const mergeplan &plan)
 {
     const int64 nindividuals = static_cast<int64>(plan.things.size());
-    for (int64 e = 1; e <= s.chips.nchip; ++e) calculatebothsnpandqtn(s, nindividuals, {e});
-    for (const qtnset set : traitsets) calculatebothsnpandqtn(s, nindividuals, {0, set});
+    for (int64 e = 1; e <= s.chips.nchip; ++e) calculatebothsnpandqtn(s, nindividuals, siteset(e));
+    for (const qtnset set : traitsets) calculatebothsnpandqtn(s, nindividuals, set);
     calculatenewnbindivigen(nindividuals);
 
     const std::vector<int64> sizes = generationsizes(plan);

@@ -9,13 +9,6 @@
 
 namespace
 {
-int64 countsnp(const state &s, int64 chip)
-{
-    int64 nsnp = 0;
-    for (int64 h = 1; h <= s.founders.nchrom; ++h) nsnp += s.loci.nsnponthischipchrom(chip, h);
-    return nsnp;
-}
-
 // A row in other columns than usual: read free-form.
 void parsealleles(infile &in, char *to, int64 n)
 {
@@ -41,7 +34,7 @@ void gathergeneration(const state &s, int64 chip, int64 gen, individualrows &row
 {
     std::vector<infile> chromfiles;
     for (int64 h = 1; h <= s.founders.nchrom; ++h)
-        chromfiles.emplace_back(phasefileofchip(h, chip, gen));
+        chromfiles.emplace_back(phasefile(h, siteset(chip), gen));
     for (int64 i = firstindivofgen(s, gen); i <= lastindivofgen(s, gen); ++i) {
         rows.begin(i);
         for (int64 h = 1; h <= s.founders.nchrom; ++h) {
@@ -66,7 +59,7 @@ void writesnpmap(const state &s, int64 chip)
     out.writeline(line);
     int64 k = 0;
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        infile in(informationfileofchip(h, chip));
+        infile in(informationfile(h, siteset(chip)));
         for (int64 snp = 1; snp <= s.loci.nsnponthischipchrom(chip, h); ++snp) {
             in.record();
             in.integer(); // rank on the chromosome's part of the chip
@@ -86,7 +79,7 @@ void writeoutsnpchips(state &s, int64 firsttmpgen, int64 lasttmpgen)
 {
     if (s.run.specstartgen == 1) runshell(std::string("mkdir ") + chipfolder, "WriteOutSnpChips");
     for (int64 e = 1; e <= s.chips.nchip; ++e) {
-        const int64 nsnp = countsnp(s, e);
+        const int64 nsnp = nsitesintotal(s, siteset(e));
         outfile phases, genotypes;
         openresultfile(phases, s, chipphasefile(e), firsttmpgen, 2, nsnp, 0);
         openresultfile(genotypes, s, chipgenotypefile(e), firsttmpgen, 1, nsnp, 0);

@@ -23,8 +23,8 @@ void drawgammapositions(state &s)
 void readsetofchrom(state &s, qtnset which, int64 chrom, int64 first)
 {
     qtnsetdata &set = s.loci.sets[which];
-    infile information(informationfileofset(chrom, which));
-    infile frequencies(frequencyfileofset(chrom, which, 1));
+    infile information(informationfile(chrom, which));
+    infile frequencies(frequencyfile(chrom, which, 1));
     for (int64 q = first + 1; q <= first + s.loci.onthischrom(which)(chrom); ++q) {
         set.chromid(q) = chrom;
         information.record();
@@ -54,8 +54,8 @@ void readset(state &s, qtnset set)
 void leaveemptyfiles(const state &s)
 {
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        outfile(informationfileofset(h, qtnset::recombination)).close();
-        outfile(frequencyfileofset(h, qtnset::recombination, 1)).close();
+        outfile(informationfile(h, qtnset::recombination)).close();
+        outfile(frequencyfile(h, qtnset::recombination, 1)).close();
     }
 }
 

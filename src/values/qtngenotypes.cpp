@@ -23,7 +23,7 @@ void readgenotypes(state &s, qtnset set, int64 currentgen)
     int64 column = 1;
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         const int64 n = s.loci.onthischrom(set)(h);
-        infile in(genotypefileofset(h, set, currentgen));
+        infile in(genotypefile(h, set, currentgen));
         rows.resize(static_cast<std::size_t>(rowtile * n));
         for (int64 k = 1; k <= nindiv && n > 0; k += rowtile) {
             const int64 nrows = std::min(rowtile, nindiv - k + 1);
