@@ -48,12 +48,31 @@ build() {
     shift
     mkdir -p "$folder"
     log=$folder/build.log
-    say "Building in $folder ..."
     if ! { cmake -S "$root" -B "$folder" "$@" &&
-        cmake --build "$folder" -j"$(nproc)" ${target:+--target "$target"}; } >"$log" 2>&1; then
+        cmake --build "$folder" -j"$(nproc)" ${target:+--target "$target"}; } 2>&1 |
+        sharedone "Building in $folder ..." "$log"; then
         tail -n 40 "$log" >&2
         fail "the build failed, see $log"
     fi
+}
+
+# sharedone TITLE LOG: keeps a build's output in a file; shows a title line, on a terminal with the
+# share that is done, in percent.
+sharedone() {
+    local line
+    if [ ! -t 1 ]; then
+        say "$1"
+        cat >"$2"
+        return
+    fi
+    printf '%s' "$1"
+    while IFS= read -r line; do
+        printf '%s\n' "$line" >&3
+        # Steps begin with [ 40%] or, from another generator, with [40/100].
+        [[ $line =~ ^\[\ *([0-9]+)(%|/([0-9]+))\] ]] &&
+            printf '\r%s %3d %%' "$1" $((100 * BASH_REMATCH[1] / ${BASH_REMATCH[3]:-100}))
+    done 3>"$2"
+    printf '\n'
 }
 
 # renewtable PAGE TABLE: puts the Markdown table of a file in place of the page's table whose title
