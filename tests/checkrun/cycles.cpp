@@ -59,7 +59,8 @@ void checkgivenvalues(run &r, const cycle &c)
             [&](int64 i) { return double(std::log(float(values(i + 1)(9)) + 0.0001f)); });
 }
 
-// The training pedigree, which ends with the candidates, numbered from 1.
+// The training pedigree, numbered from 1, which ends with the candidates; nothing is known of its
+// first generation's parents.
 void checktrainingpedigree(run &r, const cycle &c, int64 t)
 {
     const std::string path = numbered(c.folder + "PedigreeBlupTrain", t, ".txt");
@@ -69,7 +70,9 @@ void checktrainingpedigree(run &r, const cycle &c, int64 t)
     if (!r.told.holds(before >= 0, {path}, "individuals up to the candidates")) return;
     r.files.table(path, 0, file.n(), "number, sire, dam, code, phenotype", [&](int64 k) {
         const int64 *parent = r.individuals(before + k).parent;
-        const auto number = [&](int64 i) { return double(std::max<int64>(i - before, 0)); };
+        const bool known =
+            r.individuals(before + k).generation > r.individuals(before + 1).generation;
+        const auto number = [&](int64 i) { return double(known * std::max<int64>(i - before, 0)); };
         const double phenotype =
             file(k)(5) == -99 ? -99 : r.value(before + k, 3, r.selectedmodel, t);
         return reals{double(k), number(parent[1]), number(parent[2]), any, phenotype};
