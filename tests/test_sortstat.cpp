@@ -53,6 +53,10 @@ TEST(sortstat, moments)
     EXPECT_DOUBLE_EQ(sdev, std::sqrt(8.0 / 3));
     EXPECT_EQ(skew, 0);
     EXPECT_DOUBLE_EQ(curt, 32 / (4 * 64.0 / 9) - 3);
+    // 2^53 + 0, 2, 2: their mean is no number of this precision, and their squares lose them all.
+    const double far[] = {9007199254740992, 9007199254740994, 9007199254740994};
+    moment(far, 3, ave, adev, sdev, var, skew, curt);
+    EXPECT_DOUBLE_EQ(var, 4.0 / 3);
     const double constant[] = {3, 3, 3};
     moment(constant, 3, ave, adev, sdev, var, skew, curt);
     EXPECT_EQ(var, 0);

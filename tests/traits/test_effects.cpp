@@ -1,8 +1,10 @@
-// The effect stage: covariances, classes.
+// The effect stage: covariances, correlated effects, classes.
 #include "openstate.h"
+#include "randomnumbers.h"
 #include "testsupport.h"
 #include "traits/covariances.h"
 #include "traits/effectarrays.h"
+#include "traits/effectdistributions.h"
 #include "traits/qtnclasses.h"
 #include "traits/traitsettings.h"
 
@@ -60,6 +62,26 @@ TEST_F(effectstage, choleskyfactors)
     EXPECT_EQ(stop.code(), 11000);
     EXPECT_EQ(stop.output, "Cholesky Decomposition failed: Residual correlation matrix specified "
                            "is not positive definite. Please check specfile.\n");
+}
+
+// Three traits' draws by hand, each followed by one that only gammas need: their sum goes through
+// the traits in order, to the last bit.
+TEST_F(effectstage, correlatedeffects)
+{
+    openstate s = statewithtraits(3);
+    s.qtn.nqtngamma = 0;
+    s.loci.ntotqtn = s.loci.ntotqtngamma = 256; // a scale of 1/16
+    arrayscope arrays;
+    makeeffectarrays(s, arrays);
+    workoutgeneticcovariances(s);
+    randomstream draws = s.random;
+    simuladditiveeffects(s, qtnset::unrestricted);
+    for (int64 q = 1; q <= 256; ++q) {
+        double parts[3];
+        for (int64 j = 1; j <= 3; gasdev(draws), ++j)
+            parts[j - 1] = s.values.cholcovaspec(3, j) * (gasdev(draws) / 16);
+        ASSERT_EQ(s.loci.model(1).addeff(q, 3), (parts[0] + parts[1]) + parts[2]);
+    }
 }
 
 // 100 QTN of equal variance under model 1: the 1 percent class is held by one QTN, since its limit

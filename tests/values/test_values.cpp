@@ -116,6 +116,12 @@ TEST_F(values, residualcovariancesandheritability)
             pearsn(s.values.tbv.column(p, j), s.values.tpv.column(p, j), n, r);
             EXPECT_NEAR(r * r, h, 5 * 2 * std::sqrt(h) * (1 - h) / std::sqrt(count));
         }
+    // True values are added up before the residual, which large ones would swallow.
+    s.values.tbv.fill(1e17);
+    s.values.tdv.fill(-1e17);
+    randomstream draws = s.random;
+    computetpv(s, 1, 1, n);
+    EXPECT_EQ(s.values.tpv(1, 1, 1), s.values.cholcove(1, 1, 1) * gasdev(draws));
 }
 
 // One recombination QTN of effect 1 at frequency 0.5, genotypes 0, 2, 0, 2: raw values -1 and 1,
