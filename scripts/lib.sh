@@ -9,6 +9,25 @@ fail() {
     exit 1
 }
 
+# answerhelp ARGUMENTS: with --help, prints a script's header and ends: name and purpose, usage, text.
+# The header's first line is "scripts/NAME ARGUMENTS: purpose".
+answerhelp() {
+    [ "${1:-}" = --help ] || return 0
+    awk 'NR == 1 { next }
+        !/^#/ { exit }
+        { sub(/^# ?/, "") }
+        NR == 2 {
+            mark = index($0, ": ")
+            usage = substr($0, 1, mark - 1)
+            name = $1
+            sub(/:$/, "", name)
+            print name " - " substr($0, mark + 2) "\n\nusage: " usage "\n       " name " --help\n"
+            next
+        }
+        { print }' "$0"
+    exit 0
+}
+
 # needpackages NAME...: installs those of the Debian packages that are missing; says which ones
 # they are where they can't be installed.
 needpackages() {
