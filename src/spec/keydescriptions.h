@@ -13,8 +13,8 @@ struct keydescription {
     // Short: integer, real, word, text, on/off with the word that decides, per generation, two
     // reals, ... "Internal or ..." takes the word Internal, or any other word and the value.
     const char *form;
-    const char *words;    // the words that it knows, separated by blanks; "" where any text is taken
-    const char *bounds;   // what is wanted, to stand behind "wanted: "
+    const char *words;  // the words that it knows, separated by blanks; "" where any text is taken
+    const char *bounds; // what is wanted, to stand behind "wanted: "
     // What holds where the key is left out. "required": the specification is refused without it
     // (where needs are given: when they hold). "required for generation 1": a run that makes
     // generation 1 can't do without it.
