@@ -1,5 +1,6 @@
 #include "editing/genomeediting.h"
 
+#include "allelerows.h"
 #include "cyclefolder.h"
 #include "editing/edittargets.h"
 #include "editing/genedrive.h"
@@ -69,12 +70,11 @@ parentgenotypes readgenotypes(const state &s, int64 parentgen)
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         const int64 n = s.loci.nqtnonthischrom(h);
         infile in(genotypefile(h, setofselection(s), parentgen));
-        for (const int64 column : parents.columnof) {
-            in.record();
-            if (column == 0) continue;
-            in.skipwords(1);
-            in.alleles(parents.genotypes.column(column) + before, n);
-        }
+        for (const int64 column : parents.columnof)
+            if (column == 0)
+                in.record();
+            else
+                readallelerow(in, parents.genotypes.column(column) + before, n);
         before += n;
     }
     return parents;

@@ -1,5 +1,6 @@
 #include "markers/extraction.h"
 
+#include "allelerows.h"
 #include "haplotypes/blocks.h"
 #include "markers/sitepicker.h"
 #include "words.h"
@@ -8,8 +9,6 @@
 
 namespace
 {
-constexpr std::size_t idwidth = 20;
-
 // The phase and the genotype file. sums: copies of allele 1 per site in the whole generation; none
 // are counted for an empty vector.
 void writesnpchipsandqtnfiles(const state &s, int64 chrom, siteset of, int64 currentgen,
@@ -17,26 +16,18 @@ void writesnpchipsandqtnfiles(const state &s, int64 chrom, siteset of, int64 cur
                               std::vector<int64> &sums)
 {
     sitepicker picker(sites);
-    const std::size_t rowlength = idwidth + 2 * sites.size() + 1;
+    const int64 n = std::ssize(sites);
     outfile phases(phasefile(chrom, of, currentgen));
     outfile genotypes(genotypefile(chrom, of, currentgen));
-    textline id;
     for (int64 i = startindiv; i <= endindiv; ++i) {
         const int64 k = i - startindiv + 1;
         picker.pick(s.haplo.tmpgenome.gamete(k, 1), s.haplo.tmpgenome.gamete(k, 2));
-        char *const row1 = phases.reserve(2 * rowlength);
-        char *const row2 = row1 + rowlength;
-        char *const both = genotypes.reserve(rowlength);
-        puti(id, i, idwidth);
-        for (char *const row : {row1, row2, both}) {
-            id.copy(row, idwidth);
-            row[rowlength - 1] = '\n';
-        }
-        id.clear();
-        picker.puttext(row1 + idwidth, row2 + idwidth, both + idwidth);
-        for (std::size_t q = 0; q < sums.size(); ++q) sums[q] += both[idwidth + 2 * q + 1] - '0';
-        phases.commit(2 * rowlength);
-        genotypes.commit(rowlength);
+        char *const gametes = beginallelerows(phases, i, n, 2);
+        char *const both = beginallelerows(genotypes, i, n);
+        picker.puttext(gametes, gametes + allelerowlength(n), both);
+        for (std::size_t q = 0; q < sums.size(); ++q) sums[q] += both[2 * q + 1] - '0';
+        endallelerows(phases, n, 2);
+        endallelerows(genotypes, n);
     }
     phases.close();
     genotypes.close();

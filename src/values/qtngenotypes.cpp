@@ -1,12 +1,11 @@
 #include "values/qtngenotypes.h"
 
-#include "files.h"
+#include "allelerows.h"
 #include "markers/sitesets.h"
 #include "textlayout.h"
 #include "values/transpose.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -27,11 +26,7 @@ void readgenotypes(state &s, qtnset set, int64 currentgen)
         rows.resize(static_cast<std::size_t>(rowtile * n));
         for (int64 k = 1; k <= nindiv && n > 0; k += rowtile) {
             const int64 nrows = std::min(rowtile, nindiv - k + 1);
-            for (int64 r = 0; r < nrows; ++r) {
-                in.record();
-                in.skipwords(1);
-                in.alleles(rows.data() + r * n, n);
-            }
+            for (int64 r = 0; r < nrows; ++r) readallelerow(in, rows.data() + r * n, n);
             transposebytes(rows.data(), n, genos.column(column) + k - 1, nindiv, nrows, n);
         }
         column += n;
@@ -43,21 +38,13 @@ void writegenotypes(const state &s, qtnset set, int64 startindiv)
     const array2<int8> &genos = s.loci.sets[set].qtngenos;
     const int64 nindiv = genos.extent1().size(), n = genos.extent2().size();
     outfile out;
-    out.openandkeepfixed(qtngenotypefile(set), startindiv - 1, 20 + 2 * n + 1);
+    out.openandkeepfixed(qtngenotypefile(set), startindiv - 1, allelerowlength(n));
     std::vector<int8> rows(static_cast<std::size_t>(rowtile * n));
-    textline id;
     for (int64 k = 1; k <= nindiv; k += rowtile) {
         const int64 nrows = std::min(rowtile, nindiv - k + 1);
         transposebytes(genos.data() + k - 1, nindiv, rows.data(), n, n, nrows);
-        for (int64 r = 0; r < nrows; ++r) {
-            id.clear();
-            puti(id, startindiv + k - 1 + r, 20);
-            const std::size_t length = static_cast<std::size_t>(20 + 2 * n + 1);
-            char *const line = out.reserve(length);
-            std::memcpy(line, id.data(), 20);
-            *putalleles(line + 20, rows.data() + r * n, n) = '\n';
-            out.commit(length);
-        }
+        for (int64 r = 0; r < nrows; ++r)
+            writeallelerow(out, startindiv + k - 1 + r, rows.data() + r * n, n);
     }
     out.close();
 }
