@@ -1,16 +1,21 @@
 #include "arguments.h"
 
+#include "spec/keylist.h"
+#include "stops.h"
+#include "textlayout.h"
+
 #include <cstdio>
 #include <string_view>
 
 namespace
 {
 constexpr programinfo solvantoinfo{
-    "solvanto", "simulates a breeding programme in the working directory", "[--quiet]",
+    "solvanto", "simulates a breeding programme in the working directory", "[--quiet | --keys]",
     "Without arguments it runs the programme that SolvantoSpec.txt describes: generations of\n"
     "burn-in and selection, with genomes, true values, phenotypes and predictions.\n"
     "\n"
     "  --quiet     no warnings on standard error\n"
+    "  --keys      the keys of SolvantoSpec.txt, their values and meaning, as JSON\n"
     "  --help      this text\n"
     "  --version   version of the release and commit of the build\n"
     "\n"
@@ -22,6 +27,13 @@ constexpr programinfo solvantoinfo{
     "\n"
     "Exit status: 0 when the run came to its end; 2 for arguments and files that could not be\n"
     "read or written; otherwise the code behind STOP modulo 256, 1 for a stop without one.\n"};
+
+bool answeredkeys(arguments &given, int argc, char **argv)
+{
+    if (argc != 2 || std::string_view(argv[1]) != "--keys") return false;
+    given.status = runtostop([] { printline(keysasjson()); });
+    return true;
+}
 
 void refuse(arguments &given, std::string_view word)
 {
@@ -39,7 +51,7 @@ void refuse(arguments &given, std::string_view word)
 arguments readarguments(int argc, char **argv)
 {
     arguments given;
-    if (answered(solvantoinfo, argc, argv)) {
+    if (answered(solvantoinfo, argc, argv) || answeredkeys(given, argc, argv)) {
         given.action = arguments::actions::done;
         return given;
     }

@@ -1,6 +1,7 @@
 #include "spec/keydescriptions.h"
 
 #include "merge/startmerge.h"
+#include "spec/keylist.h"
 #include "spec/readinparameters.h"
 #include "spec/specreader.h"
 #include "specsupport.h"
@@ -8,6 +9,7 @@
 #include "words.h"
 
 #include <algorithm>
+#include <regex>
 #include <sstream>
 
 namespace
@@ -90,4 +92,33 @@ TEST_F(keydescribing, agreeswiththereader)
         EXPECT_EQ(read(without).code() != 0, std::string_view(key.standard) == "required")
             << key.name;
     }
+}
+
+// What --keys prints is JSON: an object for each key, each field on a line, strings closed, and
+// commas behind all but the last of a list.
+TEST(keylist, isjson)
+{
+    const std::regex field(
+        R"re(    "([a-z]+)": ("([^"\\]|\\["\\])*"|[0-9]+|\[("[A-Za-z]+"(, )?)*\]))re");
+    const std::vector<std::string> lines = splitat(keysasjson(), '\n');
+    ASSERT_EQ(lines.front() + lines.back(), "[]");
+    std::vector<std::string> objects;
+    for (std::size_t i = 1; i + 1 < lines.size(); ++i) {
+        std::string line = lines[i];
+        const char next = lines[i + 1][lines[i + 1].find_first_not_of(' ')];
+        const bool comma = line != "  {" && next != '}' && next != ']';
+        ASSERT_EQ(line.ends_with(','), comma) << line;
+        if (comma) line.pop_back();
+        std::smatch parts;
+        if (line == "  {")
+            objects.emplace_back();
+        else if (std::regex_match(line, parts, field))
+            objects.back() += std::string(parts[1]) + " ";
+        else
+            ASSERT_EQ(line, "  }");
+    }
+    EXPECT_EQ(objects, std::vector<std::string>(
+                           keydescriptions().size(),
+                           "name box form words bounds default standsafter code message meaning "
+                           "unit usual pitfall needs "));
 }
