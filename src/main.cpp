@@ -1,4 +1,5 @@
 #include "arguments.h"
+#include "repeathint.h"
 #include "solvanto.h"
 #include "stops.h"
 
@@ -6,5 +7,8 @@ int main(int argc, char **argv)
 {
     const arguments given = readarguments(argc, argv);
     if (given.action == arguments::actions::done) return given.status;
-    return runtostop([&] { solvanto(given.options); });
+    bool seedtaken = false;
+    const int status = runtostop([&] { solvanto(given.options, seedtaken); });
+    if (status != 0 && seedtaken) printrepeathint();
+    return status;
 }

@@ -1,18 +1,33 @@
 #include "randomnumbers.h"
 
 #include "files.h"
+#include "shell.h"
 #include "stops.h"
 
 #include <cmath>
 #include <utility>
 
-void initiateseed(randomstream &random)
+void warnofseed(int64 seed, const runoptions &options)
+{
+    if (seed >= 0)
+        warn(options, seedfile, 1,
+             "the seed is " + std::to_string(seed) +
+                 ": 0 and all positive seeds give one and the same stream of random numbers; write "
+                 "a negative one, such as " +
+                 std::to_string(seed > 0 ? -seed : -1234567));
+}
+
+void initiateseed(randomstream &random, const runoptions &options)
 {
     {
+        if (!pathexists(seedfile))
+            ioerror(seedfile, "there is none in this folder: go to the folder of "
+                              "the specification, or write a negative integer into the file");
         infile seed(seedfile);
-        seed.record();
+        if (!seed.nextrecord()) ioerror(seedfile, "it is empty: write a negative integer into it");
         random.idum = seed.integer();
     }
+    warnofseed(random.idum, options);
     writeseed("SeedOld.txt", random.idum);
     ran1(random);
     random.idum = -random.idum;

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "arrays.h"
+#include "runoptions.h"
 
 #include <string>
 
@@ -38,7 +39,9 @@ void writeseed(const std::string &path, int64 seed);
 
 // Reads Seed.txt of the working directory, which must exist, keeps its number in SeedOld.txt,
 // and leaves a new negative seed in Seed.txt and in idum: the next draw fills the table from it.
-void initiateseed(randomstream &random);
+void initiateseed(randomstream &random, const runoptions &options = {});
+// Warns of a seed that isn't negative: all of them give one and the same stream.
+void warnofseed(int64 seed, const runoptions &options);
 
 // A generator with its table filled from a seed. Declared free of side effects, so that a loop of
 // draws keeps idum and iy in registers although this call stands in it: through memory a draw

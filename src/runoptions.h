@@ -7,7 +7,8 @@
 #include <string_view>
 
 struct runoptions {
-    bool quiet = false; // no warnings
+    bool quiet = false;    // no warnings
+    bool checking = false; // --check: nothing is run, and warnings say more
 };
 
 // One line on standard error, unless warnings are off: "WARNING: file:line: text". A line of 0 names

@@ -28,7 +28,9 @@ bool tryshell(const std::string &command)
     const int status = std::system(command.c_str());
     if (status != -1) {
         if (const int signal = interruptof(status)) {
-            std::signal(signal, SIG_DFL);
+            // The signal ends this program too, by the handler that it has for it.
+            const auto handler = std::signal(signal, SIG_DFL);
+            if (handler != SIG_IGN) std::signal(signal, handler);
             std::raise(signal);
         }
         return WIFEXITED(status) && WEXITSTATUS(status) == 0;

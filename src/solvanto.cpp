@@ -1,5 +1,6 @@
 #include "solvanto.h"
 
+#include "check/companions.h"
 #include "founders/extractsegsites.h"
 #include "founders/runmacs.h"
 #include "founders/stores.h"
@@ -7,9 +8,11 @@
 #include "haplotypes/founderblocks.h"
 #include "markers/markgeneration.h"
 #include "merge/startmerge.h"
+#include "pedigree/earlierrun.h"
 #include "pedigree/pedigree.h"
 #include "pedigree/pedigreefiles.h"
 #include "pedigree/pedigreereadermaker.h"
+#include "repeathint.h"
 #include "results/sequence.h"
 #include "results/snpchips.h"
 #include "selection/selectioncycle.h"
@@ -60,6 +63,14 @@ void makedirectories(const state &s)
 
 namespace
 {
+void warnofcompanions(const state &s)
+{
+    for (const missingcompanion &missing : missingcompanions(s))
+        warn(s.options, missing.program, 0,
+             missing.reason + ", and this run will need it: copy it into this folder from where " +
+                 "solvanto was built or installed");
+}
+
 float cpuseconds()
 {
     return static_cast<float>(static_cast<double>(std::clock()) / CLOCKS_PER_SEC);
@@ -107,18 +118,22 @@ void writeresults(state &s)
 }
 } // namespace
 
-void solvanto(const runoptions &options)
+void solvanto(const runoptions &options, bool &seedtaken)
 {
     const float start = cpuseconds();
     titles();
     randomstream random;
-    initiateseed(random);
+    initiateseed(random, options);
+    seedtaken = true;
+    hintonsignals();
     const runsettings settings = readinparameters(options);
     state s(settings);
     s.random = random;
+    warnofcompanions(s);
     startmerge(s);
 
     const bool newsimulation = s.run.specstartgen == 1;
+    if (newsimulation) warnofearlierrun(options);
     if (newsimulation) makedirectories(s);
     pedigreereadermaker(s);
     if (newsimulation) makefounders(s);

@@ -5,8 +5,8 @@
 #include "state.h"
 
 // A whole run in the working directory, from the banner to the timing line. Stops by throwing
-// (see stops.h).
-void solvanto(const runoptions &options = {});
+// (see stops.h). seedtaken: set when Seed.txt holds the next run's seed.
+void solvanto(const runoptions &options, bool &seedtaken);
 
 // Prints the banner.
 void titles();

@@ -4,6 +4,7 @@
 #include "stops.h"
 
 #include <algorithm>
+#include <cstdio>
 
 namespace
 {
@@ -33,11 +34,22 @@ constexpr parentfault fewdams{"ERROR: Not enough dams for generation", 37, 11002
     stopwithcode(fault.code);
 }
 
+// The same, behind the two numbers on standard error.
+[[noreturn]] void stopforfew(const parentfault &fault, int64 gen, int64 asked, int64 there)
+{
+    std::fflush(stdout);
+    std::fprintf(
+        stderr, "ERROR: parents from generation %lld: %lld are asked for, there are %lld\n",
+        static_cast<long long>(gen), static_cast<long long>(asked), static_cast<long long>(there));
+    stopfor(fault, gen);
+}
+
 void checkselfedplants(const state &s, int64 j)
 {
     if (s.pop.ndaminthisgen(j) > 0 || s.pop.nsireinthisgen(j) > 0 || s.pop.nrandparinthisgen(j) > 0)
         stopfor(conflictingnumbers, j);
-    if (s.pop.nselfedparinthisgen(j) > s.pedi.nindivinthisgen(j)) stopfor(fewselfed, j);
+    if (s.pop.nselfedparinthisgen(j) > s.pedi.nindivinthisgen(j))
+        stopforfew(fewselfed, j, s.pop.nselfedparinthisgen(j), s.pedi.nindivinthisgen(j));
 }
 
 void checkcrossedplants(const state &s, int64 j)
@@ -56,11 +68,11 @@ void checkcrossedplants(const state &s, int64 j)
         printline(line);
     }
     if (respectgender && s.pop.nsireinthisgen(j) > s.pedi.nmalinthisgen(j))
-        stopfor(fewmaleplants, j);
+        stopforfew(fewmaleplants, j, s.pop.nsireinthisgen(j), s.pedi.nmalinthisgen(j));
     if (respectgender && s.pop.ndaminthisgen(j) > s.pedi.nfeminthisgen(j))
-        stopfor(fewfemaleplants, j);
+        stopforfew(fewfemaleplants, j, s.pop.ndaminthisgen(j), s.pedi.nfeminthisgen(j));
     if (!respectgender && s.pop.nrandparinthisgen(j) > s.pedi.nindivinthisgen(j))
-        stopfor(fewcrossed, j);
+        stopforfew(fewcrossed, j, s.pop.nrandparinthisgen(j), s.pedi.nindivinthisgen(j));
     if (s.pop.nrandparinthisgen(j) > 0 &&
         std::min(s.pop.nrandparinthisgen(j), s.pedi.nindivinthisgen(j + 1)) < 2)
         stopforrandommating(j);
@@ -69,8 +81,10 @@ void checkcrossedplants(const state &s, int64 j)
 void checkanimals(const state &s, int64 j)
 {
     if (s.pop.nsireinthisgen(j) == 0 && s.pop.ndaminthisgen(j) == 0) stopfor(noparents, j);
-    if (s.pop.nsireinthisgen(j) > s.pedi.nmalinthisgen(j)) stopfor(fewsires, j);
-    if (s.pop.ndaminthisgen(j) > s.pedi.nfeminthisgen(j)) stopfor(fewdams, j);
+    if (s.pop.nsireinthisgen(j) > s.pedi.nmalinthisgen(j))
+        stopforfew(fewsires, j, s.pop.nsireinthisgen(j), s.pedi.nmalinthisgen(j));
+    if (s.pop.ndaminthisgen(j) > s.pedi.nfeminthisgen(j))
+        stopforfew(fewdams, j, s.pop.ndaminthisgen(j), s.pedi.nfeminthisgen(j));
 }
 } // namespace
 
@@ -92,9 +106,10 @@ void stopiftoofewparents(const state &s, int64 parentgender, int64 currentgen, i
     if (npargender >= 1 && npargender <= navailable) return;
     const int64 gen = currentgen - 1;
     if (s.pop.plantbreedonoff) {
-        if (s.pop.nselfedparinthisgen(gen) > 0) stopfor(fewselfed, gen);
-        if (s.pop.nrandparinthisgen(gen) > 0) stopfor(fewcrossed, gen);
-        stopfor(parentgender == 1 ? fewmaleplants : fewfemaleplants, gen);
+        if (s.pop.nselfedparinthisgen(gen) > 0) stopforfew(fewselfed, gen, npargender, navailable);
+        if (s.pop.nrandparinthisgen(gen) > 0) stopforfew(fewcrossed, gen, npargender, navailable);
+        stopforfew(parentgender == 1 ? fewmaleplants : fewfemaleplants, gen, npargender,
+                   navailable);
     }
-    stopfor(parentgender == 1 ? fewsires : fewdams, gen);
+    stopforfew(parentgender == 1 ? fewsires : fewdams, gen, npargender, navailable);
 }

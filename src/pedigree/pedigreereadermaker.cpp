@@ -3,6 +3,7 @@
 #include "pedigree/parentnumbers.h"
 #include "pedigree/pedigree.h"
 #include "pedigree/pedigreefiles.h"
+#include "pedigree/pedigreewarnings.h"
 #include "pedigree/randomparents.h"
 #include "shell.h"
 #include "stops.h"
@@ -96,6 +97,7 @@ void importpedigree(state &s, const std::string &here)
     pedigreeindex index;
     for (int64 i = 1; i <= jump; ++i) index.add(s.pedi.ped(i));
     infile in(s.pop.pedigreefile);
+    pedigreefindings findings;
     for (int64 i = jump + 1; i <= jump + nindivpfile; ++i) {
         in.record();
         const int64 id = in.integer();
@@ -107,7 +109,10 @@ void importpedigree(state &s, const std::string &here)
                                             ": an individual, its sire and its dam are wanted");
         initline(s.pedi.ped(i), id, i, index.find(sire), index.find(dam), 1, here);
         index.add(s.pedi.ped(i));
+        noteparents(findings, s, i, sire, dam, linenumber);
     }
+    findings.nrowswithout = s.pop.nindivp - jump - nindivpfile;
+    warnofpedigree(s.options, s.pop.pedigreefile, findings, index);
     textline line;
     puta(line, "  Pedigree imported for generation", 34);
     puti(line, s.run.specstartgen, 4);

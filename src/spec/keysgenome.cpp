@@ -1,6 +1,6 @@
 // Keys of boxes 5 to 7: chromosomes and the coalescent simulator, SNP chips, QTN.
 #include "spec/speciestable.h"
-#include "spec/specreader.h"
+#include "spec/specvalues.h"
 #include "textlayout.h"
 #include "words.h"
 
@@ -28,10 +28,12 @@ void readinternalorinteger(specreader &r, bool &internal, int64 &value, int64 hi
 }
 
 // Chromosome length in Morgans of a population history.
-double presetmorgans(std::string_view pophistory)
+double presetmorgans(specreader &r)
 {
-    if (const speciesrow *species = findspecies(pophistory)) return species->morgans;
+    if (const speciesrow *species = findspecies(r.s.founders.pophistorymacs))
+        return species->morgans;
     printline("Please check specfile, ChromosomeLengthMorgansSolvanto not set properly");
+    r.morgansatfault = r.line;
     return 0;
 }
 
@@ -55,7 +57,7 @@ void readsnpperchip(specreader &r)
 {
     array1<int64> &nsnp = r.s.chips.nsnpperchipperchrom;
     if (!r.b6) valuetext(r, 1);
-    if (!r.b3) failkey(r);
+    if (!r.b3) failkey(r, 0, "NumberOfSnpChips must stand above it, with a line between");
     if (r.b6) {
         nsnp.fill(1);
         return;
@@ -63,9 +65,14 @@ void readsnpperchip(specreader &r)
     int64 chip = 1;
     for (int64 i = 1; i <= static_cast<int64>(r.second.size()) && chip <= nsnp.upper(); ++i) {
         if (valuetext(r, i).empty()) continue;
-        if (!tryinteger(r, i, nsnp(chip))) return;
+        if (!tryinteger(r, i, nsnp(chip))) break;
         ++chip;
     }
+    if (chip <= nsnp.upper())
+        warnhere(r, "numbers for " + numbertext(chip - 1) + " of " + numbertext(nsnp.upper()) +
+                        " chips could be read: the others get no SNP");
+    else
+        warnofsurplus(r, nsnp.upper(), "one for each chip");
 }
 
 void readtworeals(specreader &r, double &one, double &two)
@@ -87,7 +94,7 @@ const speckey keys[] = {
      [](specreader &r) {
          foundersettings &f = r.s.founders;
          readinternalorreal(r, f.internalmorganssolvanto, f.morgans);
-         if (f.internalmorganssolvanto) f.morgans = presetmorgans(f.pophistorymacs);
+         if (f.internalmorganssolvanto) f.morgans = presetmorgans(r);
      }},
     {"numberofhaplotypes", 54, "numberofhaplotypes not set properly",
      [](specreader &r) { r.s.founders.nhaps = valueinteger(r, 1); }},
@@ -95,6 +102,10 @@ const speckey keys[] = {
      [](specreader &r) {
          r.s.founders.pophistorymacs = valuepath(r, 1);
          printline("Modelling population history using " + r.s.founders.pophistorymacs);
+         if (tlc(r.s.founders.pophistorymacs).starts_with("internal") &&
+             !findspecies(r.s.founders.pophistorymacs))
+             warnhere(r, r.s.founders.pophistorymacs +
+                             " is none of the presets; it is taken for the name of a file");
      }},
     {"recombinationhotspotsonoff", 56, "recombinationhotspotsonoff not set properly",
      [](specreader &r) { r.s.founders.recombhotspotsonoff = !valueis(r, "off"); }},
@@ -120,7 +131,8 @@ const speckey keys[] = {
          if (r.b6) return;
          int64 n = r.s.chips.nchip;
          tryinteger(r, 1, n, 0, maxchips);
-         if (r.b3 && n > r.s.chips.nsnpperchipperchrom.upper()) failkey(r);
+         if (r.b3 && n > r.s.chips.nsnpperchipperchrom.upper())
+             failkey(r, 1, "it is more than an earlier line asked for: give this key once");
          r.s.chips.nchip = n;
      }},
     {"nsnpperchipperchromosme", 63, "nSnpPerChipPerChromosme not set properly", readsnpperchip},

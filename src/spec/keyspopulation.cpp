@@ -1,6 +1,6 @@
 // Keys of boxes 1 to 4: pedigree and generations, animal and plant breeding, flexibility and
 // merging.
-#include "spec/specreader.h"
+#include "spec/specvalues.h"
 #include "textlayout.h"
 #include "words.h"
 
@@ -14,7 +14,18 @@ int64 ngenerations(const specreader &r)
 // The arrays of the generations keep the size they were made with.
 void needroom(const specreader &r, int64 ngen, int64 ngensel)
 {
-    if (r.b1 && ngen + ngensel > r.s.pop.nindivinthisgen.upper()) failkey(r);
+    if (r.b1 && ngen + ngensel > r.s.pop.nindivinthisgen.upper())
+        failkey(r, 1, "more generations than earlier lines asked for: give each key once");
+}
+
+// Value g + 1 of a list of n; what is missing is told with the count.
+int64 numberofgeneration(const specreader &r, int64 g, int64 n)
+{
+    const int64 nvalues = static_cast<int64>(r.second.size()) - 1;
+    if (nvalues < g)
+        failkey(r, g + 1,
+                "the list needs " + numbertext(n) + " numbers, and has " + numbertext(nvalues));
+    return valueinteger(r, g + 1);
 }
 
 // One number for each of n generations: `Constant` and a number, or another word and n numbers.
@@ -27,6 +38,7 @@ void readpergeneration(specreader &r, array1<int64> &numbers, int64 n, std::stri
     if (!hasgenerations(r)) return;
     if (form == "constant") {
         const int64 number = valueinteger(r, 2);
+        warnofsurplus(r, 2, "Constant, and one number");
         for (int64 g = 1; g <= n; ++g) numbers(g) = number;
         return;
     }
@@ -35,7 +47,8 @@ void readpergeneration(specreader &r, array1<int64> &numbers, int64 n, std::stri
         puti(line, n, 6);
         printline(line + " values must be provided for " + std::string(note));
     }
-    for (int64 g = 1; g <= n; ++g) numbers(g) = valueinteger(r, g + 1);
+    for (int64 g = 1; g <= n; ++g) numbers(g) = numberofgeneration(r, g, n);
+    warnofsurplus(r, n + 1, "a word, and " + numbertext(n) + " numbers");
 }
 
 void readparentnumbers(specreader &r, array1<int64> &numbers, std::string_view note,
@@ -95,8 +108,16 @@ void readdhgenerations(specreader &r)
     populationsettings &pop = r.s.pop;
     if (!pop.plantbreedonoff || pop.ngendh == 0) return;
     std::vector<int64> dhinthesegen;
-    for (int64 k = 1; k <= pop.ngendh; ++k)
-        dhinthesegen.push_back(valueinteger(r, k, 1, pop.createdhinthisgen.upper()));
+    for (int64 k = 1; k <= pop.ngendh; ++k) {
+        int64 gen = 0;
+        if (tryinteger(r, k, gen, INT64_MIN, INT64_MAX) &&
+            (gen < 1 || gen > pop.createdhinthisgen.upper()))
+            failkey(r, k,
+                    "there is no such generation, the last is " +
+                        numbertext(pop.createdhinthisgen.upper()));
+        dhinthesegen.push_back(valueinteger(r, k));
+    }
+    warnofsurplus(r, pop.ngendh, "as many as NumberOfGenerationsIncludingDoubledHaploids");
     for (const int64 g : dhinthesegen) pop.createdhinthisgen(g) = 1;
 }
 

@@ -1,5 +1,5 @@
 // Keys of boxes 8 and 9: selection on the recombination rate, gene editing and gene drive.
-#include "spec/specreader.h"
+#include "spec/specvalues.h"
 #include "textlayout.h"
 #include "words.h"
 
@@ -65,14 +65,16 @@ const speckey keys[] = {
          if (r.b9) return;
          int64 n = r.s.editing.nindedited;
          tryinteger(r, 1, n);
-         if (r.b4 && n > r.maxedited) failkey(r);
+         if (r.b4 && n > r.maxedited)
+             failkey(r, 1, "it is more than an earlier line asked for: give this key once");
          r.s.editing.nindedited = n;
      }},
     {"numberofgeneeditsperindividual", 94, "NumberOfGeneEditsPerIndividual not set properly",
      [](specreader &r) {
          if (r.b9) return;
          const int64 n = valueinteger(r, 1);
-         if (r.b4 && n > r.maxedits) failkey(r);
+         if (r.b4 && n > r.maxedits)
+             failkey(r, 1, "it is more than an earlier line asked for: give this key once");
          r.s.editing.ngeneditsperind = n;
      }},
     {"performgeonuserqtnselectionyesno", 95, "PerformGEOnUserQtnSelectionYesNo not set properly",

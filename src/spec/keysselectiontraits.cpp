@@ -1,7 +1,7 @@
 // Keys of boxes 10 to 15: selection, optimal contributions, traits, correlation matrices, output
 // and genome compression. Most keys of selection only keep their word: the checks behind the last
 // record give it its meaning.
-#include "spec/specreader.h"
+#include "spec/specvalues.h"
 #include "stops.h"
 #include "textlayout.h"
 #include "words.h"
@@ -16,6 +16,7 @@ void readoptimalcontribution(specreader &r)
     printline(" Paper is currently under review and until such time as it is published we have not "
               "enabled this option");
     if (r.s.editing.geneditonoff) {
+        explainkeys(r, {"geneeditingonoff", "optimalcontributionselectiononoff"});
         printline("ERROR: Optimal contribution selection is not compatible with gene editing");
         stopwithcode(100029);
     }
@@ -83,7 +84,8 @@ const speckey keys[] = {
     {"numberoftraits", 121, "NumberOfTraits not set properly",
      [](specreader &r) {
          const int64 n = valueinteger(r, 1, 0, maxtraits);
-         if (r.b5 && n > r.s.traits.indexwt.upper()) failkey(r);
+         if (r.b5 && n > r.s.traits.indexwt.upper())
+             failkey(r, 1, "it is more than an earlier line asked for: give this key once");
          r.s.traits.ntraits = n;
      }},
     {"indexweights", 122, "IndexWeights not set properly",

@@ -3,7 +3,7 @@
 #include "spec/consistencychecks.h"
 #include "spec/speciestable.h"
 #include "spec/speclines.h"
-#include "spec/specreader.h"
+#include "spec/specvalues.h"
 #include "stops.h"
 #include "textlayout.h"
 #include "words.h"
@@ -45,7 +45,9 @@ void makeeditarrays(specreader &r)
     editingsettings &e = r.s.editing;
     if (e.nindedited <= 0 || e.ngeneditsperind <= 0) return;
     constexpr int64 mostedits = 100000000; // three tables of 8 bytes each
-    if (e.nindedited > mostedits / e.ngeneditsperind) failkey("numberofgeneeditsperindividual");
+    if (e.nindedited > mostedits / e.ngeneditsperind)
+        failkey(r, "numberofgeneeditsperindividual",
+                "the edits would take more memory than any machine has");
     r.maxedited = e.nindedited;
     r.maxedits = e.ngeneditsperind;
     r.b4 = true;
@@ -57,7 +59,8 @@ void makegenedrivearray(specreader &r)
     const int64 nindiv = r.s.pop.cumindivnbtogen(r.s.pop.ngensel + r.s.pop.ngen);
     const int64 nsites = r.s.founders.nchrom * r.s.qtn.nqtnperchrom;
     constexpr int64 maxbytes = int64{1} << 40;
-    if (nsites > 0 && nindiv > maxbytes / 2 / nsites) failkey("genedriveonoff");
+    if (nsites > 0 && nindiv > maxbytes / 2 / nsites)
+        failkey(r, "genedriveonoff", "the drives would take more memory than any machine has");
     r.driveindiv = nindiv;
     r.driveqtn = nsites;
     r.gdchecker = true;
@@ -102,11 +105,17 @@ bool rowwanted(const specreader &r, int64 row)
 }
 
 // The lower triangle of row r; the upper triangle mirrors it.
-void handlerow(const std::vector<std::string> &records, std::size_t &at, array2<double> &matrix,
-               int64 &row, std::string_view key)
+void handlerow(const specreader &r, const std::vector<std::string> &records, std::size_t &at,
+               array2<double> &matrix, int64 &row, std::string_view key)
 {
     std::vector<double> values;
-    if (!readrow(records, at, row, values)) failkey(key);
+    if (!readrow(records, at, row, values))
+        failkey(r, key,
+                "row " + numbertext(row) + " of the matrix, from line " + numbertext(r.line) +
+                    " on, holds something else than " + numbertext(row) + " numbers");
+    if (values.back() != 1)
+        warnhere(r, properkey(key) + ": entry " + numbertext(row) + " of its diagonal is " +
+                        realdigits(values.back()) + ", correlations want 1");
     for (int64 j = 1; j <= row; ++j)
         matrix(row, j) = matrix(j, row) = values[static_cast<std::size_t>(j - 1)];
     ++row;
@@ -118,13 +127,16 @@ void handlerecord(specreader &r, const std::vector<std::string> &records, std::s
     const std::string name = tlc(r.first);
     if (name.starts_with("box")) return handlebox(r);
     r.key = findkey(name);
-    if (r.key)
+    if (r.key) {
+        r.places[r.key] = {r.line, std::string(r.record)};
         r.key->handle(r);
-    else if (rowwanted(r, r.incora))
-        handlerow(records, at, r.s.traits.coraspec, r.incora, "geneticcorrelationmatrix");
+        warnofwords(r);
+    } else if (rowwanted(r, r.incora))
+        handlerow(r, records, at, r.s.traits.coraspec, r.incora, "geneticcorrelationmatrix");
     else if (rowwanted(r, r.incore))
-        handlerow(records, at, r.s.traits.core, r.incore, "residualcorrelationmatrix");
+        handlerow(r, records, at, r.s.traits.core, r.incore, "residualcorrelationmatrix");
     else {
+        explainunexpected(r);
         printline("Line was unexpected: " + r.first);
         stopwithcode(100000);
     }
@@ -139,6 +151,15 @@ void settlemorgans(runsettings &s)
     if (const speciesrow *species = findspecies(f.pophistorymacs))
         f.morgans = static_cast<double>(species->morgans);
 }
+
+// A run that goes on keeps the length of 0 that a key above the population history has left.
+void warnofmorgans(const specreader &r)
+{
+    if (r.morgansatfault > 0 && r.s.founders.morgans == 0)
+        warn(r.s.options, specfile, r.morgansatfault,
+             "the chromosomes have a length of 0 Morgans in this run: PopulationHistoryMaCS must "
+             "stand above ChromosomeLengthMorgansSolvanto,Internal and name a preset");
+}
 } // namespace
 
 runsettings readinparameters(const runoptions &options)
@@ -147,13 +168,17 @@ runsettings readinparameters(const runoptions &options)
     settings.options = options;
     specreader r(settings);
     printline("");
-    const std::vector<std::string> records = readspeclines("SolvantoSpec.txt");
+    const std::vector<std::string> records = readspeclines(specfile);
     for (std::size_t at = 0; at < records.size(); ++at) {
         parseline(records[at], r.first, r.second);
+        r.record = records[at];
+        r.line = static_cast<int64>(at) + 1;
         runsetups(r);
         if (!isemptyrecord(records[at])) handlerecord(r, records, at);
     }
     checkconsistency(r);
+    warnofidle(r);
     settlemorgans(settings);
+    warnofmorgans(r);
     return settings;
 }

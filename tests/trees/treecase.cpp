@@ -190,7 +190,7 @@ void runtreecase(const std::string &name, const std::string &bin, const std::str
             linkprograms(bin, place);
         }
         act(run, folder, inputs);
-        const commandresult result = runcommand("cd '" + place + "' && ./solvanto");
+        const commandresult result = runcommand("cd '" + place + "' && ./solvanto --quiet");
         writefile(folder + "/" + reportname, "status " + std::to_string(result.status) +
                                                  "\nstandard output:\n" + result.out +
                                                  "\nstandard error:\n" + result.err);

@@ -9,7 +9,7 @@ void wholerun::SetUp()
 commandresult wholerun::run(const spectext &spec)
 {
     spec.write();
-    return runcommand("./solvanto");
+    return runcommand("./solvanto --quiet");
 }
 
 commandresult wholerun::run(const spectext &spec, int64 seed)
