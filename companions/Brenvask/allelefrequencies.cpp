@@ -36,7 +36,7 @@ array1<double> readfrequencies(const std::string &path, int64 nloci)
         const int64 line = in.linenumber();
         if (in.integer() != j) in.complain("locus " + numbertext(j) + " is wanted");
         freq(j) = in.real();
-        stopifnotwholeline(in, line, "a locus and its frequency");
+        checkwholeline(in, line, "a locus and its frequency");
         if (!(freq(j) >= 0 && freq(j) <= 1)) in.complain("a frequency is wanted, from 0 to 1");
     }
     return freq;

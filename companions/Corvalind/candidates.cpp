@@ -28,7 +28,7 @@ void readrelationships(const corvalindspec &spec, candidates &c)
         const int64 line = in.linenumber();
         c.indiv(i) = in.integer();
         in.reals(c.relationship.column(i), c.n);
-        stopifnotwholeline(in, line, wanted);
+        checkwholeline(in, line, wanted);
         for (int64 j = 1; j <= c.n; ++j)
             if (!std::isfinite(c.relationship(j, i)))
                 in.complain("relationship " + numbertext(j) + " is not a finite number");
@@ -80,7 +80,7 @@ void readbreedingvalues(const corvalindspec &spec, candidates &c)
         if (readin) in.integer(); // place
         stopifother(in, c, spec.relationshipfile, i, in.integer());
         c.gain(i) = in.real();
-        stopifnotwholeline(in, line, "an individual and its breeding value");
+        checkwholeline(in, line, "an individual and its breeding value");
         if (!std::isfinite(c.gain(i))) in.complain("the breeding value is not a finite number");
     }
     stopifmorelines(in, c.n);
@@ -95,7 +95,7 @@ void readgenders(const corvalindspec &spec, candidates &c)
         const int64 line = in.linenumber();
         stopifother(in, c, spec.relationshipfile, i, in.integer());
         c.pool(i) = in.integer();
-        stopifnotwholeline(in, line, "an individual and its gender");
+        checkwholeline(in, line, "an individual and its gender");
         if (c.pool(i) != 1 && c.pool(i) != 2)
             in.complain("gender 1 or 2 is wanted, not " + numbertext(c.pool(i)));
         nmales += c.pool(i) == 1;

@@ -35,7 +35,7 @@ int64 readseed(const std::string &filename)
     infile in(filename);
     in.record();
     const int64 seed = in.integer();
-    stopifnotwholeline(in, 1, "one integer");
+    checkwholeline(in, 1, "one integer");
     return seed;
 }
 

@@ -29,7 +29,7 @@ equationsystem makeequations(const genotypestore &g, bool ofindividuals, double 
     equationsystem e{g, ofindividuals, lambda, ofindividuals ? g.nindiv : g.nsnp, {}};
     if (ofindividuals) {
         e.diagonal.allocate(e.n);
-        sumsquaresofindividuals(g, e.diagonal);
+        individualsquares(g, e.diagonal);
     } else {
         e.diagonal = g.sumsq;
     }

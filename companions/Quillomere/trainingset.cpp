@@ -17,7 +17,7 @@ array1<int64> readsegregating(const quillomerespec &spec)
         in.record();
         const int64 line = in.linenumber();
         const int64 entry = in.integer();
-        stopifnotwholeline(in, line, "one integer");
+        checkwholeline(in, line, "one integer");
         if (entry != 0 && entry != 1) in.complain("0 or 1 is wanted, not " + numbertext(entry));
         if (entry == 1) found.push_back(j);
     }
@@ -56,7 +56,7 @@ void readvalues(const std::string &filename, int64 n, array1<int64> &indiv, arra
         const int64 line = in.linenumber();
         indiv(i) = in.integer();
         value(i) = in.real();
-        stopifnotwholeline(in, line, "an individual and a number");
+        checkwholeline(in, line, "an individual and a number");
         if (!std::isfinite(value(i))) in.complain("the value is not a finite number");
     }
     stopifmorelines(in, n);

@@ -40,7 +40,7 @@ void readanimal(infile &in, phenotypedpedigree &p, int64 i, double missingvalue)
         in.complain("a doubled haploid has the same animal as sire and dam");
     p.doubledhaploid(i) = code == 2;
     p.phenotype(i) = in.real();
-    stopifnotwholeline(in, line, "animal, sire, dam, code and phenotype");
+    checkwholeline(in, line, "animal, sire, dam, code and phenotype");
     if (!std::isfinite(p.phenotype(i))) in.complain("the phenotype is not a finite number");
     p.observed(i) = p.phenotype(i) != missingvalue;
     p.nobserved += p.observed(i);

@@ -217,7 +217,7 @@ void timesztransposed(const genotypestore &g, const array1<double> &w, array1<do
     for (int64 j = 1; j <= g.nsnp; ++j) out(j) = (out(j) - 2 * g.freq(j) * knownsum(j)) / g.sd(j);
 }
 
-void sumsquaresofindividuals(const genotypestore &g, array1<double> &out)
+void individualsquares(const genotypestore &g, array1<double> &out)
 {
     array2<double> value(extent(0, 2), g.nsnp);
     for (int64 j = 1; j <= g.nsnp; ++j)

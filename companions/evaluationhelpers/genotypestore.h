@@ -56,7 +56,7 @@ void timesz(const genotypestore &g, const array1<double> &x, array1<double> &out
 // out(j) = sum over individuals of z(i, j) * w(i)
 void timesztransposed(const genotypestore &g, const array1<double> &w, array1<double> &out);
 // out(i) = sum over SNPs of z(i, j)^2
-void sumsquaresofindividuals(const genotypestore &g, array1<double> &out);
+void individualsquares(const genotypestore &g, array1<double> &out);
 // z(indiv, firstsnp .. firstsnp + n - 1), from offset 0.
 void scaledgenotypes(const genotypestore &g, int64 indiv, int64 firstsnp, int64 n, double *z);
 // Genotypes less 1, that is, -1, 0 and 1, of all individuals at the SNPs of the slabs from

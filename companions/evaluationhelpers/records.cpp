@@ -14,7 +14,7 @@ namespace
 }
 } // namespace
 
-void stopifnotwholeline(const infile &in, int64 firstline, const std::string &wanted)
+void checkwholeline(const infile &in, int64 firstline, const std::string &wanted)
 {
     if (in.linenumber() != firstline) complainaboutnumber(in, firstline, "fewer", wanted);
     if (!trim(in.rest()).empty()) complainaboutnumber(in, firstline, "more", wanted);
@@ -36,7 +36,7 @@ int64 readgenotypes(infile &in, int64 missingcode, array1<int8> &genotypes)
     // Noticed before the number of the next individual is taken for a genotype.
     if (std::ssize(in.rest()) < 2 * n) complainaboutnumber(in, line, "fewer", wanted);
     in.alleles(genotypes.data(), n);
-    stopifnotwholeline(in, line, wanted);
+    checkwholeline(in, line, wanted);
     int highest = 0; // as unsigned bytes: one vectorised pass over the lines without fault
     for (const int8 value : genotypes)
         highest = std::max<int>(highest, static_cast<std::uint8_t>(value));

@@ -10,7 +10,7 @@
 #include "textlayout.h"
 #include "words.h"
 
-int64 nbofeditableparents(const state &s, int64 parentgen)
+int64 editableparents(const state &s, int64 parentgen)
 {
     const int64 nselfed = s.pop.nselfedparinthisgen(parentgen);
     return nselfed > 0 ? nselfed : s.pop.nsireinthisgen(parentgen);
@@ -18,10 +18,10 @@ int64 nbofeditableparents(const state &s, int64 parentgen)
 
 namespace
 {
-void stopiftoomanyedited(const state &s, int64 parentgen)
+void checkeditednumber(const state &s, int64 parentgen)
 {
     const bool selfed = s.pop.nselfedparinthisgen(parentgen) > 0;
-    if (s.editing.nindedited <= nbofeditableparents(s, parentgen)) return;
+    if (s.editing.nindedited <= editableparents(s, parentgen)) return;
     printline(selfed ? "ERROR: Number of plants to be edited is greater than the number of selfed "
                        "parents"
                      : "ERROR: Number of sires/male parents to be edited is greater than the "
@@ -121,7 +121,7 @@ void editgenome(state &s, int64 selectioncycle, int64 currentgen)
     const editingsettings &edit = s.editing;
     editdata &edits = s.edits;
     const cycledata &cycle = s.cycle;
-    stopiftoomanyedited(s, currentgen - 1);
+    checkeditednumber(s, currentgen - 1);
     outfile out = openinformation(selectioncycle);
     readeditlist(s, selectioncycle, currentgen);
     const array1<int64> qtnforgeindic = readqtnforge(s);

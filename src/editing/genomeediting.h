@@ -13,7 +13,7 @@
 #include "state.h"
 
 // Male parents of a generation that may be edited: the selfed where there are any, else the sires.
-int64 nbofeditableparents(const state &s, int64 parentgen);
+int64 editableparents(const state &s, int64 parentgen);
 
 // Chooses the edits of the cycle that makes generation currentgen: the nindedited best male
 // parents, or selfed parents, in rank order, and for each of them the first ngeneditsperind QTN of

@@ -6,7 +6,7 @@
 
 namespace
 {
-void stopiftoofewsites(const state &s, int64 nqtnwanted, int64 code)
+void checksitenumber(const state &s, int64 nqtnwanted, int64 code)
 {
     if (nqtnwanted <= s.sites.nsegregincl) return;
     printline("ERROR: There are not enough QTN segregating");
@@ -28,10 +28,10 @@ void determinenbofsnpandqtn(state &s, int64 chrom)
 
     // Each included mutation is a QTN beyond those asked for.
     s.loci.nqtnonthischrom(chrom) = s.qtn.nqtn / s.founders.nchrom + s.sites.nmutinclglobal(chrom);
-    stopiftoofewsites(s, s.loci.nqtnonthischrom(chrom), 110008);
+    checksitenumber(s, s.loci.nqtnonthischrom(chrom), 110008);
     if (s.selection.recombselonoff) {
         s.loci.nqtnrecombonthischrom(chrom) = s.qtn.nqtnrecombperchrom;
-        stopiftoofewsites(s, s.loci.nqtnrecombonthischrom(chrom), 110009);
+        checksitenumber(s, s.loci.nqtnrecombonthischrom(chrom), 110009);
     }
     writesitenumbers(s, chrom);
 }

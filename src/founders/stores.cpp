@@ -112,7 +112,7 @@ void readsitesincluded(state &s, int64 chrom, const std::string &folder)
     s.sites.nsegreginclglobal(chrom) = in.integer();
 }
 
-void readqtnmutationsandsnp(state &s, int64 chrom, const std::string &folder)
+void readsitecounts(state &s, int64 chrom, const std::string &folder)
 {
     infile in(sitenumbersfile(chrom, folder));
     const auto row = [&](array1<int64> &nqtnofset) {
@@ -181,7 +181,7 @@ void readsegsitesdatafromallchrom(state &s, const std::string &runfolder)
 {
     for (int64 chrom = 1; chrom <= s.founders.nchrom; ++chrom) {
         readsitesincluded(s, chrom, runfolder);
-        readqtnmutationsandsnp(s, chrom, runfolder);
+        readsitecounts(s, chrom, runfolder);
         readdenovoinfo(s, chrom, runfolder);
         readindivmutindicator(s, chrom, runfolder);
     }

@@ -26,7 +26,7 @@ struct parentsources {
     olderparents older;
 };
 
-void stopiftoofewblocks(const state &s)
+void checkblocknumber(const state &s)
 {
     if (static_cast<double>(s.haplo.nblock) > s.founders.morgans) return;
     printline(
@@ -110,7 +110,7 @@ void setburninrecombrates(state &s, int64 chrom)
     setrecombfactors(s, chrom);
     for (int64 j = 1; j <= s.haplo.nblock; ++j)
         s.haplo.recombrateperblock(j) = s.founders.morgans * s.haplo.recombfactperblock(j);
-    stopiftoofewblocks(s);
+    checkblocknumber(s);
 }
 
 void genedropburninindiv(state &s, int64 chrom, int64 currentgen, int64 startindiv, int64 endindiv,
@@ -190,7 +190,7 @@ class allelecounter
     array1<int64> sums;
 };
 
-void writeminorallelefrequency(const state &s, int64 chrom)
+void writeminorfrequencies(const state &s, int64 chrom)
 {
     outfile out(chromfolder(chrom) + "MinorAlleleFrequency.txt");
     textline line;
@@ -221,5 +221,5 @@ void computeminorallelefrequency(state &s, int64 chrom)
             static_cast<double>(counts(site)) / (2 * static_cast<double>(nbase));
         s.sites.minorallelefreq(site) = frequency > 0.5 ? 1 - frequency : frequency;
     }
-    writeminorallelefrequency(s, chrom);
+    writeminorfrequencies(s, chrom);
 }

@@ -12,7 +12,7 @@ namespace
 {
 // For each included site its place among the simulated sites, from 0; mutations get the place
 // behind the last, whose allele is always 0.
-std::vector<int64> placesofincludedsites(const state &s)
+std::vector<int64> includedplaces(const state &s)
 {
     const segregatingsites &sites = s.sites;
     std::vector<int64> places(static_cast<std::size_t>(sites.nsegregincl), sites.nsegregtmp);
@@ -40,7 +40,7 @@ void readhaplotype(infile &in, std::vector<int8> &tmphapin, int64 nsegregtmp)
 void packhaplotypes(state &s, int64 chrom)
 {
     haplotypestore &haplotypes = s.haplo.haplotypes;
-    const std::vector<int64> places = placesofincludedsites(s);
+    const std::vector<int64> places = includedplaces(s);
     std::vector<int8> tmphapin(static_cast<std::size_t>(s.sites.nsegregtmp + 1), 0);
     int8 chunk[lociperblock];
 

@@ -41,8 +41,8 @@ int64 nsites(const state &s)
 } // namespace
 
 // The sums are taken while the genotypes are written.
-void writeqtnallelefrequency(int64 chrom, qtnset set, int64 gen, const sitelist &sites,
-                             const std::vector<int64> &sums, int64 nindiv)
+void writeqtnfrequencies(int64 chrom, qtnset set, int64 gen, const sitelist &sites,
+                         const std::vector<int64> &sums, int64 nindiv)
 {
     outfile out(frequencyfile(chrom, set, gen));
     textline line;
@@ -69,7 +69,7 @@ void fillqtn(state &s, int64 chrom, qtnset set, int64 currentgen, int64 startind
     const sitelist &sites = keptsites(s, chrom, set, nsites(s));
     std::vector<int64> sums(sites.size());
     writesnpchipsandqtnfiles(s, chrom, set, currentgen, sites, startindiv, endindiv, sums);
-    writeqtnallelefrequency(chrom, set, currentgen, sites, sums, endindiv - startindiv + 1);
+    writeqtnfrequencies(chrom, set, currentgen, sites, sums, endindiv - startindiv + 1);
 }
 
 // ------------------------------------------------------- all sites

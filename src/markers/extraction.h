@@ -29,8 +29,8 @@ void fillqtn(state &s, int64 chrom, qtnset set, int64 currentgen, int64 startind
 // Frequencies of allele 1 at the sites of a QTN set in a generation.
 //   sums    copies of allele 1 per site
 //   nindiv  individuals of the generation
-void writeqtnallelefrequency(int64 chrom, qtnset set, int64 gen, const sitelist &sites,
-                             const std::vector<int64> &sums, int64 nindiv);
+void writeqtnfrequencies(int64 chrom, qtnset set, int64 gen, const sitelist &sites,
+                         const std::vector<int64> &sums, int64 nindiv);
 
 // The two sequence files.
 std::string sequencephasefileof(int64 chrom, int64 gen);

@@ -36,14 +36,14 @@ std::string nameofsites(siteset of)
     return of.ischip() ? "Chip" + numbertext(of.chip) : std::string(nameofset(of.set)) + "Qtn";
 }
 
-std::string informationnameofchip(int64 chip)
+std::string chipinformationname(int64 chip)
 {
     return nameofsites(siteset(chip)) + "SnpInformation.txt";
 }
 
 std::string informationfile(int64 chrom, siteset of)
 {
-    if (of.ischip()) return chromfolder(chrom) + informationnameofchip(of.chip);
+    if (of.ischip()) return chromfolder(chrom) + chipinformationname(of.chip);
     // One name is spelt otherwise than in all other files.
     if (of.set == qtnset::unrestricted)
         return chromfolder(chrom) + "UnRestrictedQtnInformation.txt";

@@ -30,7 +30,7 @@ std::string phasefile(int64 chrom, siteset of, int64 gen);
 std::string genotypefile(int64 chrom, siteset of, int64 gen);
 std::string frequencyfile(int64 chrom, qtnset set, int64 gen);
 // Name of a chip's information file, which that of the whole genome has too.
-std::string informationnameofchip(int64 chip);
+std::string chipinformationname(int64 chip);
 
 // Frequency of an allele with ncopies among nindiv individuals, with the ten decimals of the files.
 double filedfrequency(int64 ncopies, int64 nindiv);

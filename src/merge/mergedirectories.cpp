@@ -20,8 +20,8 @@ std::vector<std::string> mergereadpaths(const state &s)
 {
     std::vector<std::string> paths;
     for (const listline &line : readlist(s.run.mergefiles)) paths.emplace_back(trim(line.text));
-    stopifotherfolders(s.run.mergefiles, s.run.numberofmergeruns + 1,
-                       static_cast<int64>(paths.size()), "lines, each with a folder,");
+    checksamefolders(s.run.mergefiles, s.run.numberofmergeruns + 1,
+                     static_cast<int64>(paths.size()), "lines, each with a folder,");
     return paths;
 }
 

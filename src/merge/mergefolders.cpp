@@ -83,8 +83,7 @@ std::vector<listline> readlist(const std::string &path)
     return lines;
 }
 
-void stopifotherfolders(const std::string &list, int64 expected, int64 found,
-                        const std::string &what)
+void checksamefolders(const std::string &list, int64 expected, int64 found, const std::string &what)
 {
     if (expected == found) return;
     printline("ERROR: MergeFiles " + list + " should hold " + numbertext(expected) + " " + what +

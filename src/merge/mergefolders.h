@@ -59,5 +59,5 @@ struct listline {
 };
 std::vector<listline> readlist(const std::string &path);
 // Stop 48 where the list holds another number of folders than the specification asks for.
-void stopifotherfolders(const std::string &list, int64 expected, int64 found,
-                        const std::string &what);
+void checksamefolders(const std::string &list, int64 expected, int64 found,
+                      const std::string &what);

@@ -193,7 +193,7 @@ void writesetfrequencies(const state &s, qtnset set, int64 chrom, int64 gen, int
     for (int64 i = 1; i <= nindividuals; ++i) counts.read(in);
     std::vector<int64> sums;
     for (std::size_t q = 0; q < sites.size(); ++q) sums.push_back(counts[q].n1 + 2 * counts[q].n2);
-    writeqtnallelefrequency(chrom, set, gen, sites, sums, nindividuals);
+    writeqtnfrequencies(chrom, set, gen, sites, sums, nindividuals);
 }
 } // namespace
 

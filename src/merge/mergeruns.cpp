@@ -90,8 +90,8 @@ mergeplan readplan(const state &s)
     const std::vector<listline> lines = readlist(list);
     const std::string burninfolder(trim(lines.front().text));
     const std::vector<listedindividual> individuals = parselist(list, lines);
-    stopifotherfolders(list, s.run.numberofmergeruns, countfolders(individuals),
-                       "runs of lines of one folder");
+    checksamefolders(list, s.run.numberofmergeruns, countfolders(individuals),
+                     "runs of lines of one folder");
     checkfolder(burninfolder);
     return makeplan(list, burninfolder, individuals);
 }

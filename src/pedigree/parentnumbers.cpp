@@ -100,8 +100,8 @@ void checknbofselectedindiv(state &s)
     }
 }
 
-void stopiftoofewparents(const state &s, int64 parentgender, int64 currentgen, int64 npargender,
-                         int64 navailable)
+void checkparentsavailable(const state &s, int64 parentgender, int64 currentgen, int64 npargender,
+                           int64 navailable)
 {
     if (npargender >= 1 && npargender <= navailable) return;
     const int64 gen = currentgen - 1;

@@ -9,5 +9,5 @@ void checknbofselectedindiv(state &s);
 
 // Ends the run if no parents are asked for, or more than navailable: 110017 selfed plants, 110021
 // crossed plants, 110019 and 110020 male and female plants, 110023 and 110024 sires and dams.
-void stopiftoofewparents(const state &s, int64 parentgender, int64 currentgen, int64 npargender,
-                         int64 navailable);
+void checkparentsavailable(const state &s, int64 parentgender, int64 currentgen, int64 npargender,
+                           int64 navailable);

@@ -40,7 +40,7 @@ void readearliergenerations(state &s)
     }
 }
 
-void readwhatearlierrunsleft(state &s)
+void readearlierruns(state &s)
 {
     const int64 nrows = rowsofearlierruns(s);
     readearliergenerations(s);
@@ -76,7 +76,7 @@ void fillwithfounders(state &s, int64 firstrow, const std::string &here)
     for (int64 i = firstrow; i <= s.pop.nindivp; ++i) initline(s.pedi.ped(i), i, i, 0, 0, 1, here);
 }
 
-void checklinesofexternalpedigree(const state &s, int64 nlines)
+void checkpedigreelines(const state &s, int64 nlines)
 {
     const int64 nrows = s.pop.nindivp - rowsofearlierruns(s);
     if (nlines > nrows)
@@ -92,7 +92,7 @@ void checklinesofexternalpedigree(const state &s, int64 nlines)
 void importpedigree(state &s, const std::string &here)
 {
     const int64 nindivpfile = countlines(s.pop.pedigreefile);
-    checklinesofexternalpedigree(s, nindivpfile);
+    checkpedigreelines(s, nindivpfile);
     const int64 jump = rowsofearlierruns(s);
     pedigreeindex index;
     for (int64 i = 1; i <= jump; ++i) index.add(s.pedi.ped(i));
@@ -136,7 +136,7 @@ void pedigreereadermaker(state &s)
 {
     arrayscope arrays;
     makepedigreearrays(s, arrays);
-    if (s.run.specstartgen > 1) readwhatearlierrunsleft(s);
+    if (s.run.specstartgen > 1) readearlierruns(s);
     drawgenders(s);
     const std::string here = workingdirectory();
     if (s.pop.pedigreefrom == pedigreesource::file) {
@@ -144,7 +144,7 @@ void pedigreereadermaker(state &s)
     } else {
         if (s.run.specendgen > 1) checknbofselectedindiv(s);
         fillwithfounders(s, 1, here);
-        if (s.run.specendgen > 1) drawparentsofburnin(s);
+        if (s.run.specendgen > 1) drawburninparents(s);
     }
     writeoutpedigree(s);
     writegenders(s);

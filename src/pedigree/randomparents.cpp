@@ -20,7 +20,7 @@ array1<int64> drawparents(state &s, int64 parentgender, int64 currentgen, int64 
         eligible(i) = anygender || s.pedi.globalgender(indivpos + i) == parentgender;
         navailable += eligible(i);
     }
-    stopiftoofewparents(s, parentgender, currentgen, npargender, navailable);
+    checkparentsavailable(s, parentgender, currentgen, npargender, navailable);
     for (int64 k = 1; k <= npargender; ++k) {
         int64 drawn;
         do drawn = static_cast<int64>(ran1(s.random) * static_cast<double>(nindiv)) + 1;
@@ -43,7 +43,7 @@ void selectnextparentsrandom(state &s, int64 parentgender, int64 currentgen, int
     if (israndommated(s, currentgen)) randommating(s, firstrow, nmatings, matingvec, 2);
 }
 
-void drawparentsofburnin(state &s)
+void drawburninparents(state &s)
 {
     const int64 firstgen = std::max<int64>(2, s.run.specstartgen);
     const int64 lastgen = std::min(s.run.specendgen, s.pop.ngen);

@@ -21,7 +21,7 @@ inline std::string chipphasefile(int64 chip)
 }
 inline std::string snpinformationfile(int64 chip)
 {
-    return "./SimulatedData/" + informationnameofchip(chip);
+    return "./SimulatedData/" + chipinformationname(chip);
 }
 inline std::string chipgenotypefile(int64 chip)
 {

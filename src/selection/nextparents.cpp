@@ -51,7 +51,7 @@ void selectnextparentstruncat(state &s, int64 currentgen, int64 parentgender, in
     const int64 nmatings = s.pedi.nindivinthisgen(currentgen);
     const int64 firstrow = cycle.endtestindiv + 1;
     assert(firstrow == firstindivofgen(s, currentgen));
-    stopiftoofewparents(s, parentgender, currentgen, npargender, npargender);
+    checkparentsavailable(s, parentgender, currentgen, npargender, npargender);
     const array1<int64> selectedindividuals = rank(s, currentgen, parentgender, npargender);
     if (s.editing.geneditonoff && parentgender == 1)
         for (int64 k = 1; k <= std::min(s.edits.indivtobeedited.size(), npargender); ++k)

@@ -35,7 +35,7 @@ void makecyclearrays(state &s, int64 currentgen, arrayscope &arrays)
     for (array1<double> *a :
          {&cycle.estimatedbvrecomb, &cycle.estimatedbvindex, &cycle.estimatedbv})
         arrays.make(*a, cycle.ntestindiv);
-    arrays.make(s.edits.indivtobeedited, nbofeditableparents(s, currentgen - 1));
+    arrays.make(s.edits.indivtobeedited, editableparents(s, currentgen - 1));
     s.values.nindivinsimulrun = s.pedi.nindivinthisgen(currentgen);
     makegenotypetables(s, arrays);
 

@@ -28,7 +28,7 @@ int64 malesinrange(const state &s)
     return nmales;
 }
 
-void stopiftrainingtoolate(const state &s, int64 lastallowed, int64 code)
+void checklasttraining(const state &s, int64 lastallowed, int64 code)
 {
     if (s.selection.lasttraingenrp <= lastallowed) return;
     textline line;
@@ -52,8 +52,8 @@ void setrandomrange(state &s, int64 currentgen)
                   "training dataset");
         stopwithcode(110004);
     }
-    if (sel.recombselonoff) stopiftrainingtoolate(s, currentgen - 2, 110005);
-    stopiftrainingtoolate(s, currentgen - 1, 110006);
+    if (sel.recombselonoff) checklasttraining(s, currentgen - 2, 110005);
+    checklasttraining(s, currentgen - 1, 110006);
 }
 
 // Rows in TrainIndiv.txt up to the first record that begins with no integer. A 0 is passed over.

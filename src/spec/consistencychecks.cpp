@@ -31,7 +31,7 @@ bool iseither(std::string_view setting, std::string_view one, std::string_view o
     return isword(setting, one) || isword(setting, other);
 }
 
-void checkgenerationsandscheme(const specreader &r)
+void checkscheme(const specreader &r)
 {
     const runsettings &s = r.s;
     if (s.pop.ngensel == 0 && s.pop.ngen == 0)
@@ -403,7 +403,7 @@ void checkreach(const specreader &r)
 
 void checkconsistency(specreader &r)
 {
-    checkgenerationsandscheme(r);
+    checkscheme(r);
     checkchips(r);
     checkqtn(r);
     checkediting(r.s);
