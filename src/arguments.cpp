@@ -10,11 +10,15 @@
 namespace
 {
 constexpr programinfo solvantoinfo{
-    "solvanto", "simulates a breeding programme in the working directory", "[--quiet | --keys]",
+    "solvanto", "simulates a breeding programme in the working directory",
+    "[--quiet] [--progress | --keys]",
     "Without arguments it runs the programme that SolvantoSpec.txt describes: generations of\n"
     "burn-in and selection, with genomes, true values, phenotypes and predictions.\n"
     "\n"
     "  --quiet     no warnings on standard error\n"
+    "  --progress  a line on standard error that tells how far the run has come; it is shown\n"
+    "              without being asked for where standard error is a terminal and standard output\n"
+    "              is not\n"
     "  --keys      the keys of SolvantoSpec.txt, their values and meaning, as JSON\n"
     "  --help      this text\n"
     "  --version   version of the release and commit of the build\n"
@@ -59,6 +63,8 @@ arguments readarguments(int argc, char **argv)
         const std::string_view word = argv[i];
         if (word == "--quiet")
             given.options.quiet = true;
+        else if (word == "--progress")
+            given.options.progress = true;
         else
             refuse(given, word);
     }

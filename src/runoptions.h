@@ -8,6 +8,7 @@
 
 struct runoptions {
     bool quiet = false;    // no warnings
+    bool progress = false; // a line of progress also where standard error is no terminal
     bool checking = false; // --check: nothing is run, and warnings say more
 };
 

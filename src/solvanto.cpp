@@ -15,6 +15,7 @@
 #include "repeathint.h"
 #include "results/sequence.h"
 #include "results/snpchips.h"
+#include "runplan.h"
 #include "selection/selectioncycle.h"
 #include "shell.h"
 #include "spec/readinparameters.h"
@@ -76,6 +77,12 @@ float cpuseconds()
     return static_cast<float>(static_cast<double>(std::clock()) / CLOCKS_PER_SEC);
 }
 
+// The line of progress makes room for the message of a stop too.
+struct progressend {
+    progressline &progress;
+    ~progressend() { endprogress(progress); }
+};
+
 void printtiming(float seconds)
 {
     printline("");
@@ -130,6 +137,8 @@ void solvanto(const runoptions &options, bool &seedtaken)
     state s(settings);
     s.random = random;
     warnofcompanions(s);
+    planprogress(s);
+    const progressend atend{s.progress};
     startmerge(s);
 
     const bool newsimulation = s.run.specstartgen == 1;

@@ -14,6 +14,7 @@
 #include "files.h"
 #include "genomes.h"
 #include "pedigreeline.h"
+#include "progress.h"
 #include "randomnumbers.h"
 #include "runoptions.h"
 
@@ -317,6 +318,7 @@ struct runsettings {
 
 // What the stages make.
 struct stagerecords {
+    progressline progress;
     randomstream random;
     pedigreedata pedi;
     segregatingsites sites;

@@ -5,6 +5,8 @@
 #include "founders/simulatedsites.h"
 #include "founders/sitenumbers.h"
 #include "founders/stores.h"
+#include "runplan.h"
+#include "words.h"
 
 namespace
 {
@@ -48,7 +50,9 @@ void extractsegsites(state &s, haplotypepacker packhaplotypes)
     arrayscope arrays;
     makechromarrays(s, arrays);
     s.sites.nindivpinit = s.pop.nindivp;
-    for (int64 chrom = 1; chrom <= s.founders.nchrom; ++chrom)
+    for (int64 chrom = 1; chrom <= s.founders.nchrom; ++chrom) {
+        tellpart(s, runpart::packing, chrom, s.founders.nchrom, "chromosome " + numbertext(chrom));
         extractchromosome(s, chrom, packhaplotypes);
+    }
     printtotals(s);
 }

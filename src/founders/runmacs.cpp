@@ -3,6 +3,7 @@
 #include "founders/presets.h"
 #include "founders/recombregions.h"
 #include "founders/simulatedsites.h"
+#include "runplan.h"
 #include "shell.h"
 #include "sortstat.h"
 #include "stops.h"
@@ -71,6 +72,7 @@ void runmacs(state &s)
     printline(" Performing MaCS for each chromosome in series");
     macsrun before;
     for (int64 i = 1; i <= s.founders.nchrom; ++i) {
+        tellpart(s, runpart::founders, i, s.founders.nchrom, "chromosome " + numbertext(i));
         printline(" ");
         printfree("Chromosome: ", i);
         runmacshelper(s, "cd Chromosomes/Chromosome" + numbertext(i), i);

@@ -4,6 +4,8 @@
 #include "haplotypes/blocks.h"
 #include "haplotypes/burningeneration.h"
 #include "haplotypes/droplines.h"
+#include "runplan.h"
+#include "words.h"
 
 #include <algorithm>
 
@@ -48,6 +50,10 @@ void dropchromosome(state &s, int64 chrom, generationspan span, generationstep f
     arrayscope arrays;
     prepareforchromosome(s, arrays, chrom);
     for (int64 j = span.first; j <= span.last; ++j) {
+        const int64 ngenerations = span.last - span.first + 1;
+        tellpart(s, runpart::burnindrop, (chrom - 1) * ngenerations + j - span.first + 1,
+                 s.founders.nchrom * ngenerations,
+                 "chromosome " + numbertext(chrom) + ", generation " + numbertext(j));
         dropgeneration(s, chrom, j, j > span.first, finishgeneration);
         // The generation just made has the parents of the next: no need to read its file.
         std::swap(s.haplo.oldtmpgenome, s.haplo.tmpgenome);

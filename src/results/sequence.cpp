@@ -3,6 +3,7 @@
 #include "founders/stores.h"
 #include "markers/extraction.h"
 #include "results/gathering.h"
+#include "runplan.h"
 #include "shell.h"
 #include "stops.h"
 #include "words.h"
@@ -91,7 +92,11 @@ void writeoutsequence(state &s, int64 firsttmpgen, int64 lasttmpgen)
         genotypes.writeline(title);
     }
     individualrows rows(phases, genotypes, totalsites);
-    for (int64 j = firsttmpgen; j <= lasttmpgen; ++j) gathergeneration(s, j, rows);
+    for (int64 j = firsttmpgen; j <= lasttmpgen; ++j) {
+        tellpart(s, runpart::sequence, j - firsttmpgen + 1, lasttmpgen - firsttmpgen + 1,
+                 "generation " + numbertext(j));
+        gathergeneration(s, j, rows);
+    }
     writemap(s, lasttmpgen);
     phases.close();
     genotypes.close();

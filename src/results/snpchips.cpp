@@ -2,6 +2,7 @@
 
 #include "allelerows.h"
 #include "results/gathering.h"
+#include "runplan.h"
 #include "shell.h"
 #include "words.h"
 
@@ -84,7 +85,13 @@ void writeoutsnpchips(state &s, int64 firsttmpgen, int64 lasttmpgen)
         openresultfile(phases, s, chipphasefile(e), firsttmpgen, 2, nsnp, 0);
         openresultfile(genotypes, s, chipgenotypefile(e), firsttmpgen, 1, nsnp, 0);
         individualrows rows(phases, genotypes, nsnp);
-        for (int64 j = firsttmpgen; j <= lasttmpgen; ++j) gathergeneration(s, e, j, rows);
+        const int64 ngenerations = lasttmpgen - firsttmpgen + 1;
+        for (int64 j = firsttmpgen; j <= lasttmpgen; ++j) {
+            tellpart(s, runpart::chips, (e - 1) * ngenerations + j - firsttmpgen + 1,
+                     s.chips.nchip * ngenerations,
+                     "chip " + numbertext(e) + ", generation " + numbertext(j));
+            gathergeneration(s, e, j, rows);
+        }
         phases.close();
         genotypes.close();
         writesnpmap(s, e);

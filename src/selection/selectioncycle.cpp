@@ -14,6 +14,7 @@
 #include "markers/markgeneration.h"
 #include "pedigree/breedingplan.h"
 #include "pedigree/pedigreefiles.h"
+#include "runplan.h"
 #include "selection/coancestryreport.h"
 #include "selection/nextparents.h"
 #include "selection/optimalcontributions.h"
@@ -132,9 +133,20 @@ void takeknownvalues(state &s, int64 selectioncycle, int64 selectedtrait)
         take(s.values.tpv.column(s.qtn.qtnmodel, selectedtrait), estimates, nestimates);
 }
 
+// The part of selection is as long as its cycles have traits to evaluate and chromosomes to drop.
+void tellstep(state &s, int64 currentgen, int64 step, const std::string &where)
+{
+    const int64 first = std::max(s.run.specstartgen, s.pop.ngen + 1);
+    const int64 nsteps = s.traits.ntraits + s.founders.nchrom;
+    tellpart(s, runpart::cycles, (currentgen - first) * nsteps + step,
+             (s.run.specendgen - first + 1) * nsteps,
+             "cycle " + numbertext(currentgen - s.pop.ngen) + ", " + where);
+}
+
 void evaluatetrait(state &s, outfile &accuracyfile, int64 selectioncycle, int64 currentgen,
                    int64 selectedtrait)
 {
+    tellstep(s, currentgen, selectedtrait, "trait " + numbertext(selectedtrait));
     const bool predicted = s.selection.selontbvyes1no0 == 0;
     determinetrainandtestdatasetsforselection(s, selectioncycle, selectedtrait);
     s.cycle.fixedsnp.fill(0);
@@ -182,6 +194,7 @@ void makegeneration(state &s, int64 currentgen, int64 startindiv, int64 endindiv
         steps.followgamete = definegenedriveinheritance;
         steps.finishzygotes = drivezygotes;
     }
+    tellstep(s, currentgen, s.traits.ntraits + 1, "gene drop");
     performgenedropselection(s, currentgen, startindiv, endindiv, steps);
     compileqtngenotypes(s, currentgen, startindiv);
     computetbv(s, startindiv, endindiv);

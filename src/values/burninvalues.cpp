@@ -1,5 +1,7 @@
 #include "values/burninvalues.h"
 
+#include "runplan.h"
+
 #include "files.h"
 #include "sortstat.h"
 #include "textlayout.h"
@@ -204,7 +206,11 @@ void computetbvvaravareandburnintpv(state &s)
     makevaluearrays(s, arrays);
     readqtneffects(s);
     if (span.first > 1) readresidualfactors(s);
-    for (int64 gen = span.first; gen <= span.last; ++gen) computegeneration(s, gen);
+    for (int64 gen = span.first; gen <= span.last; ++gen) {
+        tellpart(s, runpart::burninvalues, gen - span.first + 1, span.last - span.first + 1,
+                 "generation " + numbertext(gen));
+        computegeneration(s, gen);
+    }
 }
 
 void computevaravardvare(state &s, int64 startindiv, int64 endindiv)
