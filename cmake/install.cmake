@@ -3,7 +3,7 @@
 include(GNUInstallDirs)
 set(companionsfolder ${CMAKE_INSTALL_LIBEXECDIR}/solvanto)
 set(sharedfolder ${CMAKE_INSTALL_DATADIR}/solvanto)
-set(runscripts account seed workingfolder)
+set(runscripts account seed tidy workingfolder)
 
 install(TARGETS solvanto DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS ${companionprograms} DESTINATION ${companionsfolder})
@@ -55,6 +55,7 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "stochastic simulator of breeding populati
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS tabix) # bgzip, for solvanto-tidy
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION

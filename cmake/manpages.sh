@@ -10,7 +10,7 @@ rm -rf "$pages"
 mkdir -p "$pages"
 
 # Scripts have another name where they are installed.
-installednames='s,scripts/\(account\|seed\|workingfolder\),solvanto-\1,g'
+installednames='s,scripts/\(account\|seed\|tidy\|workingfolder\),solvanto-\1,g'
 # One line for each page; awk reads \n as a line end.
 alsosee=
 # The pages on files stand in section 5, the others in section 7.

@@ -28,6 +28,11 @@ answerhelp() {
     exit 0
 }
 
+# Where the programs are: beside scripts and examples where they are installed, else in the build.
+programsfolder() {
+    if [ -d "$root/bin" ]; then echo "$root/bin"; else echo "$root/build/bin"; fi
+}
+
 # needpackages NAME...: installs those of the Debian packages that are missing; says which ones
 # they are where they can't be installed.
 needpackages() {
@@ -57,7 +62,7 @@ needpackages() {
 # shellcheck disable=SC2034
 buildpackages=(g++ cmake make libeigen3-dev libopenblas-dev)
 # shellcheck disable=SC2034
-testpackages=(libgtest-dev)
+testpackages=(libgtest-dev tabix)
 # shellcheck disable=SC2034
 benchpackages=(libbenchmark-dev scrm time)
 

@@ -3,6 +3,7 @@
 #include "spec/keylist.h"
 #include "stops.h"
 #include "textlayout.h"
+#include "tidy/leavings.h"
 
 #include <cstdio>
 #include <string_view>
@@ -11,7 +12,7 @@ namespace
 {
 constexpr programinfo solvantoinfo{
     "solvanto", "simulates a breeding programme in the working directory",
-    "[--quiet] [--progress | --keys]",
+    "[--quiet] [--progress] [--tidy] | --keys | --tidylist",
     "Without arguments it runs the programme that SolvantoSpec.txt describes: generations of\n"
     "burn-in and selection, with genomes, true values, phenotypes and predictions.\n"
     "\n"
@@ -19,7 +20,9 @@ constexpr programinfo solvantoinfo{
     "  --progress  a line on standard error that tells how far the run has come; it is shown\n"
     "              without being asked for where standard error is a terminal and standard output\n"
     "              is not\n"
+    "  --tidy      removes on the way what no later step and no later run reads\n"
     "  --keys      the keys of SolvantoSpec.txt, their values and meaning, as JSON\n"
+    "  --tidylist  the files that scripts/tidy removes or packs\n"
     "  --help      this text\n"
     "  --version   version of the release and commit of the build\n"
     "\n"
@@ -32,10 +35,16 @@ constexpr programinfo solvantoinfo{
     "Exit status: 0 when the run came to its end; 2 for arguments and files that could not be\n"
     "read or written; otherwise the code behind STOP modulo 256, 1 for a stop without one.\n"};
 
-bool answeredkeys(arguments &given, int argc, char **argv)
+// A table that is printed.
+bool answeredtable(arguments &given, int argc, char **argv)
 {
-    if (argc != 2 || std::string_view(argv[1]) != "--keys") return false;
-    given.status = runtostop([] { printline(keysasjson()); });
+    const std::string_view word = argc == 2 ? argv[1] : "";
+    if (word == "--keys")
+        given.status = runtostop([] { printline(keysasjson()); });
+    else if (word == "--tidylist")
+        given.status = runtostop(printleavings);
+    else
+        return false;
     return true;
 }
 
@@ -55,7 +64,7 @@ void refuse(arguments &given, std::string_view word)
 arguments readarguments(int argc, char **argv)
 {
     arguments given;
-    if (answered(solvantoinfo, argc, argv) || answeredkeys(given, argc, argv)) {
+    if (answered(solvantoinfo, argc, argv) || answeredtable(given, argc, argv)) {
         given.action = arguments::actions::done;
         return given;
     }
@@ -65,6 +74,8 @@ arguments readarguments(int argc, char **argv)
             given.options.quiet = true;
         else if (word == "--progress")
             given.options.progress = true;
+        else if (word == "--tidy")
+            given.options.tidy = true;
         else
             refuse(given, word);
     }

@@ -12,6 +12,6 @@ struct arguments {
     int status = 0; // exit status where they are
 };
 
-// Reads the command line, and answers --help, --version and --keys. Another argument than those of --help
-// is refused on standard error with status 2, and nothing has been touched by then.
+// Reads the command line, and answers --help, --version, --keys and --tidylist. Another argument
+// than those of --help is refused on standard error with status 2, and nothing has been touched by then.
 arguments readarguments(int argc, char **argv);

@@ -1,5 +1,5 @@
 // runoptions.h - what the arguments of a run ask for beyond the specification, and the warnings that
-// they switch off. None of it changes a file or a line of standard output.
+// they switch off. None of it changes a line of standard output, or what stands in a file.
 #pragma once
 
 #include "arrays.h"
@@ -9,6 +9,7 @@
 struct runoptions {
     bool quiet = false;    // no warnings
     bool progress = false; // a line of progress also where standard error is no terminal
+    bool tidy = false;     // what no later step and no later run reads is removed
     bool checking = false; // --check: nothing is run, and warnings say more
 };
 

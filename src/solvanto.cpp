@@ -21,6 +21,7 @@
 #include "spec/readinparameters.h"
 #include "stops.h"
 #include "textlayout.h"
+#include "tidy/leavings.h"
 #include "traits/simulateqtneffects.h"
 #include "values/burninvalues.h"
 #include "words.h"
@@ -92,10 +93,22 @@ void printtiming(float seconds)
     printline("");
 }
 
+// What nothing reads from here on.
+void tidyup(const state &s, leavingkind kind)
+{
+    if (s.options.tidy) removeleavings(s.options, kind);
+}
+
 void makefounders(state &s)
 {
     runmacs(s);
     extractsegsites(s, packhaplotypes);
+    tidyup(s, leavingkind::founders);
+}
+
+void tidyupcycle(const state &s)
+{
+    tidyup(s, leavingkind::cycle);
 }
 
 // What the pedigree and the founders left in their files is read once, for all generations.
@@ -109,7 +122,7 @@ void simulate(state &s)
     if (burnin) drophaploburninandmakearrays(s, markgeneration);
     if (newsimulation) simulateqtneffects(s);
     if (burnin) computetbvvaravareandburnintpv(s);
-    if (s.pop.ngensel > 0) drophaploselection(s);
+    if (s.pop.ngensel > 0) drophaploselection(s, tidyupcycle);
 }
 
 void writeresults(state &s)
@@ -122,6 +135,7 @@ void writeresults(state &s)
     writeoutsequence(s, first, last);
     // Compression takes the specification's last generation, also when output ends before it.
     if (s.run.zipsequenceonoff) zipsequenceoutputfiles(s, first, s.run.specendgen);
+    tidyup(s, leavingkind::results);
 }
 } // namespace
 
@@ -142,8 +156,12 @@ void solvanto(const runoptions &options, bool &seedtaken)
     startmerge(s);
 
     const bool newsimulation = s.run.specstartgen == 1;
-    if (newsimulation) warnofearlierrun(options);
-    if (newsimulation) makedirectories(s);
+    if (newsimulation) {
+        warnofearlierrun(options);
+        makedirectories(s);
+    } else {
+        stopifpacked(s);
+    }
     pedigreereadermaker(s);
     if (newsimulation) makefounders(s);
     arrayscope arrays;

@@ -15,7 +15,7 @@ constexpr const char *brenvasklog = "outBrenvask", *corvalindlog = "outCorvalind
 
 std::string matrixfile(int64 selectioncycle)
 {
-    return cyclefolder(selectioncycle) + "GFullMatrix1-1.txt";
+    return cyclefolder(selectioncycle) + relationshipmatrix;
 }
 
 std::string resultfile(int64 selectioncycle, const char *name)

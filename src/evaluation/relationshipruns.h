@@ -12,6 +12,9 @@
 #include <string_view>
 #include <vector>
 
+// The relationships that Brenvask leaves in F.
+constexpr const char *relationshipmatrix = "GFullMatrix1-1.txt";
+
 // Whose allele frequencies the relationships stand on.
 enum class relationshipbase {
     present, // those of the genotypes at hand

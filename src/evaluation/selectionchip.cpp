@@ -122,6 +122,11 @@ std::string traininggenotypes(const state &s)
     return chipname(s) + "GenotypeTrain.txt";
 }
 
+std::string trainingphases(const state &s)
+{
+    return chipname(s) + "PhaseTrain.txt";
+}
+
 std::string testgenotypes(const state &s)
 {
     return chipname(s) + "GenotypeTest.txt";
@@ -143,7 +148,7 @@ selectionchipfiles openchipfiles(const state &s, int64 selectioncycle)
     selectionchipfiles files;
     if (s.selection.selontbvyes1no0 == 0) {
         files.genotypetrain.open(folder + traininggenotypes(s));
-        files.phasetrain.open(folder + chipname(s) + "PhaseTrain.txt");
+        files.phasetrain.open(folder + trainingphases(s));
     }
     files.genotypetest.open(folder + testgenotypes(s));
     return files;

@@ -24,6 +24,7 @@
 // (trainingdata.h) for the trait, run 1, and for the recombination trait, 2; those of the generation
 // that the last cycle makes.
 std::string traininggenotypes(const state &s);
+std::string trainingphases(const state &s);
 std::string testgenotypes(const state &s);
 std::string scaledgenotypes(const state &s, int64 runid);
 std::string lastgenotypes(const state &s);

@@ -65,7 +65,7 @@ void placemutations(state &s)
 void writeuncompressedmap(const state &s, int64 chrom)
 {
     const segregatingsites &sites = s.sites;
-    outfile out(chromfolder(chrom) + "PhysicalMapInputUncompressed.txt");
+    outfile out(uncompressedmapfile(chrom));
     textline line;
     for (int64 i = 1; i <= sites.nsegregtmp; ++i) {
         puti(line, i, 10);
@@ -93,7 +93,7 @@ void fillcompressedmap(state &s)
 void writecompressedmap(const state &s, int64 chrom)
 {
     const segregatingsites &sites = s.sites;
-    outfile out(chromfolder(chrom) + "PhysicalMapInputCompressed.txt");
+    outfile out(compressedmapfile(chrom));
     textline line;
     for (int64 i = 1; i <= sites.tmpwrkcomp.size(); ++i) {
         puti(line, i, 10);

@@ -11,6 +11,15 @@
 #include "arrayscope.h"
 #include "state.h"
 
+inline std::string uncompressedmapfile(int64 chrom)
+{
+    return chromfolder(chrom) + "PhysicalMapInputUncompressed.txt";
+}
+inline std::string compressedmapfile(int64 chrom)
+{
+    return chromfolder(chrom) + "PhysicalMapInputCompressed.txt";
+}
+
 // Strews the slots, and makes and fills allphysicalmap: a mutation slot lies halfway between its
 // neighbours, at 0 on the first slot, at 1 on the last, and halfway between its left neighbour and
 // 1 where only mutation slots follow. Makes and fills also tmpwrk, mutindicator, mutsitesid and,

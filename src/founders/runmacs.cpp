@@ -37,7 +37,7 @@ std::string firstline(infile &in)
 macsrun lookatrun(int64 chrom)
 {
     macsrun run;
-    const std::string output = chromfolder(chrom) + "output.txt";
+    const std::string output = chromfolder(chrom) + macsoutput;
     const std::string segsites = segsitesfile(chrom);
     if (!pathexists(output) || !pathexists(segsites)) return run;
     infile in(output);
@@ -62,7 +62,8 @@ void warnofequalruns(const runoptions &options, const macsrun &before, const mac
              "no -s in a\n"
              "file of options, and a macs that takes its seed from the clock gives two runs that "
              "begin in\n"
-             "one second the same. See output.txt of both folders.");
+             "one second the same. See " +
+             macsoutput + " of both folders.");
 }
 } // namespace
 
@@ -106,7 +107,7 @@ std::string macscommand(const std::string &folder, int64 nhaps, const std::strin
                         bool hotspots)
 {
     return folder + " && ./macs " + numbertext(nhaps) + "  " + std::string(trimright(macsparams)) +
-           " " + (hotspots ? "-R Hotspots.txt" : "") + " 1>output.txt 2>" + macsmessages;
+           " " + (hotspots ? "-R Hotspots.txt" : "") + " 1>" + macsoutput + " 2>" + macsmessages;
 }
 
 namespace

@@ -57,7 +57,7 @@ void countsites(state &s, int64 chrom, arrayscope &arrays)
 void readphysicalmap(state &s, int64 chrom)
 {
     segregatingsites &sites = s.sites;
-    infile in(chromfolder(chrom) + "PhysicalMapInput.txt");
+    infile in(simulatedmapfile(chrom));
     if (sites.nsegregtmp > 0) in.record();
     for (int64 k = 1; k <= sites.nsegregtmp; ++k) sites.allphysicalmap(sites.tmpwrk(k)) = in.real();
 }

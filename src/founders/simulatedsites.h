@@ -17,8 +17,12 @@ inline std::string segsitesfile(int64 chrom)
 {
     return chromfolder(chrom) + segsitesname;
 }
-// What the simulator wrote on standard error there.
-constexpr const char *macsmessages = "debug.txt";
+inline std::string simulatedmapfile(int64 chrom)
+{
+    return chromfolder(chrom) + "PhysicalMapInput.txt";
+}
+// What the simulator wrote there on standard output and standard error.
+constexpr const char *macsoutput = "output.txt", *macsmessages = "debug.txt";
 
 // Whether sites are thinned.
 inline bool compressioninforce(const state &s)

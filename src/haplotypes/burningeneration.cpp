@@ -97,7 +97,7 @@ parentstrands unknownparent(state &s, int64 *base)
 // The file is opened with the first line: without base individuals the last one stays.
 void writebaseline(const state &s, outfile &basefile, int64 chrom, int64 individ, const int64 *base)
 {
-    if (!basefile.isopen()) basefile.open(chromfolder(chrom) + "BaseIndividualGameteTracking.txt");
+    if (!basefile.isopen()) basefile.open(basetrackingfile(chrom));
     textline line;
     puti(line, s.pedi.ped(individ).newid, 20);
     for (int64 b = 0; b < 4; ++b) puti(line, base[b], 10);
@@ -192,7 +192,7 @@ class allelecounter
 
 void writeminorfrequencies(const state &s, int64 chrom)
 {
-    outfile out(chromfolder(chrom) + "MinorAlleleFrequency.txt");
+    outfile out(minorfrequencyfile(chrom));
     textline line;
     puta(line, "   SegSite     MinorAlleleFreq", 30);
     out.writeline(line);

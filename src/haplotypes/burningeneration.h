@@ -15,6 +15,17 @@
 
 #include "state.h"
 
+#include <string>
+
+inline std::string basetrackingfile(int64 chrom)
+{
+    return chromfolder(chrom) + "BaseIndividualGameteTracking.txt";
+}
+inline std::string minorfrequencyfile(int64 chrom)
+{
+    return chromfolder(chrom) + "MinorAlleleFrequency.txt";
+}
+
 // Sets recombfactperblock and recombrateperblock (made by the caller), the same for all burn-in
 // generations of a chromosome. Stops: nblock not above morgans, 110012; those of readrecombspec.
 void setburninrecombrates(state &s, int64 chrom);

@@ -47,7 +47,7 @@ void packhaplotypes(state &s, int64 chrom)
     infile in(founderhaplotypesfile(chrom));
     const int64 nhaplos = countlines(in);
     haplotypes.allocate(nhaplos, s.haplo.nblock);
-    outfile out(chromfolder(chrom) + "MacsHaplotypesIncluded.txt");
+    outfile out(includedhaplotypesfile(chrom));
     for (int64 h = 1; h <= nhaplos; ++h) {
         readhaplotype(in, tmphapin, s.sites.nsegregtmp);
         const int64 *place = places.data();

@@ -9,9 +9,13 @@
 
 #include <string>
 
-inline std::string founderhaplotypesfile(int64 chrom, const std::string &runfolder = ".")
+inline std::string founderhaplotypesfile(int64 chrom)
 {
-    return chromfolder(chrom, runfolder) + "MacsHaplotypes.txt";
+    return chromfolder(chrom) + "MacsHaplotypes.txt";
+}
+inline std::string includedhaplotypesfile(int64 chrom)
+{
+    return chromfolder(chrom) + "MacsHaplotypesIncluded.txt";
 }
 
 // Packs the included sites of all haplotypes, which pass through one at a time, and writes them as

@@ -4,7 +4,6 @@
 #include "founders/stores.h"
 #include "haplotypes/blocks.h"
 #include "haplotypes/crossingfiles.h"
-#include "haplotypes/founderblocks.h"
 #include "haplotypes/genomefiles.h"
 #include "markers/sitesets.h"
 #include "merge/mergerecords.h"
@@ -238,7 +237,7 @@ void checkburnin(const state &s, const std::string &folder)
     for (const std::string &path : paths) checkfile(inside(path));
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         checkfile(includedmapfile(h, folder));
-        checkfile(founderhaplotypesfile(h, folder));
+        checkfile(inside(haplotypeblocksfile(h)));
     }
     for (const individualfile &file : wholerunfiles(s)) checkrecords(file, inside(file.path), 0);
 }

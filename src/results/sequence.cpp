@@ -13,7 +13,6 @@
 
 namespace
 {
-constexpr const char *sequencemapfile = "./SimulatedData/FullSequencePhysicalMapIncluded.txt";
 constexpr int64 titlelength = 50 + 1;
 
 int64 countsites(const state &s)

@@ -14,6 +14,7 @@
 
 constexpr const char *sequencephasefile = "./SimulatedData/FullSequencePhase.txt";
 constexpr const char *sequencegenotypefile = "./SimulatedData/FullSequenceGenotype.txt";
+constexpr const char *sequencemapfile = "./SimulatedData/FullSequencePhysicalMapIncluded.txt";
 
 // Gathers generations firsttmpgen to lasttmpgen. Draws, stops: none. A file that is missing, too
 // short or malformed is an I/O error. The files of one generation are open at a time.

@@ -283,7 +283,7 @@ void printoutselectiondetails(const state &s)
     printline("");
 }
 
-void drophaploselection(state &s)
+void drophaploselection(state &s, void (*behindcycle)(const state &))
 {
     if (s.run.specendgen <= s.pop.ngen) return; // nothing of selection belongs to this run
     arrayscope arrays;
@@ -302,7 +302,10 @@ void drophaploselection(state &s)
         s.values.recombperindperchr.fill(s.founders.morgans);
         readrecombcounts(s, lastindivofgen(s, startgen - 1));
     }
-    for (int64 currentgen = startgen; currentgen <= endgen; ++currentgen)
-        if (!runcycle(s, currentgen, endgen)) break;
+    for (int64 currentgen = startgen; currentgen <= endgen; ++currentgen) {
+        const bool made = runcycle(s, currentgen, endgen);
+        if (behindcycle) behindcycle(s);
+        if (!made) break;
+    }
     writehighestcrossings(s.haplo.globalrecomblocationmax, s.founders.nchrom);
 }

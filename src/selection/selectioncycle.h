@@ -14,9 +14,10 @@
 // made: its cycle, and with it the stage, ends when the index is known.
 // Draws, in each cycle: training sets (trainingsets.h, for each trait), parents (nextparents.h),
 // gametes (selectiondrop.h), residuals (phenotypes.h).
+// behindcycle, where there is one, is called behind each cycle.
 // Rewrites SimulatedData/GlobalRecombLocationMax.txt at the end: free-form, chromosome and highest
 // site before a crossing.
-void drophaploselection(state &s);
+void drophaploselection(state &s, void (*behindcycle)(const state &) = nullptr);
 
 // Tells on standard output what selection is based on.
 void printoutselectiondetails(const state &s);

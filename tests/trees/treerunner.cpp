@@ -1,6 +1,8 @@
 // treerunner - runs the cases of the stored trees (README.md), for the tests and for scripts/trees.
 //   treerunner check CASE            compares the files of its runs with the stored sums, and looks
 //                                    whether they follow from one another
+//   treerunner tidied CASE           runs it with scripts/tidy --keep all behind each run: the files
+//                                    that are left have their sums all the same
 //   treerunner renew CASE            stores the sums
 //   treerunner compare OLDBIN CASE   compares with the files that another build's programs leave
 //   treerunner make CASE FOLDER      runs it in a new folder, to be looked at
@@ -11,11 +13,13 @@
 
 #include "checkrun/checkrun.h"
 #include "testsupport.h"
+#include "tidy/leavings.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fnmatch.h>
 #include <stdexcept>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -117,6 +121,39 @@ bool check(const std::string &name)
     return same;
 }
 
+bool istidied(const std::string &path)
+{
+    static const std::vector<leaving> table = leavingstable();
+    return std::ranges::any_of(table, [&](const leaving &row) {
+        return row.kind != leavingkind::packed && row.kind != leavingkind::dropped &&
+               fnmatch(("*" + row.pattern).c_str(), ("/" + path).c_str(), 0) == 0;
+    });
+}
+
+bool tidied(const std::string &name)
+{
+    const std::vector<filetree> wanted = readsums(name);
+    const temporaryfolder folder;
+    std::size_t nruns = 0, ngone = 0, nother = 0;
+    runtreecase(name, binfolder(), folder.path, [&](const treeofrun &tree) {
+        const filetree sums = sumsof(tree.files), &want = wanted.at(nruns++);
+        for (const std::string &path : differingpaths(want, sums)) {
+            const bool gone = !sums.contains(path) && istidied(path);
+            ++(gone ? ngone : nother);
+            if (!gone) std::printf("%s, run %zu: %s\n", name.c_str(), nruns, path.c_str());
+        }
+        if (tree.status != 0) return true;
+        const commandresult tidy = runcommand(sourcefolder() + "/scripts/tidy '" + tree.folder +
+                                              "' --keep all --bin '" + binfolder() + "'");
+        if (tidy.status == 0) return true;
+        std::printf("%s, run %zu: %s\n", name.c_str(), nruns, tidy.err.c_str());
+        ++nother;
+        return false;
+    });
+    std::printf("%s: the runs went on without %zu files\n", name.c_str(), ngone);
+    return nother == 0;
+}
+
 bool renew(const std::string &name)
 {
     const std::vector<filetree> before = readsums(name);
@@ -181,10 +218,12 @@ bool command(std::vector<std::string> words)
         setcommonmachine();
     const std::size_t n = words.size();
     if (n == 2 && words[0] == "check") return check(words[1]);
+    if (n == 2 && words[0] == "tidied") return tidied(words[1]);
     if (n == 2 && words[0] == "renew") return renew(words[1]);
     if (n == 3 && words[0] == "compare") return compare(words[1], words[2]);
     if (n == 3 && words[0] == "make") return make(words[1], words[2]);
-    throw std::invalid_argument("check CASE, renew CASE, compare OLDBIN CASE or make CASE FOLDER");
+    throw std::invalid_argument(
+        "check CASE, tidied CASE, renew CASE, compare OLDBIN CASE or make CASE FOLDER");
 }
 } // namespace
 
