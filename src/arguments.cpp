@@ -12,13 +12,19 @@ namespace
 {
 constexpr programinfo solvantoinfo{
     "solvanto", "simulates a breeding programme in the working directory",
-    "[--quiet] [--progress] [--tidy] | --keys | --tidylist",
+    "[--quiet] [--progress] [--tidy] [--strict] [--repeat] | --keys | --tidylist",
     "Without arguments it runs the programme that SolvantoSpec.txt describes: generations of\n"
     "burn-in and selection, with genomes, true values, phenotypes and predictions.\n"
     "\n"
     "  --quiet     no warnings on standard error\n"
+    "  --strict    the first command or companion that fails ends the run with status 3\n"
+    "  --repeat    runs with the seed of the last run in this folder, whether it came to its "
+    "end "
+    "or\n"
+    "              not\n"
     "  --progress  a line on standard error that tells how far the run has come; it is shown\n"
-    "              without being asked for where standard error is a terminal and standard output\n"
+    "              without being asked for where standard error is a terminal and standard "
+    "output\n"
     "              is not\n"
     "  --tidy      removes on the way what no later step and no later run reads\n"
     "  --keys      the keys of SolvantoSpec.txt, their values and meaning, as JSON\n"
@@ -26,14 +32,18 @@ constexpr programinfo solvantoinfo{
     "  --help      this text\n"
     "  --version   version of the release and commit of the build\n"
     "\n"
-    "It reads SolvantoSpec.txt, Seed.txt and the files that the specification names, and starts\n"
+    "It reads SolvantoSpec.txt, Seed.txt and the files that the specification names, and "
+    "starts\n"
     "its companions macs, Vintrecaskelle, Quillomere, QuillomereP, Brenvask and Corvalind from "
     "the\n"
-    "working directory. It writes Chromosomes, SimulatedData and Selection, SeedOld.txt and the\n"
+    "working directory. It writes Chromosomes, SimulatedData and Selection, SeedOld.txt and "
+    "the\n"
     "next seed into Seed.txt.\n"
     "\n"
-    "Exit status: 0 when the run came to its end; 2 for arguments and files that could not be\n"
-    "read or written; otherwise the code behind STOP modulo 256, 1 for a stop without one.\n"};
+    "Exit status: 0 when the run came to its end; 3 when it did, but commands or companions "
+    "failed;\n"
+    "2 for arguments and files that could not be read or written; otherwise the code behind STOP\n"
+    "modulo 256, 1 for a stop without one.\n"};
 
 // A table that is printed.
 bool answeredtable(arguments &given, int argc, char **argv)
@@ -72,6 +82,10 @@ arguments readarguments(int argc, char **argv)
         const std::string_view word = argv[i];
         if (word == "--quiet")
             given.options.quiet = true;
+        else if (word == "--strict")
+            given.options.strict = true;
+        else if (word == "--repeat")
+            given.options.repeat = true;
         else if (word == "--progress")
             given.options.progress = true;
         else if (word == "--tidy")

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -16,12 +17,18 @@ void filedescriptor::close()
 filedescriptor openchecked(const std::string &path, int flags)
 {
     int descriptor;
-    do descriptor = ::open(path.c_str(), flags | O_CLOEXEC, 0666);
+    // O_NONBLOCK: a pipe in a file's place doesn't wait for another process.
+    do descriptor = ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0666);
     while (descriptor < 0 && errno == EINTR);
     if (descriptor < 0)
         ioerrno(path, (flags & O_ACCMODE) == O_RDONLY ? "can't open for reading"
                                                       : "can't open for writing");
-    return filedescriptor(descriptor);
+    filedescriptor opened(descriptor);
+    struct stat file {
+    };
+    if (fstat(descriptor, &file) == 0 && (S_ISFIFO(file.st_mode) || S_ISSOCK(file.st_mode)))
+        ioerror(path, "is a pipe, and a file is wanted");
+    return opened;
 }
 
 std::size_t readchecked(int descriptor, const std::string &path, char *bytes, std::size_t n)

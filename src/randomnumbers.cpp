@@ -5,7 +5,49 @@
 #include "stops.h"
 
 #include <cmath>
+#include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
 #include <utility>
+
+namespace
+{
+constexpr const char *oldseedfile = "SeedOld.txt";
+
+// The seed that a run with the given one leaves.
+int64 seedbehind(int64 seed)
+{
+    randomstream random;
+    random.idum = seed;
+    ran1(random);
+    return -random.idum;
+}
+
+// Seed.txt holds the last run's own seed where the run was killed before it wrote the next one.
+int64 seedoflastrun(int64 seed)
+{
+    if (!pathexists(oldseedfile))
+        ioerror(oldseedfile, "there is none: no run in this folder can be repeated");
+    infile in(oldseedfile);
+    in.record();
+    const int64 last = in.integer();
+    if (seed != last && seed != seedbehind(last))
+        ioerror(seedfile, "has been changed since the last run, whose seed was " +
+                              std::to_string(last) +
+                              ": write the seed that is meant, and run "
+                              "without --repeat");
+    return last;
+}
+
+// A crash leaves the old seed or the new one, whole.
+void replaceseed(const std::string &path, int64 seed)
+{
+    const std::string next = path + ".new";
+    writeseed(next, seed);
+    if (fsync(openchecked(next, O_RDONLY)) != 0) ioerrno(next, "can't write");
+    if (std::rename(next.c_str(), path.c_str()) != 0) ioerrno(path, "can't write");
+}
+} // namespace
 
 void warnofseed(int64 seed, const runoptions &options)
 {
@@ -27,11 +69,12 @@ void initiateseed(randomstream &random, const runoptions &options)
         if (!seed.nextrecord()) ioerror(seedfile, "it is empty: write a negative integer into it");
         random.idum = seed.integer();
     }
+    if (options.repeat) random.idum = seedoflastrun(random.idum);
     warnofseed(random.idum, options);
-    writeseed("SeedOld.txt", random.idum);
+    replaceseed(oldseedfile, random.idum);
     ran1(random);
     random.idum = -random.idum;
-    writeseed(seedfile, random.idum);
+    replaceseed(seedfile, random.idum);
 }
 
 void writeseed(const std::string &path, int64 seed)

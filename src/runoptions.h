@@ -10,6 +10,8 @@ struct runoptions {
     bool quiet = false;    // no warnings
     bool progress = false; // a line of progress also where standard error is no terminal
     bool tidy = false;     // what no later step and no later run reads is removed
+    bool strict = false;   // the first command or program that fails ends the run
+    bool repeat = false;   // with the seed of the last run
     bool checking = false; // --check: nothing is run, and warnings say more
 };
 

@@ -3,45 +3,66 @@
 #include "stops.h"
 #include "textlayout.h"
 
+#include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
+#include <sched.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace
 {
-// The interpreter reports a signal of its child as 128 + the signal's number.
-int interruptof(int status)
+// The interpreter waits for the command in the background, so that the signal that it gets when
+// this process has ended reaches it at once; it then ends the whole group.
+constexpr const char *guarded = "trap 'kill -KILL 0' TERM; eval \"$1\" & wait $!";
+
+// In the new process. Shares this process's memory until the interpreter runs: calls of the system
+// alone.
+int startinterpreter(void *command)
 {
-    for (const int signal : {SIGINT, SIGQUIT}) {
-        if (WIFSIGNALED(status) && WTERMSIG(status) == signal) return signal;
-        if (WIFEXITED(status) && WEXITSTATUS(status) == 128 + signal) return signal;
-    }
-    return 0;
+    setpgid(0, 0);
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (getppid() == 1) _exit(127); // the run has ended by now
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGXCPU}) std::signal(signal, SIG_DFL);
+    execl("/bin/sh", "sh", "-c", guarded, "solvanto", static_cast<const char *>(command), nullptr);
+    _exit(127);
 }
 } // namespace
 
-bool tryshell(const std::string &command)
+void notefailure(commandfailures &failures, const std::string &what)
 {
-    std::fflush(stdout); // what the command prints comes after what we printed
-    const int status = std::system(command.c_str());
-    if (status != -1) {
-        if (const int signal = interruptof(status)) {
-            // The signal ends this program too, by the handler that it has for it.
-            const auto handler = std::signal(signal, SIG_DFL);
-            if (handler != SIG_IGN) std::signal(signal, handler);
-            std::raise(signal);
-        }
-        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-    }
-    return false;
+    if (failures.count++ == 0) failures.first = what;
+    if (!failures.strict) return;
+    std::fflush(stdout);
+    std::fprintf(stderr, "ERROR: %s\n", what.c_str());
+    plainstop(3);
 }
 
-bool runshell(const std::string &command, std::string_view routine)
+int shellstatus(const std::string &command)
 {
-    if (tryshell(command)) return true;
+    std::fflush(stdout); // what the command prints comes after what we printed
+    // As vfork: a large process isn't copied for each command.
+    constexpr std::size_t stacksize = 1 << 16;
+    alignas(16) static thread_local char stack[stacksize];
+    const pid_t child = clone(startinterpreter, stack + stacksize, CLONE_VM | CLONE_VFORK | SIGCHLD,
+                              const_cast<char *>(command.c_str()));
+    if (child < 0) return -1;
+    int status = 0;
+    pid_t ended;
+    do ended = waitpid(child, &status, 0);
+    while (ended < 0 && errno == EINTR);
+    if (ended < 0) return -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+bool runshell(const std::string &command, std::string_view routine, commandfailures &failures)
+{
+    const int status = shellstatus(command);
+    if (status == 0) return true;
     printline("failure : Solvanto : " + std::string(routine));
+    notefailure(failures, "the command \"" + command + "\" of " + std::string(routine) +
+                              " ended with status " + std::to_string(status));
     return false;
 }
 

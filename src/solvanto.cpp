@@ -1,6 +1,7 @@
 #include "solvanto.h"
 
 #include "check/companions.h"
+#include "folders.h"
 #include "founders/extractsegsites.h"
 #include "founders/runmacs.h"
 #include "founders/stores.h"
@@ -15,10 +16,12 @@
 #include "repeathint.h"
 #include "results/sequence.h"
 #include "results/snpchips.h"
+#include "runlock.h"
 #include "runplan.h"
 #include "selection/selectioncycle.h"
 #include "shell.h"
 #include "spec/readinparameters.h"
+#include "spec/specreader.h"
 #include "stops.h"
 #include "textlayout.h"
 #include "tidy/leavings.h"
@@ -48,19 +51,22 @@ void titles()
     printline("");
 }
 
-void makedirectories(const state &s)
+namespace
 {
-    const auto remove = [](const char *folder) {
-        if (folderexists(folder)) runshell(std::string("rm -r ") + folder, "MakeDirectories");
-    };
-    remove("Chromosomes");
-    runshell("mkdir Chromosomes", "MakeDirectories");
+constexpr const char *runfolders[] = {"Chromosomes", "SimulatedData", "Selection"};
+}
+
+void makedirectories(state &s)
+{
+    const char *const routine = "MakeDirectories";
+    removefolder("Chromosomes", routine);
+    makefolder("Chromosomes", routine, s.failures);
     for (int64 i = 1; i <= s.founders.nchrom; ++i)
-        runshell("mkdir Chromosomes/Chromosome" + numbertext(i), "MakeDirectories");
-    remove("SimulatedData");
-    runshell("mkdir SimulatedData", "MakeDirectories D");
-    remove("Selection");
-    runshell("mkdir Selection", "MakeDirectories");
+        makefolder("Chromosomes/Chromosome" + numbertext(i), routine, s.failures);
+    removefolder("SimulatedData", routine);
+    makefolder("SimulatedData", "MakeDirectories D", s.failures);
+    removefolder("Selection", routine);
+    makefolder("Selection", routine, s.failures);
 }
 
 namespace
@@ -139,17 +145,20 @@ void writeresults(state &s)
 }
 } // namespace
 
-void solvanto(const runoptions &options, bool &seedtaken)
+void solvanto(const runoptions &options, runaccount &account)
 {
     const float start = cpuseconds();
     titles();
+    const filedescriptor lock = lockrun(specfile);
+    for (const char *folder : runfolders) refuselinks(folder);
     randomstream random;
     initiateseed(random, options);
-    seedtaken = true;
+    account.seedtaken = true;
     hintonsignals();
     const runsettings settings = readinparameters(options);
     state s(settings);
     s.random = random;
+    s.failures.strict = options.strict;
     warnofcompanions(s);
     planprogress(s);
     const progressend atend{s.progress};
@@ -170,7 +179,8 @@ void solvanto(const runoptions &options, bool &seedtaken)
     simulate(s);
     writeresults(s);
     if (s.run.specendgen == s.pop.ngensel + s.pop.ngen && !s.run.keepchromonoff)
-        runshell("rm -r Chromosomes", "Solvanto: ");
+        runshell("rm -r Chromosomes", "Solvanto: ", s.failures);
 
+    account.failures = s.failures;
     printtiming(cpuseconds() - start);
 }

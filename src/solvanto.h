@@ -4,12 +4,18 @@
 #include "runoptions.h"
 #include "state.h"
 
+// What main has to tell of a run.
+struct runaccount {
+    bool seedtaken = false; // Seed.txt holds the next run's seed
+    commandfailures failures;
+};
+
 // A whole run in the working directory, from the banner to the timing line. Stops by throwing
-// (see stops.h). seedtaken: set when Seed.txt holds the next run's seed.
-void solvanto(const runoptions &options, bool &seedtaken);
+// (see stops.h); account: as far as it came.
+void solvanto(const runoptions &options, runaccount &account);
 
 // Prints the banner.
 void titles();
 // Removes and makes again the run folders Chromosomes (with a folder for each chromosome),
 // SimulatedData and Selection.
-void makedirectories(const state &s);
+void makedirectories(state &s);

@@ -17,6 +17,7 @@
 #include "progress.h"
 #include "randomnumbers.h"
 #include "runoptions.h"
+#include "shell.h"
 
 #include <array>
 #include <map>
@@ -319,6 +320,7 @@ struct runsettings {
 // What the stages make.
 struct stagerecords {
     progressline progress;
+    commandfailures failures;
     randomstream random;
     pedigreedata pedi;
     segregatingsites sites;

@@ -31,12 +31,15 @@ TEST(stops, exitstatusandmessage)
 TEST(shell, failuresareprintedandtherungoeson)
 {
     bool good = false, bad = true;
+    commandfailures failures;
     const outcome result = runbody([&] {
-        good = runshell("true", "Routine A");
-        bad = runshell("exit 3", "Routine B");
+        good = runshell("true", "Routine A", failures);
+        bad = runshell("exit 3", "Routine B", failures);
         printline("on");
     });
     EXPECT_TRUE(good);
     EXPECT_FALSE(bad);
+    EXPECT_EQ(failures.count, 1);
+    EXPECT_EQ(failures.first, "the command \"exit 3\" of Routine B ended with status 3");
     EXPECT_EQ(result.output, "failure : Solvanto : Routine B\non\n");
 }

@@ -2,28 +2,49 @@
 
 #include "cyclefolder.h"
 #include "shell.h"
+#include "textlayout.h"
+#include "words.h"
+
+#include <unistd.h>
 
 void writecycleseed(const state &s, int64 selectioncycle)
 {
     writeseed(cyclefolder(selectioncycle) + seedfile, s.random.idum);
 }
 
-void runcompanion(const companionrun &run, int64 selectioncycle)
+namespace
+{
+// A program that fails is told at the end of the run; standard output tells of scripts alone.
+void runscript(state &s, const companionrun &run, int64 selectioncycle)
+{
+    const int status = shellstatus(run.script);
+    if (status == 0) return;
+    if (access(run.script.c_str(), X_OK) != 0)
+        printline("failure : Solvanto : Run" + run.program + (run.letteredfailures ? " C" : ""));
+    notefailure(s.failures, run.program + " ended with status " + numbertext(status) +
+                                " in cycle " + numbertext(selectioncycle) + ": " +
+                                lookinlog(selectioncycle, run.log.c_str()));
+}
+} // namespace
+
+void runcompanion(state &s, const companionrun &run, int64 selectioncycle)
 {
     const std::string folder = cyclefolder(selectioncycle);
     const auto step = [&](const std::string &command, const char *letter) {
-        runshell(command, "Run" + run.program + (run.letteredfailures ? letter : ""));
+        runshell(command, "Run" + run.program + (run.letteredfailures ? letter : ""), s.failures);
     };
     step("cp " + run.program + " " + folder, " A");
 
     outfile out(run.script);
     out.writeline(freeline("cd " + folder));
     out.writeline(freeline("./" + run.program + " > " + run.log));
+    out.writeline("status=$?");
     for (const std::string &line : run.afterwards) out.writeline(freeline(line));
     out.writeline(freeline("cd .."));
+    out.writeline("exit $status");
     out.close();
     step("chmod +x " + run.script, " B");
-    step(run.script, " C");
+    runscript(s, run, selectioncycle);
     step("rm -f " + run.script, " D");
 }
 

@@ -22,9 +22,9 @@ struct companionrun {
 void writecycleseed(const state &s, int64 selectioncycle);
 
 // Copies the program to F, writes the script, makes it executable, runs it, removes it. A failing
-// command prints its failure line, and the run goes on: whether the program left results shows
-// when they are read.
-void runcompanion(const companionrun &run, int64 selectioncycle);
+// command prints its failure line, a program that ends with another status than 0 doesn't; both are
+// counted, and the run goes on: whether the program left results shows when they are read.
+void runcompanion(state &s, const companionrun &run, int64 selectioncycle);
 
 // Where to look when a program left nothing, or too little: an end of an error message.
 std::string lookinlog(int64 selectioncycle, const char *log);

@@ -104,11 +104,11 @@ void writegenomicspec(const state &s, int64 selectioncycle, int64 selectedtrait,
     out.close();
 }
 
-void runprediction(const state &s, int64 selectioncycle, const char *program,
+void runprediction(state &s, int64 selectioncycle, const char *program,
                    std::vector<std::string> afterwards)
 {
     writecycleseed(s, selectioncycle);
-    runcompanion({program, script, logname, std::move(afterwards), true}, selectioncycle);
+    runcompanion(s, {program, script, logname, std::move(afterwards), true}, selectioncycle);
 }
 
 // An integer and a real at the beginning of a record; false where they can't be read.

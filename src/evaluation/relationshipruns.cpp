@@ -100,9 +100,9 @@ void writebrenvaskspec(const state &s, int64 selectioncycle, relationshipbase ba
     out.close();
 }
 
-void runbrenvask(int64 selectioncycle)
+void runbrenvask(state &s, int64 selectioncycle)
 {
-    runcompanion({"Brenvask", "./TmpBrenvask.sh", brenvasklog, {}}, selectioncycle);
+    runcompanion(s, {"Brenvask", "./TmpBrenvask.sh", brenvasklog, {}}, selectioncycle);
 }
 
 void writecorvalindspec(const state &s, int64 selectioncycle, int64 currentgen)
@@ -132,10 +132,10 @@ void writecorvalindspec(const state &s, int64 selectioncycle, int64 currentgen)
     writegenders(s, selectioncycle);
 }
 
-void runcorvalind(const state &s, int64 selectioncycle)
+void runcorvalind(state &s, int64 selectioncycle)
 {
     writecycleseed(s, selectioncycle);
-    runcompanion({"Corvalind", "./TmpCorvalind.sh", corvalindlog, {}}, selectioncycle);
+    runcompanion(s, {"Corvalind", "./TmpCorvalind.sh", corvalindlog, {}}, selectioncycle);
 }
 
 std::vector<double> averagerelationships(int64 selectioncycle,

@@ -27,13 +27,13 @@ enum class relationshipbase {
 void writebrenvaskspec(const state &s, int64 selectioncycle, relationshipbase base,
                        std::string_view genotdata);
 // Runs Brenvask; leaves GFullMatrix1-1.txt and outBrenvask in F.
-void runbrenvask(int64 selectioncycle);
+void runbrenvask(state &s, int64 selectioncycle);
 
 // CorvalindSpec.txt in F, and GenderTesting.txt, a free-form record for each candidate: row,
 // gender. currentgen is the generation to be made: it has as many matings as individuals.
 void writecorvalindspec(const state &s, int64 selectioncycle, int64 currentgen);
 // Writes Seed.txt in F and runs Corvalind; leaves CorvalindResults and outCorvalind in F.
-void runcorvalind(const state &s, int64 selectioncycle);
+void runcorvalind(state &s, int64 selectioncycle);
 
 // Average relationships x'Gx of several vectors x, with G of GFullMatrix1-1.txt in F: a free-form
 // record for each individual, an identifier and one real for each individual. Sums run along the

@@ -6,9 +6,9 @@
 
 namespace
 {
-void copyfile(const std::string &file, const std::string &folder, const char *routine)
+void copyfile(state &s, const std::string &file, const std::string &folder, const char *routine)
 {
-    runshell("cp " + file + " " + folder, routine);
+    runshell("cp " + file + " " + folder, routine, s.failures);
 }
 } // namespace
 
@@ -57,7 +57,7 @@ array1<double> readsolutions(const state &s, int64 selectioncycle, const std::st
 void copytrainingdata(state &s, int64 selectioncycle, int64 selectedtrait)
 {
     const auto copy = [&](const std::string &name) {
-        copyfile(cyclefolder(s.selection.fixedtrainselcycle) + name, cyclefolder(selectioncycle),
+        copyfile(s, cyclefolder(s.selection.fixedtrainselcycle) + name, cyclefolder(selectioncycle),
                  "CopyTrainingData");
     };
     copy(solutionsfile(s, selectedtrait));
@@ -72,7 +72,7 @@ void copytrainingdata(state &s, int64 selectioncycle, int64 selectedtrait)
 void importtrainingdata(state &s, int64 selectioncycle)
 {
     const auto copy = [&](const char *name) {
-        copyfile(std::string("./") + name, cyclefolder(selectioncycle), "ImportTrainingData");
+        copyfile(s, std::string("./") + name, cyclefolder(selectioncycle), "ImportTrainingData");
     };
     copy(onetraitsolutions);
     copy(trainingfrequencies);

@@ -13,12 +13,12 @@
 
 namespace
 {
-void copyprograms(int64 nchrom)
+void copyprograms(state &s)
 {
-    for (int64 i = 1; i <= nchrom; ++i) {
+    for (int64 i = 1; i <= s.founders.nchrom; ++i) {
         const std::string folder = " Chromosomes/Chromosome" + numbertext(i);
-        runshell("cp macs" + folder, "RunMacs A");
-        runshell("cp Vintrecaskelle" + folder, "RunMacs B");
+        runshell("cp macs" + folder, "RunMacs A", s.failures);
+        runshell("cp Vintrecaskelle" + folder, "RunMacs B", s.failures);
     }
 }
 
@@ -69,7 +69,7 @@ void warnofequalruns(const runoptions &options, const macsrun &before, const mac
 
 void runmacs(state &s)
 {
-    copyprograms(s.founders.nchrom);
+    copyprograms(s);
     printline(" Performing MaCS for each chromosome in series");
     macsrun before;
     for (int64 i = 1; i <= s.founders.nchrom; ++i) {
@@ -91,12 +91,12 @@ void runmacshelper(state &s, const std::string &folder, int64 chrom)
     initmacscases(s, macsparams);
     if (s.founders.recombhotspotsonoff) readrecombspecformacs(chrom);
     runshell(macscommand(folder, s.founders.nhaps, macsparams, s.founders.recombhotspotsonoff),
-             "RunMacsRewrite A");
+             "RunMacsRewrite A", s.failures);
     printline(" Running Vintrecaskelle");
     const std::string nhaps = numbertext(s.founders.nhaps);
     runshell(folder + " &&  ./Vintrecaskelle " + nhaps + " && cp -f " + segsitesname +
                  " FinishedMacs.txt",
-             "RunMacsRewrite B");
+             "RunMacsRewrite B", s.failures);
 
     outfile used("Chromosomes/Chromosome" + numbertext(chrom) + "/MaCSParametersUsed.txt");
     used.writeline(freeline(nhaps + " ", macsparams));

@@ -6,6 +6,7 @@
 #include "words.h"
 
 #include <cstdio>
+#include <filesystem>
 
 std::string inrunfolder(const std::string &folder, const std::string &path)
 {
@@ -43,30 +44,40 @@ void calculategenid(thing &onething, const array1<int64> &accumgenarray)
 
 namespace
 {
-void removefolder(const std::string &folder, const char *failureline)
+bool makemergefolder(const char *folder)
 {
-    if (folderexists(folder) && !tryshell("rm -r " + folder + " ") && failureline)
-        printline(failureline);
+    std::error_code error;
+    return std::filesystem::create_directory(folder, error);
+}
+
+void removemergefolder(const std::string &folder, const char *failureline)
+{
+    std::error_code error;
+    if (!folderexists(folder)) return;
+    std::filesystem::remove_all(folder, error);
+    if (!error) return;
+    if (failureline) printline(failureline);
+    ioerror(folder, "what an earlier run left could not be removed: " + error.message());
 }
 
 void mustcopy(const std::string &command, const std::string &from)
 {
-    if (!tryshell(command)) ioerror(from, "could not be copied into the working folder");
+    if (shellstatus(command) != 0) ioerror(from, "could not be copied into the working folder");
 }
 } // namespace
 
 void copyfromburnin(const std::string &burninfolder)
 {
     const std::string from = shellword(burninfolder);
-    removefolder("SimulatedData", "failure : Solvanto :SimulatedData not deleted");
-    tryshell("mkdir SimulatedData");
+    removemergefolder("SimulatedData", "failure : Solvanto :SimulatedData not deleted");
+    makemergefolder("SimulatedData");
     mustcopy("cp -rf " + from + "/SimulatedData/* SimulatedData/.",
              burninfolder + "/SimulatedData");
-    removefolder("Chromosomes", "failure : Solvanto: Chromosomes not deleted ");
-    tryshell("mkdir Chromosomes");
+    removemergefolder("Chromosomes", "failure : Solvanto: Chromosomes not deleted ");
+    makemergefolder("Chromosomes");
     mustcopy("cp -rf " + from + "/Chromosomes .", burninfolder + "/Chromosomes");
-    removefolder("Selection", nullptr);
-    if (!tryshell("mkdir Selection")) {
+    removemergefolder("Selection", nullptr);
+    if (!makemergefolder("Selection")) {
         std::fprintf(stderr, "Copy in copyFromBurnIn has been unsuccessful\n");
         stopwithcode(900000);
     }

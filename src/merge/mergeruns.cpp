@@ -96,11 +96,12 @@ mergeplan readplan(const state &s)
     return makeplan(list, burninfolder, individuals);
 }
 
-void copyselection(const std::string &folder)
+void copyselection(state &s, const std::string &folder)
 {
     std::error_code error;
     if (fs::is_empty(folder + "/Selection", error) || error) return;
-    tryshell("cp -r " + shellword(folder) + "/Selection/* Selection/");
+    if (shellstatus("cp -r " + shellword(folder) + "/Selection/* Selection/") != 0)
+        notefailure(s.failures, folder + "/Selection: could not be copied into the working folder");
 }
 } // namespace
 
@@ -113,7 +114,7 @@ void mergeruns(state &s)
     checkopenfiles(plan);
 
     copyfromburnin(plan.burninfolder);
-    copyselection(plan.sources.front().path);
+    copyselection(s, plan.sources.front().path);
     writefourcolumns(static_cast<int64>(plan.things.size()));
     mergerecords(s, plan);
     makemergedbinary(s, plan);

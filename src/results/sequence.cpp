@@ -103,8 +103,8 @@ void writeoutsequence(state &s, int64 firsttmpgen, int64 lasttmpgen)
 
 void zipsequenceoutputfiles(state &s, int64 firsttmpgen, int64 lasttmpgen)
 {
-    const auto zip = [](const std::string &path) {
-        runshell("gzip -f " + path, "ZipSequenceOutputFiles");
+    const auto zip = [&](const std::string &path) {
+        runshell("gzip -f " + path, "ZipSequenceOutputFiles", s.failures);
     };
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         for (int64 j = firsttmpgen; j <= lasttmpgen; ++j) {

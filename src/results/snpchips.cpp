@@ -1,9 +1,9 @@
 #include "results/snpchips.h"
 
 #include "allelerows.h"
+#include "folders.h"
 #include "results/gathering.h"
 #include "runplan.h"
-#include "shell.h"
 #include "words.h"
 
 #include <vector>
@@ -78,7 +78,7 @@ void writesnpmap(const state &s, int64 chip)
 
 void writeoutsnpchips(state &s, int64 firsttmpgen, int64 lasttmpgen)
 {
-    if (s.run.specstartgen == 1) runshell(std::string("mkdir ") + chipfolder, "WriteOutSnpChips");
+    if (s.run.specstartgen == 1) makefolder(chipfolder, "WriteOutSnpChips", s.failures);
     for (int64 e = 1; e <= s.chips.nchip; ++e) {
         const int64 nsnp = nsitesintotal(s, siteset(e));
         outfile phases, genotypes;

@@ -40,7 +40,7 @@ void computecoancestry(state &s, int64 selectioncycle, int64 currentgen, int64 &
     if (sel.selontbvyes1no0 == 1 && !sel.optcontribselonoff)
         writetestingqtngenotypes(s, selectioncycle, currentgen - 1, firstindiv);
     writebrenvaskspec(s, selectioncycle, relationshipbase::first, "");
-    runbrenvask(selectioncycle);
+    runbrenvask(s, selectioncycle);
     const std::vector<double> xax =
         averagerelationships(selectioncycle, {equalshares(lastindiv - firstindiv + 1),
                                               parentshares(s, currentgen, firstindiv, lastindiv)});
@@ -52,7 +52,7 @@ void computecoancestry(state &s, int64 selectioncycle, int64 currentgen, int64 &
     const std::string genotypes =
         writelastgenotypes(s, selectioncycle, currentgen, firstindiv, lastindiv);
     writebrenvaskspec(s, selectioncycle, relationshipbase::first, genotypes);
-    runbrenvask(selectioncycle);
+    runbrenvask(s, selectioncycle);
     const std::vector<double> last =
         averagerelationships(selectioncycle, {equalshares(lastindiv - firstindiv + 1)});
     writelastcoancestry(s, selectioncycle, last.front());

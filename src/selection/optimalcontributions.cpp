@@ -13,7 +13,7 @@ void selectbyoptimcontrib(state &s, int64 selectioncycle, int64 currentgen)
     if (s.selection.selontbvyes1no0 == 1)
         writetestingqtngenotypes(s, selectioncycle, currentgen - 1, s.cycle.starttestindiv);
     writebrenvaskspec(s, selectioncycle, relationshipbase::present, "");
-    runbrenvask(selectioncycle);
+    runbrenvask(s, selectioncycle);
     writecorvalindspec(s, selectioncycle, currentgen);
     runcorvalind(s, selectioncycle);
     checkdeltafoptimcontrib(s, selectioncycle);

@@ -3,7 +3,7 @@
 #include "cyclefolder.h"
 #include "evaluation/predictionruns.h"
 #include "evaluation/valuefiles.h"
-#include "shell.h"
+#include "folders.h"
 #include "textlayout.h"
 #include "values/phenotypes.h"
 #include "values/recombtrait.h"
@@ -14,12 +14,12 @@
 
 namespace
 {
-void makecyclefolder(int64 selectioncycle)
+void makecyclefolder(state &s, int64 selectioncycle)
 {
     const std::string folder = cyclefolder(selectioncycle);
     const char *const routine = "DetermineTrainAndTestDatasetsForSelection";
-    if (folderexists(folder)) runshell("rm -r " + folder, routine);
-    runshell("mkdir " + folder, routine);
+    removefolder(folder, routine);
+    makefolder(folder, routine, s.failures);
 }
 
 void readtruevalues(state &s)
@@ -183,7 +183,7 @@ void writetrainingdata(const state &s, int64 selectioncycle, int64 selectedtrait
 void determinetrainandtestdatasetsforselection(state &s, int64 selectioncycle, int64 selectedtrait)
 {
     if (selectedtrait == 1) {
-        makecyclefolder(selectioncycle);
+        makecyclefolder(s, selectioncycle);
         readtruevalues(s);
         if (s.selection.recombselonoff) readrecombination(s);
     }

@@ -1,0 +1,41 @@
+#include "folders.h"
+
+#include "stops.h"
+#include "textlayout.h"
+
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
+bool makefolder(const std::string &path, std::string_view routine, commandfailures &failures)
+{
+    std::error_code error;
+    if (fs::create_directory(path, error)) return true;
+    printline("failure : Solvanto : " + std::string(routine));
+    notefailure(failures, "the folder " + path + " could not be made: " +
+                              (error ? error.message() : std::string("there is one")));
+    return false;
+}
+
+void removefolder(const std::string &path, std::string_view routine)
+{
+    if (!folderexists(path)) return;
+    std::error_code error;
+    fs::remove_all(path, error);
+    if (!error) return;
+    printline("failure : Solvanto : " + std::string(routine));
+    ioerror(path, "what an earlier run left could not be removed: " + error.message());
+}
+
+void refuselinks(const std::string &path)
+{
+    const auto refuse = [](const std::string &link) {
+        ioerror(link,
+                "is a symbolic link, and a run writes into folders of its own: remove the link, "
+                "or run where it points to");
+    };
+    std::error_code error;
+    if (fs::is_symlink(path, error)) refuse(path);
+    for (const auto &entry : fs::directory_iterator(path, error))
+        if (entry.is_symlink(error)) refuse(entry.path().string());
+}

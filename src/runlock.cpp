@@ -1,0 +1,42 @@
+#include "runlock.h"
+
+#include "infile.h"
+#include "shell.h"
+#include "stops.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+namespace
+{
+// The process that holds a lock of the file, as the kernel lists it; empty where it can't be told.
+std::string holderof(int descriptor)
+{
+    constexpr const char *locks = "/proc/locks";
+    struct stat file {
+    };
+    if (fstat(descriptor, &file) != 0 || !pathexists(locks)) return "";
+    const std::string inode = ':' + std::to_string(file.st_ino);
+    infile in(locks);
+    while (in.nextrecord()) {
+        // number: FLOCK ADVISORY WRITE process device:inode first last
+        std::string words[6];
+        for (std::string &word : words) word = in.word();
+        if (words[1] == "FLOCK" && words[5].ends_with(inode)) return words[4];
+    }
+    return "";
+}
+} // namespace
+
+filedescriptor lockrun(const std::string &path)
+{
+    // Without O_CLOEXEC: the programs that the run starts hold it too.
+    filedescriptor lock(open(path.c_str(), O_RDONLY | O_NONBLOCK));
+    if (!lock.isopen() || flock(lock, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return lock;
+    const std::string holder = holderof(lock);
+    ioerror(path, "another run works in the folder " + workingdirectory() +
+                      (holder.empty() ? "" : ": process " + holder) +
+                      "; wait for its end, or use a folder of your own");
+}
