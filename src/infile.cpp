@@ -5,6 +5,7 @@
 #include "textlayout.h"
 
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -128,12 +129,27 @@ int64 infile::integer()
     return value;
 }
 
-double infile::real()
+double infile::anyreal()
 {
     const std::string_view text = nextword();
     double value = 0;
     if (!readreal(text, value)) complain("a number is wanted, not \"" + std::string(text) + "\"");
     return value;
+}
+
+double infile::real()
+{
+    const double value = anyreal();
+    if (!std::isfinite(value)) complain("a finite number is wanted");
+    return value;
+}
+
+void infile::identifier(int64 wanted, const char *what)
+{
+    const int64 found = integer();
+    if (found != wanted)
+        complain("it is the record of " + std::string(what) + ' ' + std::to_string(found) +
+                 ", that of " + std::to_string(wanted) + " is wanted");
 }
 
 void infile::skipwords(int64 n)
@@ -156,7 +172,7 @@ void infile::skipwords(int64 n)
     for (; n > 0; --n) nextword();
 }
 
-void infile::reals(double *values, int64 n)
+void infile::anyreals(double *values, int64 n)
 {
     for (int64 i = 0; i < n; ++i) {
 #ifdef __SSE2__
@@ -167,8 +183,15 @@ void infile::reals(double *values, int64 n)
             continue;
         }
 #endif
-        values[i] = real();
+        values[i] = anyreal();
     }
+}
+
+void infile::reals(double *values, int64 n)
+{
+    anyreals(values, n);
+    for (int64 i = 0; i < n; ++i)
+        if (!std::isfinite(values[i])) complain("finite numbers are wanted");
 }
 
 void infile::alleles(int8 *values, int64 n)

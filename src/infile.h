@@ -50,10 +50,18 @@ class infile
     bool endswithlineend() const { return haslineend; }
 
     int64 integer();
+    // A finite real.
     double real();
+    // Any real: for files of the system's own that may hold NaN or infinities, where a trait has no
+    // variance.
+    double anyreal();
+    // An integer that tells whose record it is, and must be the given one. what: "individual", ...
+    void identifier(int64 wanted, const char *what);
     std::string_view word();
-    // n reals, exactly as n calls of real() give them; quick where they stand in fields F20.10.
+    // n reals, exactly as n calls of real() or anyreal() give them; quick where they stand in fields
+    // F20.10.
     void reals(double *values, int64 n);
+    void anyreals(double *values, int64 n);
     // Passes over n values, whatever they are.
     void skipwords(int64 n);
     // n small integers (-128 to 127): alleles and genotypes, in two columns each or free-form.

@@ -56,30 +56,30 @@ TEST_F(numberfields, otherformsofrealsarereadfreeform)
     infile in("forms.txt");
     double v[3];
     in.record();
-    in.reals(v, 3);
+    in.anyreals(v, 3);
     EXPECT_EQ(v[0], 1);
     EXPECT_EQ(v[1], 2.5);
     EXPECT_EQ(v[2], -300);
     in.record();
-    in.reals(v, 3);
+    in.anyreals(v, 3);
     EXPECT_TRUE(v[0] == 0 && std::signbit(v[0]));
     EXPECT_EQ(v[1], -0.1234567891);
     EXPECT_EQ(v[2], 900719.1234567890);
     in.record();
-    in.reals(v, 1);
+    in.anyreals(v, 1);
     EXPECT_TRUE(std::isnan(v[0]));
-    EXPECT_EQ(runbody([&] { in.reals(v, 1); }).code(), -2); // two fields grown together
+    EXPECT_EQ(runbody([&] { in.anyreals(v, 1); }).code(), -2); // two fields grown together
     in.record();
-    in.reals(v, 3);
+    in.anyreals(v, 3);
     EXPECT_EQ(v[0], 0.5);
     EXPECT_EQ(v[1], -0.5);
     EXPECT_EQ(v[2], 1000);
     in.record();
-    in.reals(v, 2); // goes on in the next record
+    in.anyreals(v, 2); // goes on in the next record
     EXPECT_EQ(v[0], 1.5);
     EXPECT_EQ(v[1], 4);
     in.record();
-    const outcome broken = runbody([&] { in.reals(v, 1); });
+    const outcome broken = runbody([&] { in.anyreals(v, 1); });
     EXPECT_EQ(broken.code(), -2);
     EXPECT_NE(broken.stop.reason.find("line 7"), std::string::npos) << broken.stop.reason;
 }

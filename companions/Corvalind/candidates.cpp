@@ -27,7 +27,7 @@ void readrelationships(const corvalindspec &spec, candidates &c)
         in.record();
         const int64 line = in.linenumber();
         c.indiv(i) = in.integer();
-        in.reals(c.relationship.column(i), c.n);
+        in.anyreals(c.relationship.column(i), c.n);
         checkwholeline(in, line, wanted);
         for (int64 j = 1; j <= c.n; ++j)
             if (!std::isfinite(c.relationship(j, i)))
@@ -79,7 +79,7 @@ void readbreedingvalues(const corvalindspec &spec, candidates &c)
         const int64 line = in.linenumber();
         if (readin) in.integer(); // place
         stopifother(in, c, spec.relationshipfile, i, in.integer());
-        c.gain(i) = in.real();
+        c.gain(i) = in.anyreal();
         checkwholeline(in, line, "an individual and its breeding value");
         if (!std::isfinite(c.gain(i))) in.complain("the breeding value is not a finite number");
     }

@@ -55,7 +55,7 @@ void readvalues(const std::string &filename, int64 n, array1<int64> &indiv, arra
         in.record();
         const int64 line = in.linenumber();
         indiv(i) = in.integer();
-        value(i) = in.real();
+        value(i) = in.anyreal();
         checkwholeline(in, line, "an individual and a number");
         if (!std::isfinite(value(i))) in.complain("the value is not a finite number");
     }

@@ -39,7 +39,7 @@ void readanimal(infile &in, phenotypedpedigree &p, int64 i, double missingvalue)
     if (code == 2 && p.sire(i) != p.dam(i))
         in.complain("a doubled haploid has the same animal as sire and dam");
     p.doubledhaploid(i) = code == 2;
-    p.phenotype(i) = in.real();
+    p.phenotype(i) = in.anyreal();
     checkwholeline(in, line, "animal, sire, dam, code and phenotype");
     if (!std::isfinite(p.phenotype(i))) in.complain("the phenotype is not a finite number");
     p.observed(i) = p.phenotype(i) != missingvalue;

@@ -9,6 +9,7 @@
 #include "stops.h"
 #include "textlayout.h"
 
+#include <cmath>
 #include <vector>
 
 std::string trainingpedigree(int64 selectedtrait)
@@ -127,7 +128,7 @@ bool readpair(std::string_view record, int64 &number, double &value)
     return readinteger(words[0], number) && readreal(words[1], value);
 }
 
-// One estimate for each test individual, as a prediction program left them.
+// One estimate for each test individual, as a prediction program left them: in any order, each once.
 void readestimates(const state &s, int64 selectioncycle, const std::string &name, double *estimates)
 {
     const std::string path = cyclefolder(selectioncycle) + name;
@@ -135,14 +136,20 @@ void readestimates(const state &s, int64 selectioncycle, const std::string &name
         ioerror(path,
                 "was not made by the prediction program; " + lookinlog(selectioncycle, logname));
     infile in(path);
-    for (int64 i = 0; i < s.cycle.ntestindiv; ++i) {
+    const int64 n = s.cycle.ntestindiv;
+    std::vector<bool> known(static_cast<std::size_t>(n));
+    for (int64 i = 0; i < n; ++i) {
         if (!in.nextrecord())
-            ioerror(path, "holds " + numbertext(i) + " estimates for " +
-                              numbertext(s.cycle.ntestindiv) + " candidates; " +
-                              lookinlog(selectioncycle, logname));
-        in.skipwords(1);
-        estimates[i] = in.real();
+            ioerror(path, "holds " + numbertext(i) + " estimates for " + numbertext(n) +
+                              " candidates; " + lookinlog(selectioncycle, logname));
+        const int64 k = in.integer() - s.cycle.starttestindiv;
+        if (k < 0 || k >= n) in.complain("this individual is none of the candidates");
+        if (known[static_cast<std::size_t>(k)]) in.complain("a second estimate of this candidate");
+        known[static_cast<std::size_t>(k)] = true;
+        estimates[k] = in.real();
     }
+    while (in.nextrecord())
+        if (!trim(in.line()).empty()) in.complain("there are more estimates than candidates");
 }
 
 // Estimates from scaled genotypes and solutions; written to a file of the cycle.
@@ -226,6 +233,10 @@ void readquillomerepebvs(state &s, int64 selectioncycle, int64 selectedtrait)
     while (i < cycle.ntestindiv && in.nextrecord() && readpair(in.line(), tmpindiv, tmppebv)) {
         const int64 row = pedfirstindiv + tmpindiv - 1;
         if (row < firsttestindiv) continue;
+        if (row != firsttestindiv + i)
+            in.complain("it is the estimate of individual " + numbertext(row) + ", that of " +
+                        numbertext(firsttestindiv + i) + " is wanted");
+        if (!std::isfinite(tmppebv)) in.complain("a finite number is wanted");
         ++i;
         cycle.estimatedbvtrait(i, selectedtrait) = tmppebv;
         puti(line, i, 10);

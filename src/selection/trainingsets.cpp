@@ -31,8 +31,10 @@ void readtruevalues(state &s)
     in.skiprecords(1);
     for (int64 i = 1; i <= s.cycle.endtestindiv; ++i) {
         in.record();
-        in.skipwords(4);
-        in.reals(values.data(), 3 * n);
+        in.skipwords(1);
+        in.identifier(i, "individual");
+        in.skipwords(2);
+        in.anyreals(values.data(), 3 * n);
         const double *value = values.data();
         for (array3<double> *block : {&s.values.tbv, &s.values.tdv, &s.values.tpv})
             for (int64 t = 1; t <= ntraits; ++t)
@@ -50,8 +52,10 @@ void readrecombination(state &s)
     for (int64 i = 1; i <= s.cycle.endtestindiv; ++i) {
         double values[2];
         in.record();
-        in.skipwords(4);
-        in.reals(values, 2);
+        in.skipwords(1);
+        in.identifier(i, "individual");
+        in.skipwords(2);
+        in.anyreals(values, 2);
         s.values.tbvrecombz(i) = values[0];
         s.values.recombperindperchr(i) = values[1];
         for (int64 side = 1; side <= 2; ++side) s.haplo.recombcount(i, side) = in.integer();

@@ -80,7 +80,7 @@ void readresidualfactors(state &s)
         infile in(residualfactorfile(p));
         for (int64 j = 1; j <= s.traits.ntraits; ++j) {
             in.record();
-            for (int64 h = 1; h <= j; ++h) s.values.cholcove(p, j, h) = in.real();
+            for (int64 h = 1; h <= j; ++h) s.values.cholcove(p, j, h) = in.anyreal();
         }
     }
 }

@@ -186,7 +186,7 @@ void readeffects(state &s, const std::string &path, qtnset set, effects values)
     for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
         in.record();
         in.skipwords(3);
-        in.reals(row.data(), std::ssize(row));
+        in.anyreals(row.data(), std::ssize(row));
         const double *value = row.data();
         for (const int64 p : models)
             for (int64 j = 1; j <= s.traits.ntraits; ++j)
@@ -203,7 +203,7 @@ void readrecombinationeffects(state &s)
         in.skipwords(4);
         s.loci.sets[qtnset::recombination].referencefreq(q) = in.real();
         in.skipwords(1);
-        s.loci.addeffrecomb(q) = in.real();
+        s.loci.addeffrecomb(q) = in.anyreal();
     }
 }
 } // namespace

@@ -251,7 +251,7 @@ void readvare(state &s)
     for (int64 j = 1; j <= s.traits.ntraits; ++j) {
         in.skiprecords(5);
         in.skipwords(1);
-        for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) s.values.vare(p, j) = in.real();
+        for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) s.values.vare(p, j) = in.anyreal();
         in.skiprecords(2);
     }
     if (!s.selection.recombselonoff) return;
