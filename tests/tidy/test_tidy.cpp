@@ -122,6 +122,10 @@ TEST_F(tidying, unfinishedrunsarerefused)
 {
     EXPECT_EQ(tidy("--keep all").status, 1);
     mustrun(firstpart(), -3);
+    const commandresult underway = runcommand("flock SolvantoSpec.txt " + sourcefolder() +
+                                              "/scripts/tidy . --keep all --bin " + binfolder());
+    EXPECT_EQ(underway.status, 1);
+    EXPECT_NE(underway.err.find("under way"), std::string::npos) << underway.err;
     const std::string chip = "SimulatedData/AllIndividualsSnpChips/Chip1Genotype.txt";
     const std::string sequence = "SimulatedData/FullSequenceGenotype.txt";
     for (const std::string &damage :
