@@ -68,16 +68,7 @@ void printcaret(std::string_view record, int64 i)
 
 std::string wantedtext(const keydescription *key)
 {
-    if (!key) return "";
-    std::string text;
-    if (*key->bounds) text = key->bounds;
-    if (*key->words) {
-        std::string words = key->words;
-        for (std::size_t at = 0; (at = words.find(' ', at)) != std::string::npos; at += 2)
-            words.replace(at, 1, ", ");
-        text += (text.empty() ? "one of " : "; the words are ") + words;
-    }
-    return text.empty() ? text : "; wanted: " + text;
+    return key ? "; wanted: " + std::string(key->bounds) : "";
 }
 
 // Least number of characters to insert, remove, replace or swap with the next one (restricted
