@@ -1,4 +1,5 @@
 // What the cases of the stored trees touch, between them: all that the pages for users list.
+#include "spec/keydescriptions.h"
 #include "testsupport.h"
 #include "trees/treecase.h"
 #include "words.h"
@@ -13,39 +14,6 @@ using names = std::set<std::string>;
 
 // Keys of features that have no case yet. Who builds one adds a case, and takes its keys out.
 const names keystocome{};
-
-// A key of the page on the specification, and the words that it may take, if it says so.
-struct documentedkey {
-    std::string name;
-    names words;
-};
-
-names quoted(const std::string &text)
-{
-    names found;
-    static const std::regex word("`([A-Za-z]+)`");
-    for (std::sregex_iterator at(text.begin(), text.end(), word), end; at != end; ++at)
-        found.insert(tlc((*at)[1].str()));
-    return found;
-}
-
-std::vector<documentedkey> documentedkeys()
-{
-    std::vector<documentedkey> keys;
-    static const std::regex row(R"(\| `(\w+)` \| ([^|]*)\|.*)");
-    for (const std::string &line : readlines(sourcefolder() + "/docs/spec-file.md")) {
-        std::smatch cells;
-        if (!std::regex_match(line, cells, row)) continue;
-        documentedkey key{tlc(cells[1].str()), {}};
-        const std::string values = cells[2];
-        if (values.starts_with("word: "))
-            key.words = quoted(values.substr(0, values.find(';')));
-        else if (values.starts_with("on/off"))
-            key.words = {"on", "off"};
-        keys.push_back(key);
-    }
-    return keys;
-}
 
 names without(names some, const names &others)
 {
@@ -92,9 +60,10 @@ names documentedfiles()
 TEST(storedtrees, everykeyandwordhasacase)
 {
     names same, unused;
-    for (const documentedkey &key : documentedkeys()) {
-        same.insert(key.name);
-        for (const std::string &word : key.words) unused.insert(key.name + " " + word);
+    for (const keydescription &key : keydescriptions()) {
+        same.insert(tlc(key.name));
+        for (const std::string &word : wordsof(key.words))
+            unused.insert(tlc(key.name) + " " + tlc(word));
     }
     auto good = valuesof(smallrun());
     for (const std::string &name : treecases())
