@@ -11,7 +11,7 @@ step::step(std::string text)
 {
 }
 
-step::~step()
+step::~step() noexcept(false)
 {
     if (std::uncaught_exceptions() > nexceptions) return;
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;

@@ -30,10 +30,12 @@ void runmacs(const std::vector<std::string> &words)
 
 int main(int argc, char **argv)
 {
-    const std::string details = macs::usage() + "It writes the sites and haplotypes to standard "
-                                                "output; docs/macs.md tells the layout.\n";
-    const programinfo info{"macs", "coalescent simulator of founder haplotypes",
-                           "N L -t theta [options]", details.c_str()};
-    if (answered(info, argc, argv)) return 0;
-    return runtostop([&] { runmacs({argv, argv + argc}); });
+    return runtostop([&] { // the text of the usage takes memory, which may be missing
+        const std::string details = macs::usage() +
+                                    "It writes the sites and haplotypes to standard "
+                                    "output; docs/macs.md tells the layout.\n";
+        const programinfo info{"macs", "coalescent simulator of founder haplotypes",
+                               "N L -t theta [options]", details.c_str()};
+        if (!answered(info, argc, argv)) runmacs({argv, argv + argc});
+    });
 }
