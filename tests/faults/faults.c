@@ -16,6 +16,7 @@
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
+#include <sched.h>
 #include <spawn.h>
 #include <stdarg.h>
 #include <stdatomic.h>
@@ -289,6 +290,18 @@ pid_t fork(void)
 pid_t vfork(void)
 {
     return fork();
+}
+int clone(int (*body)(void *), void *stack, int flags, void *argument, ...)
+{
+    REAL(clone);
+    va_list more;
+    va_start(more, argument);
+    pid_t *const parent = va_arg(more, pid_t *);
+    void *const storage = va_arg(more, void *);
+    pid_t *const child = va_arg(more, pid_t *);
+    va_end(more);
+    if (fails(kfork, argument)) return -1;
+    return real(body, stack, flags, argument, parent, storage, child);
 }
 int system(const char *command)
 {

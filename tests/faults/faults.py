@@ -20,7 +20,7 @@ import programmes
 
 columns = ["faults", "named", "survived", "told, status 0", "silent", "nameless", "signals", "hung",
            "re-runs that differ"]
-mustbenone = ["silent", "nameless", "signals", "hung", "re-runs that differ"]
+mustbenone = ["told, status 0", "silent", "nameless", "signals", "hung", "re-runs that differ"]
 
 
 class judge:
@@ -63,7 +63,7 @@ class judge:
         samereport = programmes.withouttimes(result.out) == prog.report
         verdict = self.verdict(prog, result, kind, failed[0], changed, samereport)
         marks = ["faults", verdict]
-        wrong = f"{verdict}: status {result.status}" if verdict in mustbenone + columns[3:4] else ""
+        wrong = f"{verdict}: status {result.status}" if verdict in mustbenone else ""
         if verdict != "survived":
             again = self.folders.repeat(prog, folder)
             stale = programmes.differences(prog.tree, self.folders.readtree(folder, n))
