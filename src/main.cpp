@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <functional>
 
 namespace
 {
@@ -16,14 +17,15 @@ void openstandardstreams()
         if (fcntl(stream, F_GETFD) == -1) open("/dev/null", O_RDWR);
 }
 
-int tellfailures(const commandfailures &failures)
+// The status of a run that came to its end; one that stopped keeps its own, and is told what failed
+// before.
+int tellfailures(const commandfailures &failures, int status)
 {
-    if (failures.count == 0) return 0;
-    std::fprintf(stderr,
-                 "ERROR: the run came to its end, but %lld commands or programs failed; the first: "
-                 "%s\n",
+    if (failures.count == 0) return status;
+    std::fprintf(stderr, "ERROR: %s%lld commands or programs failed; the first: %s\n",
+                 status == 0 ? "the run came to its end, but " : "before that ",
                  static_cast<long long>(failures.count), failures.first.c_str());
-    return 3;
+    return status == 0 ? 3 : status;
 }
 } // namespace
 
@@ -33,12 +35,13 @@ int main(int argc, char **argv)
     std::signal(SIGXFSZ, SIG_IGN); // a file beyond its limit is an error of its write
     runaccount account;
     arguments given;
-    int status = runtostop([&] {
+    const auto body = [&] {
         given = readarguments(argc, argv);
         if (given.action == arguments::actions::run) solvanto(given.options, account);
-    });
+    };
+    int status = runtostop(std::ref(body)); // itself it would take memory, where no stop is caught
     if (given.action == arguments::actions::done) return given.status;
-    if (status == 0) status = tellfailures(account.failures);
+    if (!given.options.strict) status = tellfailures(account.failures, status);
     if (status != 0 && account.seedtaken) printrepeathint();
     return status;
 }

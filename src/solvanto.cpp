@@ -30,6 +30,7 @@
 #include "words.h"
 
 #include <ctime>
+#include <utility>
 
 void titles()
 {
@@ -83,6 +84,13 @@ float cpuseconds()
 {
     return static_cast<float>(static_cast<double>(std::clock()) / CLOCKS_PER_SEC);
 }
+
+// A merge ends by a stop, and its failures count as well.
+struct failuresatend {
+    state &s;
+    runaccount &account;
+    ~failuresatend() { account.failures = std::move(s.failures); }
+};
 
 // The line of progress makes room for the message of a stop too.
 struct progressend {
@@ -159,6 +167,7 @@ void solvanto(const runoptions &options, runaccount &account)
     state s(settings);
     s.random = random;
     s.failures.strict = options.strict;
+    const failuresatend toaccount{s, account};
     warnofcompanions(s);
     planprogress(s);
     const progressend atend{s.progress};
@@ -181,6 +190,5 @@ void solvanto(const runoptions &options, runaccount &account)
     if (s.run.specendgen == s.pop.ngensel + s.pop.ngen && !s.run.keepchromonoff)
         runshell("rm -r Chromosomes", "Solvanto: ", s.failures);
 
-    account.failures = s.failures;
     printtiming(cpuseconds() - start);
 }

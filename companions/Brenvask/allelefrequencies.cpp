@@ -3,8 +3,10 @@
 #include "evaluationhelpers/progress.h"
 #include "evaluationhelpers/records.h"
 #include "shell.h"
+#include "stops.h"
 #include "words.h"
 
+#include <cstdio>
 #include <filesystem>
 
 namespace
@@ -85,9 +87,12 @@ void storefrequencies(const genotypefile &genotypes)
 {
     const std::string storedof = storedgenotypefile(frequencyfile);
     if (!storedof.empty() && storedof != genotypes.name) return;
-    outfile out(frequencyfile);
+    // Renamed when it is complete: a repeated run asks whose they are.
+    const std::string next = std::string(frequencyfile) + ".new";
+    outfile out(next);
     out.writeline(freeline("Locus", genotypes.name));
     for (int64 j = 1; j <= genotypes.store.nsnp; ++j)
         out.writeline(freeline(j, genotypes.store.freq(j)));
     out.close();
+    if (std::rename(next.c_str(), frequencyfile) != 0) ioerrno(frequencyfile, "can't write");
 }

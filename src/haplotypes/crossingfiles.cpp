@@ -1,5 +1,9 @@
 #include "haplotypes/crossingfiles.h"
 
+#include "stops.h"
+
+#include <cstdio>
+
 void crossingfiles::open(int64 chrom, int64 firstindiv)
 {
     tracking.openandkeep(trackingfile(chrom), 2 * (firstindiv - 1));
@@ -52,7 +56,11 @@ array1<int64> readhighestcrossings(int64 nchrom, const std::string &path)
 
 void writehighestcrossings(const array1<int64> &highest, int64 nchrom)
 {
-    outfile out(highestcrossingsfile);
+    // Renamed when it is complete: a run that goes on and fails here is repeated from the old ones.
+    const std::string next = std::string(highestcrossingsfile) + ".new";
+    outfile out(next);
     for (int64 h = 1; h <= nchrom; ++h) out.writeline(freeline(h, highest(h)));
     out.close();
+    if (std::rename(next.c_str(), highestcrossingsfile) != 0)
+        ioerrno(highestcrossingsfile, "can't write");
 }

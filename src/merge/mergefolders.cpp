@@ -78,7 +78,8 @@ void copyfromburnin(const std::string &burninfolder)
     mustcopy("cp -rf " + from + "/Chromosomes .", burninfolder + "/Chromosomes");
     removemergefolder("Selection", nullptr);
     if (!makemergefolder("Selection")) {
-        std::fprintf(stderr, "Copy in copyFromBurnIn has been unsuccessful\n");
+        std::fprintf(stderr, "Copy in copyFromBurnIn has been unsuccessful\n"
+                             "ERROR: the folder Selection could not be made\n");
         stopwithcode(900000);
     }
 }

@@ -92,7 +92,8 @@ class judge:
         """Whether a message tells what failed: the file, memory, or the command."""
         said = result.err.decode(errors="replace") + result.out.decode(errors="replace")
         if prog.issystem() and prog.program != "solvanto":
-            return prog.program in result.err.decode(errors="replace") or "failure" in said
+            if prog.program in result.err.decode(errors="replace") or "failure" in said:
+                return True  # else the program's own message is what there is
         wanted = [os.path.basename(failed.rstrip("/")), failed]
         if failed == "memory":
             wanted = ["memory"]
