@@ -289,10 +289,18 @@ std::string_view unmetclause(const specreader &r, std::string_view needs)
     return {};
 }
 
+// A clause in words, behind "without effect".
 std::string reasontext(std::string_view clause)
 {
-    if (clause.find_first_of("!=>") == std::string_view::npos) return "in any run";
-    return "without " + std::string(clause);
+    const std::size_t at = clause.find_first_of("!=>");
+    if (at == std::string_view::npos) return "in any run";
+    const std::string key(clause.substr(0, at));
+    if (clause[at] == '!') return "while " + key + " is " + std::string(clause.substr(at + 2));
+    std::string words(clause.substr(at + 1));
+    if (clause[at] == '>') return "unless " + key + " is above " + words;
+    for (std::size_t bar = 0; (bar = words.find('|', bar)) != std::string::npos; bar += 4)
+        words.replace(bar, 1, " or ");
+    return "unless " + key + " is " + words;
 }
 } // namespace
 
