@@ -12,10 +12,12 @@ namespace
 {
 constexpr programinfo solvantoinfo{
     "solvanto", "simulates a breeding programme in the working directory",
-    "[--quiet] [--progress] [--tidy] [--strict] [--repeat] | --keys | --tidylist",
+    "[--check] [--quiet] [--progress] [--tidy] [--strict] [--repeat] | --keys | --tidylist",
     "Without arguments it runs the programme that SolvantoSpec.txt describes: generations of\n"
     "burn-in and selection, with genomes, true values, phenotypes and predictions.\n"
     "\n"
+    "  --check     tells what a run would do and what it would take, and whether it would get to\n"
+    "              its end; writes nothing and uses up no seed\n"
     "  --quiet     no warnings on standard error\n"
     "  --strict    the first command or companion that fails ends the run with status 3\n"
     "  --repeat    runs with the seed of the last run in this folder, whether it came to its "
@@ -58,6 +60,12 @@ bool answeredtable(arguments &given, int argc, char **argv)
     return true;
 }
 
+void check(arguments &given)
+{
+    given.action = arguments::actions::check;
+    given.options.checking = true;
+}
+
 void refuse(arguments &given, std::string_view word)
 {
     given.action = arguments::actions::done;
@@ -90,6 +98,8 @@ arguments readarguments(int argc, char **argv)
             given.options.progress = true;
         else if (word == "--tidy")
             given.options.tidy = true;
+        else if (word == "--check")
+            check(given);
         else
             refuse(given, word);
     }

@@ -6,7 +6,7 @@
 #include "runoptions.h"
 
 struct arguments {
-    enum class actions { run, done };
+    enum class actions { run, check, done };
     actions action = actions::run; // done: the arguments were answered
     runoptions options;
     int status = 0; // exit status where they are

@@ -6,6 +6,9 @@
 #include <string>
 #include <string_view>
 
+// Folders that a run writes into.
+constexpr const char *runfolders[] = {"Chromosomes", "SimulatedData", "Selection"};
+
 // Makes a folder, in one that exists. A failure prints the line of a failed command with the
 // routine's name and is counted.
 bool makefolder(const std::string &path, std::string_view routine, commandfailures &failures);

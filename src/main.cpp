@@ -1,4 +1,5 @@
 #include "arguments.h"
+#include "check/checkspec.h"
 #include "repeathint.h"
 #include "solvanto.h"
 #include "stops.h"
@@ -38,6 +39,7 @@ int main(int argc, char **argv)
     const auto body = [&] {
         given = readarguments(argc, argv);
         if (given.action == arguments::actions::run) solvanto(given.options, account);
+        if (given.action == arguments::actions::check) checkspec(given.options);
     };
     int status = runtostop(std::ref(body)); // itself it would take memory, where no stop is caught
     if (given.action == arguments::actions::done) return given.status;

@@ -17,13 +17,13 @@ constexpr std::size_t alignment = 1 << 16;
 
 // Opens a file to be written on. One whose records are to be kept must be there: made empty here it
 // would stand in the way of its compressed form.
-filedescriptor opentoextend(const std::string &path, int64 nkept)
+filedescriptor opentoextend(const std::string &path, int64 nkept, int flags = O_RDWR)
 {
     if (nkept == 0) return openchecked(path, O_RDWR | O_CREAT);
     if (!pathexists(path) && pathexists(path + ".gz"))
         ioerror(path, "was compressed by an earlier run: uncompress " + path +
                           ".gz to go on from a generation behind the first");
-    return openchecked(path, O_RDWR);
+    return openchecked(path, flags);
 }
 
 // Offset behind the first n line ends of an open file.
@@ -115,20 +115,41 @@ void outfile::openandkeep(const std::string &filename, int64 nlines)
     goonfrom(offsetbehindlines(descriptor, name, nlines));
 }
 
+namespace
+{
+// The line end before the place from which a file of fixed lines goes on.
+void checklineend(int descriptor, const std::string &name, int64 nlines, off_t offset)
+{
+    if (offset == 0) return;
+    char last = 0;
+    const ssize_t got = ::pread(descriptor, &last, 1, offset - 1);
+    if (got < 0) ioerrno(name, "can't read");
+    if (got == 0 || last != '\n')
+        ioerror(name, "does not hold the " + std::to_string(nlines) +
+                          " lines of earlier generations in the expected layout");
+}
+} // namespace
+
+void checkkept(const std::string &filename, int64 nlines)
+{
+    if (nlines > 0) offsetbehindlines(opentoextend(filename, nlines, O_RDONLY), filename, nlines);
+}
+
+void checkkeptfixed(const std::string &filename, int64 nlines, int64 recordlength,
+                    int64 headerlength)
+{
+    const off_t offset = static_cast<off_t>(headerlength + nlines * recordlength);
+    if (offset > 0)
+        checklineend(opentoextend(filename, offset, O_RDONLY), filename, nlines, offset);
+}
+
 void outfile::openandkeepfixed(const std::string &filename, int64 nlines, int64 recordlength,
                                int64 headerlength)
 {
     beginfile(filename);
     const off_t offset = static_cast<off_t>(headerlength + nlines * recordlength);
     descriptor = opentoextend(name, offset);
-    if (offset > 0) {
-        char last = 0;
-        const ssize_t got = ::pread(descriptor, &last, 1, offset - 1);
-        if (got < 0) ioerrno(name, "can't read");
-        if (got == 0 || last != '\n')
-            ioerror(name, "does not hold the " + std::to_string(nlines) +
-                              " lines of earlier generations in the expected layout");
-    }
+    checklineend(descriptor, name, nlines, offset);
     goonfrom(offset);
 }
 

@@ -70,3 +70,9 @@ class outfile
     std::size_t used = 0;
     std::size_t misalignment = 0; // of the file's end, behind what was written
 };
+
+// What openandkeep and openandkeepfixed ask of a file whose lines are to be kept, without opening
+// it for writing.
+void checkkept(const std::string &filename, int64 nlines);
+void checkkeptfixed(const std::string &filename, int64 nlines, int64 recordlength,
+                    int64 headerlength = 0);

@@ -14,15 +14,6 @@ namespace
 {
 constexpr const char *oldseedfile = "SeedOld.txt";
 
-// The seed that a run with the given one leaves.
-int64 seedbehind(int64 seed)
-{
-    randomstream random;
-    random.idum = seed;
-    ran1(random);
-    return -random.idum;
-}
-
 // Seed.txt holds the last run's own seed where the run was killed before it wrote the next one.
 int64 seedoflastrun(int64 seed)
 {
@@ -31,7 +22,7 @@ int64 seedoflastrun(int64 seed)
     infile in(oldseedfile);
     in.record();
     const int64 last = in.integer();
-    if (seed != last && seed != seedbehind(last))
+    if (seed != last && seed != firststream(last).idum)
         ioerror(seedfile, "has been changed since the last run, whose seed was " +
                               std::to_string(last) +
                               ": write the seed that is meant, and run "
@@ -59,21 +50,33 @@ void warnofseed(int64 seed, const runoptions &options)
                  std::to_string(seed > 0 ? -seed : -1234567));
 }
 
-void initiateseed(randomstream &random, const runoptions &options)
+int64 readseed(const runoptions &options)
 {
-    {
-        if (!pathexists(seedfile))
-            ioerror(seedfile, "there is none in this folder: go to the folder of "
-                              "the specification, or write a negative integer into the file");
-        infile seed(seedfile);
-        if (!seed.nextrecord()) ioerror(seedfile, "it is empty: write a negative integer into it");
-        random.idum = seed.integer();
-    }
-    if (options.repeat) random.idum = seedoflastrun(random.idum);
-    warnofseed(random.idum, options);
-    replaceseed(oldseedfile, random.idum);
+    if (!pathexists(seedfile))
+        ioerror(seedfile, "there is none in this folder: go to the folder of "
+                          "the specification, or write a negative integer into the file");
+    infile in(seedfile);
+    if (!in.nextrecord()) ioerror(seedfile, "it is empty: write a negative integer into it");
+    int64 seed = in.integer();
+    if (options.repeat) seed = seedoflastrun(seed);
+    warnofseed(seed, options);
+    return seed;
+}
+
+randomstream firststream(int64 seed)
+{
+    randomstream random;
+    random.idum = seed;
     ran1(random);
     random.idum = -random.idum;
+    return random;
+}
+
+void initiateseed(randomstream &random, const runoptions &options)
+{
+    const int64 seed = readseed(options);
+    replaceseed(oldseedfile, seed);
+    random = firststream(seed);
     replaceseed(seedfile, random.idum);
 }
 

@@ -37,8 +37,14 @@ struct randomstream : uniformstream {
 constexpr const char *seedfile = "Seed.txt";
 void writeseed(const std::string &path, int64 seed);
 
-// Reads Seed.txt of the working directory, which must exist, keeps its number in SeedOld.txt,
-// and leaves a new negative seed in Seed.txt and in idum: the next draw fills the table from it.
+// The number in Seed.txt of the working directory, which must exist, or with the option of a repeated
+// run the seed of the last one; warns as warnofseed does.
+int64 readseed(const runoptions &options = {});
+// The stream of a run with that seed, as it begins: the next draw fills the table from idum.
+randomstream firststream(int64 seed);
+
+// Reads Seed.txt, keeps its number in SeedOld.txt, and leaves a new negative seed in Seed.txt and in
+// idum: the next draw fills the table from it.
 void initiateseed(randomstream &random, const runoptions &options = {});
 // Warns of a seed that isn't negative: all of them give one and the same stream.
 void warnofseed(int64 seed, const runoptions &options);

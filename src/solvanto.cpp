@@ -52,11 +52,6 @@ void titles()
     printline("");
 }
 
-namespace
-{
-constexpr const char *runfolders[] = {"Chromosomes", "SimulatedData", "Selection"};
-}
-
 void makedirectories(state &s)
 {
     const char *const routine = "MakeDirectories";
@@ -75,9 +70,7 @@ namespace
 void warnofcompanions(const state &s)
 {
     for (const missingcompanion &missing : missingcompanions(s))
-        warn(s.options, missing.program, 0,
-             missing.reason + ", and this run will need it: copy it into this folder from where " +
-                 "solvanto was built or installed");
+        warn(s.options, missing.program, 0, adviceon(missing));
 }
 
 float cpuseconds()

@@ -37,9 +37,7 @@ void ioerrno(std::string_view path, std::string_view doing)
     ioerror(path, std::string(doing) + ": " + std::strerror(error));
 }
 
-namespace
-{
-int statusof(const stopped &stop)
+int reportstop(const stopped &stop)
 {
     if (stop.kind == stopped::kinds::ioerror) {
         std::fprintf(stderr, "ERROR: %s\n", stop.reason.c_str());
@@ -50,7 +48,6 @@ int statusof(const stopped &stop)
     const int status = static_cast<int>(stop.code % 256);
     return status == 0 ? 1 : status;
 }
-} // namespace
 
 int runtostop(const std::function<void()> &body)
 {
@@ -58,7 +55,7 @@ int runtostop(const std::function<void()> &body)
     try {
         body();
     } catch (const stopped &stop) {
-        status = statusof(stop);
+        status = reportstop(stop);
     } catch (const std::bad_alloc &) {
         std::fflush(stdout);
         std::fprintf(stderr, "ERROR: out of memory\n");

@@ -29,6 +29,9 @@ struct stopped {
 // The same with the system's text for errno.
 [[noreturn]] void ioerrno(std::string_view path, std::string_view doing);
 
+// Prints on standard error what a run says at its end behind this stop, and gives the exit status.
+int reportstop(const stopped &stop);
+
 // Runs the program's body, and gives the exit status. Standard output is flushed and checked at
 // the end, so that a report cut short by a full disk is an I/O error too.
 int runtostop(const std::function<void()> &body);

@@ -19,3 +19,13 @@ struct missingcompanion {
 // Those of them that the working directory doesn't hold as files that can be copied and executed.
 // Starts none of them.
 std::vector<missingcompanion> missingcompanions(const state &s);
+
+// The reason, and what to do.
+std::string adviceon(const missingcompanion &missing);
+
+// What a program of the working directory answers to --version, its first line. Empty where it can't
+// be started or hasn't answered within a second, as programs of others may. It is started in a folder
+// that can't be written to, and ended behind the second with all that it has started.
+std::string versionanswer(const std::string &program);
+// Whether it is one of ours: these answer with their own name first.
+bool isours(const std::string &program);

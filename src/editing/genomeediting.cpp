@@ -16,8 +16,6 @@ int64 editableparents(const state &s, int64 parentgen)
     return nselfed > 0 ? nselfed : s.pop.nsireinthisgen(parentgen);
 }
 
-namespace
-{
 void checkeditednumber(const state &s, int64 parentgen)
 {
     const bool selfed = s.pop.nselfedparinthisgen(parentgen) > 0;
@@ -29,17 +27,6 @@ void checkeditednumber(const state &s, int64 parentgen)
     stopwithcode(selfed ? 110010 : 110011);
 }
 
-outfile openinformation(int64 selectioncycle)
-{
-    outfile out(cyclefolder(selectioncycle) + "GeneEditingInformation.txt");
-    textline line;
-    puta(line, "    IdOfGenEditIndiv         GlobalQtnId   ObservedQtnGenotype   AimedQtnGenotype",
-         81);
-    out.writeline(line);
-    return out;
-}
-
-// By global number: 1 for a QTN that may be edited.
 array1<int64> readqtnforge(const state &s)
 {
     array1<int64> qtnforgeindic(s.loci.ntotqtn, 1);
@@ -48,6 +35,18 @@ array1<int64> readqtnforge(const state &s)
     in.record();
     for (int64 &indicator : qtnforgeindic) indicator = in.integer();
     return qtnforgeindic;
+}
+
+namespace
+{
+outfile openinformation(int64 selectioncycle)
+{
+    outfile out(cyclefolder(selectioncycle) + "GeneEditingInformation.txt");
+    textline line;
+    puta(line, "    IdOfGenEditIndiv         GlobalQtnId   ObservedQtnGenotype   AimedQtnGenotype",
+         81);
+    out.writeline(line);
+    return out;
 }
 
 // QTN genotypes of the parents to be edited alone.

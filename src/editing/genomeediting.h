@@ -15,6 +15,12 @@
 // Male parents of a generation that may be edited: the selfed where there are any, else the sires.
 int64 editableparents(const state &s, int64 parentgen);
 
+// Stops where more of them are to be edited than there are: 110010 selfed, 110011 others.
+void checkeditednumber(const state &s, int64 parentgen);
+// By global number of the QTN: 1 for one that may be edited. Reads UserSelectedQtnToBeEdited.txt
+// unless all may.
+array1<int64> readqtnforge(const state &s);
+
 // Chooses the edits of the cycle that makes generation currentgen: the nindedited best male
 // parents, or selfed parents, in rank order, and for each of them the first ngeneditsperind QTN of
 // the sorted list that may be edited and at which it isn't homozygous for the favourable allele. An
@@ -23,6 +29,6 @@ int64 editableparents(const state &s, int64 parentgen);
 //          generation currentgen - 1, from their files
 // Updates  the list arrays; idofgenomeeditinds, genomeeditqtnpos, genomeeditqtnchrom (0 for an
 //          empty slot), genomeeditqtnposneg; with genedriveonoff the flags of what is edited
-// Draws: none. Stops: 110010 more plants edited than selfed, 110011 more males edited than there
-// are male parents; an I/O error for a file that is missing or too short.
+// Draws: none. Stops: those of checkeditednumber; an I/O error for a file that is missing or too
+// short.
 void editgenome(state &s, int64 selectioncycle, int64 currentgen);

@@ -158,7 +158,7 @@ void multiplysolutions(const state &s, int64 selectioncycle, const std::string &
 {
     const std::string folder = cyclefolder(selectioncycle);
     const int64 nloci = s.loci.nsnpforsel;
-    const array1<double> snpsol = readsolutions(s, selectioncycle, solutions);
+    const array1<double> snpsol = readsolutions(s, folder + solutions);
     array1<double> tmpgenosvec(nloci);
     infile genotypefile(folder + genotypes);
     valuefile out(selectioncycle, target);

@@ -33,19 +33,19 @@ void writefixedsnp(state &s, int64 selectioncycle)
     out.close();
 }
 
-void readfixedsnp(state &s, int64 selectioncycle)
+void readfixedsnp(state &s, const std::string &folder)
 {
-    infile in(cyclefolder(selectioncycle) + fixedsnpfile);
+    infile in(folder + fixedsnpfile);
     for (int64 j = 1; j <= s.loci.nsnpforsel; ++j) {
         in.record();
         s.cycle.fixedsnp(j) = in.integer();
     }
 }
 
-array1<double> readsolutions(const state &s, int64 selectioncycle, const std::string &name)
+array1<double> readsolutions(const state &s, const std::string &path)
 {
     array1<double> solutions(s.loci.nsnpforsel);
-    infile in(cyclefolder(selectioncycle) + name);
+    infile in(path);
     for (double &solution : solutions) {
         in.record();
         in.skipwords(1);
@@ -54,31 +54,24 @@ array1<double> readsolutions(const state &s, int64 selectioncycle, const std::st
     return solutions;
 }
 
+std::vector<std::string> trainingfiles(const state &s, int64 selectedtrait)
+{
+    std::vector<std::string> names{solutionsfile(s, selectedtrait), trainingfrequencies,
+                                   fixedsnpfile, trainingphenotypes(s, selectedtrait)};
+    if (s.selection.recombselonoff)
+        names.insert(names.end(), {recombsolutions, recombtrainingphenotypes});
+    return names;
+}
+
 void copytrainingdata(state &s, int64 selectioncycle, int64 selectedtrait)
 {
-    const auto copy = [&](const std::string &name) {
+    for (const std::string &name : trainingfiles(s, selectedtrait))
         copyfile(s, cyclefolder(s.selection.fixedtrainselcycle) + name, cyclefolder(selectioncycle),
                  "CopyTrainingData");
-    };
-    copy(solutionsfile(s, selectedtrait));
-    copy(trainingfrequencies);
-    copy(fixedsnpfile);
-    copy(trainingphenotypes(s, selectedtrait));
-    if (!s.selection.recombselonoff) return;
-    copy(recombsolutions);
-    copy(recombtrainingphenotypes);
 }
 
 void importtrainingdata(state &s, int64 selectioncycle)
 {
-    const auto copy = [&](const char *name) {
-        copyfile(s, std::string("./") + name, cyclefolder(selectioncycle), "ImportTrainingData");
-    };
-    copy(onetraitsolutions);
-    copy(trainingfrequencies);
-    copy(fixedsnpfile);
-    copy(onetraitphenotypes);
-    if (!s.selection.recombselonoff) return;
-    copy(recombsolutions);
-    copy(recombtrainingphenotypes);
+    for (const std::string &name : trainingfiles(s, 1)) // there is one trait alone
+        copyfile(s, "./" + name, cyclefolder(selectioncycle), "ImportTrainingData");
 }

@@ -21,11 +21,13 @@ constexpr const char *fixedsnpfile = "FixedSnp.txt";
 // Writes FixedSnp.txt of the cycle: a locus doesn't segregate where its count in fixedsnp is 0 or
 // twice the number of training individuals.
 void writefixedsnp(state &s, int64 selectioncycle);
-// Reads it into fixedsnp.
-void readfixedsnp(state &s, int64 selectioncycle);
-// The solutions of a file of the cycle, one for each locus.
-array1<double> readsolutions(const state &s, int64 selectioncycle, const std::string &name);
+// Reads that of a folder, a name with its slash, into fixedsnp.
+void readfixedsnp(state &s, const std::string &folder);
+// The solutions of a file, one for each locus.
+array1<double> readsolutions(const state &s, const std::string &path);
 
+// Names of the files that such a training is taken over by, of a trait.
+std::vector<std::string> trainingfiles(const state &s, int64 selectedtrait);
 // Copies the solutions, allele frequencies, fixed loci and training phenotypes of an earlier
 // training to the cycle's folder: copytrainingdata from that of cycle fixedtrainselcycle,
 // importtrainingdata from the working directory. A copy that fails prints its failure line; the run

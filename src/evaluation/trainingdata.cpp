@@ -34,7 +34,8 @@ void appendzerofields(textline &fields)
     for (int64 code = 0; code < ncodes; ++code) putf(fields, 0, fieldwidth, fielddecimals);
 }
 
-// The fields of all loci, ncodes for each.
+} // namespace
+
 textline layoutscaledfields(const state &s, const std::string &folder)
 {
     textline fields;
@@ -53,13 +54,12 @@ textline layoutscaledfields(const state &s, const std::string &folder)
     }
     return fields;
 }
-} // namespace
 
 void scalegenottestingdata(state &s, int64 selectioncycle, int64 runid)
 {
     const std::string folder = cyclefolder(selectioncycle);
     const int64 nloci = s.loci.nsnpforsel;
-    readfixedsnp(s, selectioncycle);
+    readfixedsnp(s, folder);
     const textline fields = layoutscaledfields(s, folder);
 
     infile in(folder + testgenotypes(s));

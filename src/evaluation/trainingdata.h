@@ -9,6 +9,10 @@
 constexpr const char *testqtngenotypes = "TmpQtnGenotypeTest.txt";
 constexpr const char *lastqtngenotypes = "TmpQtnGenotypeLastGeneration.txt";
 
+// The fields of the scaled values of all loci, F40.30 for each of the genotypes 0, 1, 2 and missing,
+// by the fixed loci in fixedsnp and the allele frequencies in the folder, see below.
+textline layoutscaledfields(const state &s, const std::string &folder);
+
 // Brings the test genotypes to the scale on which the solutions were estimated: centred by 2p and
 // divided by sqrt(2p(1-p) + 0.00001), in single precision; p from AlleleFreqTrain.txt, which has
 // one record for each locus with 1 in FixedSnp.txt and is not needed without such a locus; the

@@ -1,7 +1,6 @@
 #include "founders/runmacs.h"
 
 #include "founders/presets.h"
-#include "founders/recombregions.h"
 #include "founders/simulatedsites.h"
 #include "runplan.h"
 #include "shell.h"
@@ -125,7 +124,7 @@ void stopifoutoforder(const std::vector<recombregion> &regions)
 }
 } // namespace
 
-void readrecombspecformacs(int64 chrom)
+std::vector<recombregion> regionsformacs(int64 chrom)
 {
     std::vector<recombregion> regions = readrecombregions(chrom);
     stopifoutoforder(regions);
@@ -134,7 +133,12 @@ void readrecombspecformacs(int64 chrom)
                   "- rescale");
         printline("");
     }
+    return regions;
+}
 
+void readrecombspecformacs(int64 chrom)
+{
+    const std::vector<recombregion> regions = regionsformacs(chrom);
     outfile out(chromfolder(chrom) + "Hotspots.txt");
     textline line;
     for (const recombregion &region : regions) {

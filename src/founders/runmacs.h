@@ -15,9 +15,11 @@
 //   MaCSParametersUsed.txt     free-form: number of haplotypes, a blank, the parameter text
 #pragma once
 
+#include "founders/recombregions.h"
 #include "state.h"
 
 #include <string>
+#include <vector>
 
 // The stage. A failing command prints "failure : Solvanto : " and RunMacs A (copy of macs),
 // RunMacs B (copy of the formatter), RunMacsRewrite A (macs) or RunMacsRewrite B (formatter), and
@@ -38,8 +40,10 @@ void runmacshelper(state &s, const std::string &folder, int64 chrom);
 std::string macscommand(const std::string &folder, int64 nhaps, const std::string &macsparams,
                         bool hotspots);
 
-// Checks the recombination regions of a chromosome and writes its Hotspots.txt. Proportions that
-// don't sum to exactly 1 are rescaled, with a warning.
+// The recombination regions of a chromosome. Proportions that don't sum to exactly 1 are rescaled,
+// with a warning.
 // Stops: 110031 when a region does not start and stop behind the start and stop of the one
 // before, or has no length.
+std::vector<recombregion> regionsformacs(int64 chrom);
+// Writes them to its Hotspots.txt.
 void readrecombspecformacs(int64 chrom);

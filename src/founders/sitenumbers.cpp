@@ -14,7 +14,7 @@ void checksitenumber(const state &s, int64 nqtnwanted, int64 code)
 }
 } // namespace
 
-void determinenbofsnpandqtn(state &s, int64 chrom)
+void setsitenumbers(state &s, int64 chrom)
 {
     for (int64 chip = 1; chip <= s.chips.nchip; ++chip) {
         int64 &nsnponchip = s.loci.nsnponthischipchrom(chip, chrom);
@@ -33,5 +33,10 @@ void determinenbofsnpandqtn(state &s, int64 chrom)
         s.loci.nqtnrecombonthischrom(chrom) = s.qtn.nqtnrecombperchrom;
         checksitenumber(s, s.loci.nqtnrecombonthischrom(chrom), 110009);
     }
+}
+
+void determinenbofsnpandqtn(state &s, int64 chrom)
+{
+    setsitenumbers(s, chrom);
     writesitenumbers(s, chrom);
 }

@@ -161,6 +161,7 @@ void readindivmutindicator(state &s, int64 chrom, const std::string &folder)
     }
     s.sites.nindivpinit = nrows;
 }
+} // namespace
 
 void computetotals(state &s)
 {
@@ -175,7 +176,6 @@ void computetotals(state &s)
     if (s.chips.usesnpchiponoff && s.selection.addqtntosnpchip == 1)
         s.loci.nsnpforsel += s.loci.ntotqtn;
 }
-} // namespace
 
 void readsegsitesdatafromallchrom(state &s, const std::string &runfolder)
 {

@@ -75,15 +75,17 @@ void writecarriers(int64 chrom, int64 nindiv, const std::vector<denovomutation> 
 //   MutIndivIndicator.txt       nindivpinit (its lines) and indivmutindicator; individuals
 //                               without a row keep 0, rows beyond nindivp are passed over: a later
 //                               run may change the sizes of the generations to come
-// and works out the run totals:
+// and works out the run totals, see computetotals.
+// runfolder: where the stores lie, the working folder unless a merge looks at another run's.
+void readsegsitesdatafromallchrom(state &s, const std::string &runfolder = ".");
+// From the numbers of the chromosomes:
 //   ntotqtn        sum of nqtnonthischrom
 //   ntotqtngamma   sum of nmutinclglobal, + nqtngamma
 //   ntotqtnrecomb  sum of nqtnrecombonthischrom, only with recombselonoff on
 //   nsnp           markers of the selection chip tmpchip over all chromosomes; 0 while no chip
 //                  has been named for selection
 //   nsnpforsel     nsnp, + ntotqtn when chips are used and QTN are added to the selection chip
-// runfolder: where the stores lie, the working folder unless a merge looks at another run's.
-void readsegsitesdatafromallchrom(state &s, const std::string &runfolder = ".");
+void computetotals(state &s);
 
 // All rows of MutDeNovoInfo.txt.
 std::vector<denovomutation> readmutations(int64 chrom, const std::string &runfolder);

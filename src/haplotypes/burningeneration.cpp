@@ -11,6 +11,29 @@
 #include <algorithm>
 #include <cassert>
 
+void checkblocknumber(const state &s)
+{
+    if (static_cast<double>(s.haplo.nblock) > s.founders.morgans) return;
+    printline(
+        " ERROR: There are not enough blocks per chromosome compared to the chromosome length "
+        "(Morgans)");
+    printline(" Increase the number of segregating sites per chromosome (see RunMacs) or,");
+    printline(" if On, increase the parameter GenomeCompression");
+    printline(" nBlock:" + numbertext(s.haplo.nblock));
+    printline(" Morgans:" + freeline(s.founders.morgans).substr(1));
+    stopwithcode(110012);
+}
+
+void checkparents(const state &s, int64 startindiv, int64 endindiv)
+{
+    for (int64 i = startindiv; i <= endindiv; ++i) {
+        for (int64 parent : {s.pedi.ped(i).newsire, s.pedi.ped(i).newdam})
+            if (parent < 0 || parent >= i)
+                ioerror(pedigreetable, "individual " + numbertext(i) + " has parent " +
+                                           numbertext(parent) + ", which doesn't stand before it");
+    }
+}
+
 namespace
 {
 // Parents that stand before the generation before: an external pedigree's.
@@ -25,30 +48,6 @@ struct parentsources {
     int64 prev = 0;       // last before the generation before, which is in oldtmpgenome
     olderparents older;
 };
-
-void checkblocknumber(const state &s)
-{
-    if (static_cast<double>(s.haplo.nblock) > s.founders.morgans) return;
-    printline(
-        " ERROR: There are not enough blocks per chromosome compared to the chromosome length "
-        "(Morgans)");
-    printline(" Increase the number of segregating sites per chromosome (see RunMacs) or,");
-    printline(" if On, increase the parameter GenomeCompression");
-    printline(" nBlock:" + numbertext(s.haplo.nblock));
-    printline(" Morgans:" + freeline(s.founders.morgans).substr(1));
-    stopwithcode(110012);
-}
-
-// Every parent must stand before its offspring, since its genome must exist by then.
-void checkparents(const state &s, int64 startindiv, int64 endindiv)
-{
-    for (int64 i = startindiv; i <= endindiv; ++i) {
-        for (int64 parent : {s.pedi.ped(i).newsire, s.pedi.ped(i).newdam})
-            if (parent < 0 || parent >= i)
-                ioerror(pedigreetable, "individual " + numbertext(i) + " has parent " +
-                                           numbertext(parent) + ", which doesn't stand before it");
-    }
-}
 
 // Loads what the generation's parents need: founder haplotypes if one is unknown, the generation
 // before, and older parents.

@@ -30,12 +30,18 @@ inline std::string minorfrequencyfile(int64 chrom)
 // generations of a chromosome. Stops: nblock not above morgans, 110012; those of readrecombspec.
 void setburninrecombrates(state &s, int64 chrom);
 
+// Stop 110012 where nblock isn't above morgans.
+void checkblocknumber(const state &s);
+
+// Every parent must stand before its offspring, since its genome must exist by then; another one is
+// an I/O error of the pedigree.
+void checkparents(const state &s, int64 startindiv, int64 endindiv);
+
 // Drops generation currentgen, individuals startindiv to endindiv, of a chromosome.
 //   tmpgenome      out  made by the caller with every cell -99, (nindivinthisgen, nblock, 2)
 //   parentsloaded  in   oldtmpgenome holds generation currentgen - 1 already; otherwise it is read
 //                       from its file. It stays for the caller to free
-// Parents may stand in any
-// earlier generation or earlier in the same one; another one is an I/O error of the pedigree.
+// Stops: those of checkparents.
 // Draws, for each individual: for the sire's side, if the sire is unknown, one for each of the two
 // founder haplotypes; one for the strand to begin on; those of recombinegametes; then the same for
 // the dam's side, unless the generation is of doubled haploids.

@@ -142,11 +142,20 @@ void stopifshareslow(const state &s)
 }
 } // namespace
 
-void readrecombspec(state &s, int64 chrom)
+namespace
+{
+// The regions of a chromosome, rescaled, and the blocks that they got.
+struct chromosomeregions {
+    std::vector<recombregion> regions;
+    array1<double> map;
+    fittedregions fit;
+};
+
+chromosomeregions fitchromosome(const state &s, int64 chrom)
 {
     std::vector<recombregion> regions = readrecombregions(chrom);
     if (std::ssize(regions) > s.haplo.nblock) toomanyregions(s, std::ssize(regions));
-    const array1<double> map = readincludedmap(chrom, s.haplo.nblock * lociperblock);
+    array1<double> map = readincludedmap(chrom, s.haplo.nblock * lociperblock);
     if (!regionsinorder(regions)) {
         printline("ERROR: Variable recombination file should be sorted from start to end of "
                   "chromosome");
@@ -155,10 +164,24 @@ void readrecombspec(state &s, int64 chrom)
     if (!regions.empty() && regions.back().stop == 1) regions.back().stop = map(map.size());
     rescaleproportions(regions);
 
-    const fittedregions fit = fitregions(regions, map, s.haplo.nblock);
+    fittedregions fit = fitregions(regions, map, s.haplo.nblock);
     stopifbeyondsites(fit, chrom);
-    writeachieved(regions, fit, map, chrom);
-    shareout(s, regions, fit);
+    return {std::move(regions), std::move(map), std::move(fit)};
+}
+} // namespace
+
+void readrecombspec(state &s, int64 chrom)
+{
+    const chromosomeregions found = fitchromosome(s, chrom);
+    writeachieved(found.regions, found.fit, found.map, chrom);
+    shareout(s, found.regions, found.fit);
+    stopifshareslow(s);
+}
+
+void checkrecombspec(state &s, int64 chrom)
+{
+    const chromosomeregions found = fitchromosome(s, chrom);
+    shareout(s, found.regions, found.fit);
     stopifshareslow(s);
 }
 

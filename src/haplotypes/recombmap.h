@@ -18,6 +18,8 @@
 // Stops: more regions than blocks, plain; regions out of order, 110033; a start or stop, other
 // than the last stop, that meets no block, 110034; shares that sum to less than 0.9999, 110035.
 void readrecombspec(state &s, int64 chrom);
+// The same without the file of what was achieved.
+void checkrecombspec(state &s, int64 chrom);
 
 // recombfactperblock for a chromosome, made by the caller: readrecombspec with hotspots on, else
 // the even share 1 / nblock, in single precision.

@@ -6,7 +6,6 @@
 #include "haplotypes/crossingfiles.h"
 #include "haplotypes/genomefiles.h"
 #include "markers/sitesets.h"
-#include "merge/mergerecords.h"
 #include "pedigree/pedigree.h"
 #include "results/snpchips.h"
 #include "shell.h"
@@ -148,7 +147,8 @@ void measurelines(const std::string &path, int64 titlelines, int64 &titlelength,
     linelength = in.nextrecord() ? static_cast<int64>(in.line().size()) + 1 : 0;
 }
 
-// The file holds the records of n individuals.
+} // namespace
+
 void checkrecords(const individualfile &file, const std::string &path, int64 n)
 {
     checkfile(path);
@@ -166,6 +166,8 @@ void checkrecords(const individualfile &file, const std::string &path, int64 n)
     if (found < nlines) mismatch(path, "lines of individuals", found, nlines);
 }
 
+namespace
+{
 // What is taken from a source folder.
 struct takenrecords {
     int64 lastid = 0;
@@ -183,20 +185,20 @@ takenrecords takenfrom(const mergeplan &plan, int64 folder)
     return taken;
 }
 
-void checkgenome(const state &s, const sourcefolder &source, int64 chrom, int64 gen)
+} // namespace
+
+void checkgenome(const std::string &path, int64 nindiv, int64 nblock)
 {
-    const std::string path = inrunfolder(source.path, genomefile(chrom, gen));
     checkfile(path);
-    const int64 nbytes = framereader(path).recordlength(),
-                bytesperblock = source.genarray(gen) * 2 * 8;
-    const int64 nblock = s.sites.nsegreginclglobal(chrom) / lociperblock;
-    if (nbytes != nblock * bytesperblock)
+    const int64 nbytes = framereader(path).recordlength(), expected = nindiv * 2 * 8 * nblock;
+    if (nbytes != expected)
         ioerror(path, "holds a record of " + numbertext(nbytes) + " bytes where " +
-                          numbertext(source.genarray(gen)) + " individuals with " +
-                          numbertext(nblock) + " blocks of sites take " +
-                          numbertext(nblock * bytesperblock));
+                          numbertext(nindiv) + " individuals with " + numbertext(nblock) +
+                          " blocks of sites take " + numbertext(expected));
 }
 
+namespace
+{
 void checksource(const state &s, const sourcefolder &source, const takenrecords &taken)
 {
     const auto check = [&](const individualfile &file, const std::string &path, int64 n) {
@@ -209,7 +211,8 @@ void checksource(const state &s, const sourcefolder &source, const takenrecords 
         for (const int64 g : taken.generations) {
             for (const individualfile &file : generationfiles(s, h))
                 check(file, ofgeneration(file, g), source.genarray(g));
-            checkgenome(s, source, h, g);
+            checkgenome(inrunfolder(source.path, genomefile(h, g)), source.genarray(g),
+                        s.sites.nsegreginclglobal(h) / lociperblock);
         }
     }
 }

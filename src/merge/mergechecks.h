@@ -5,6 +5,7 @@
 #pragma once
 
 #include "merge/mergefolders.h"
+#include "merge/mergerecords.h"
 
 // The folder exists, and isn't the working folder, whose own files a merge replaces.
 void checkfolder(const std::string &folder);
@@ -15,6 +16,11 @@ void checkfolder(const std::string &folder);
 // makechromarrays, which the caller has made.
 // Reads    the specification's numbers of chromosomes, chips, QTN and traits
 void checkmergefolders(state &s, const mergeplan &plan);
+
+// The file holds the records of n individuals, of the layout of that file.
+void checkrecords(const individualfile &file, const std::string &path, int64 n);
+// It holds one record of the genomes of nindiv individuals.
+void checkgenome(const std::string &path, int64 nindiv, int64 nblock);
 
 // Sees to it that the merge can open as many files as it needs at a time: the system's limit is
 // raised if need be. I/O error: it can't be. Plain stop: more than the registry has numbers for.

@@ -188,15 +188,20 @@ void makemergedbinarydirectories(const state &s, const mergeplan &plan)
             mergegenomes(plan, h, l, s.sites.nsegreginclglobal(h) / lociperblock);
 }
 
-void mergedirectories(state &s)
+mergeplan planofdirectories(state &s, arrayscope &arrays, array1<pedigreeline> &ped)
 {
-    array1<pedigreeline> ped;
-    const mergeplan plan = mergepedigree(s, mergereadpaths(s), ped);
-    arrayscope arrays;
+    mergeplan plan = mergepedigree(s, mergereadpaths(s), ped);
     makechromarrays(s, arrays);
     checkmergefolders(s, plan);
     checkopenfiles(plan);
+    return plan;
+}
 
+void mergedirectories(state &s)
+{
+    array1<pedigreeline> ped;
+    arrayscope arrays;
+    const mergeplan plan = planofdirectories(s, arrays, ped);
     copyfromburnin(plan.burninfolder);
     writewholepedigree(ped);
     writezerovariances(s, firstunknown(s, plan));

@@ -6,8 +6,14 @@
 // numbered generation by generation, and within a generation folder by folder.
 #pragma once
 
+#include "arrayscope.h"
 #include "merge/mergefolders.h"
 #include "pedigreeline.h"
+
+// The plan and the merged pedigree, read off the list and checked against all folders: nothing has
+// been touched behind it. Makes the arrays of makechromarrays, and leaves the base folder's numbers
+// of sites in them.
+mergeplan planofdirectories(state &s, arrayscope &arrays, array1<pedigreeline> &ped);
 
 // Reads    ngen, ngensel, numberofmergeruns, and what mergechecks.h names
 // Stops: 48 for another number of folders than numberofmergeruns, 900000. A fault in the list or in

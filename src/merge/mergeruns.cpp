@@ -105,14 +105,19 @@ void copyselection(state &s, const std::string &folder)
 }
 } // namespace
 
-void mergeruns(state &s)
+mergeplan planofruns(state &s, arrayscope &arrays)
 {
-    const mergeplan plan = readplan(s);
-    arrayscope arrays;
+    mergeplan plan = readplan(s);
     makechromarrays(s, arrays);
     checkmergefolders(s, plan);
     checkopenfiles(plan);
+    return plan;
+}
 
+void mergeruns(state &s)
+{
+    arrayscope arrays;
+    const mergeplan plan = planofruns(s, arrays);
     copyfromburnin(plan.burninfolder);
     copyselection(s, plan.sources.front().path);
     writefourcolumns(static_cast<int64>(plan.things.size()));

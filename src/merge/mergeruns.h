@@ -7,7 +7,12 @@
 // phenotypes, and have unknown parents; allele frequencies are counted anew.
 #pragma once
 
+#include "arrayscope.h"
 #include "merge/mergefolders.h"
+
+// The plan, read off the list and checked against all folders: nothing has been touched behind it.
+// Makes the arrays of makechromarrays, and leaves the burn-in folder's numbers of sites in them.
+mergeplan planofruns(state &s, arrayscope &arrays);
 
 // Reads    numberofmergeruns, and what mergechecks.h names
 // Stops: 48 for another number of folders than numberofmergeruns, 900000. A fault in the list or in

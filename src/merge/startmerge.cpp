@@ -27,7 +27,23 @@ void stopifnolist(const state &s)
     printline(message);
     plainstop(0);
 }
+
+[[noreturn]] void stopforunknown(const state &s)
+{
+    printline("MergeTypes is incorrectly set, please check your specfile " + s.run.mergetypes);
+    plainstop();
+}
 } // namespace
+
+mergeplan planofmerge(state &s, arrayscope &arrays)
+{
+    if (s.run.merging == mergekind::none) return {};
+    if (s.run.merging == mergekind::unknown) stopforunknown(s);
+    stopifnolist(s);
+    if (s.run.merging == mergekind::ids) return planofruns(s, arrays);
+    array1<pedigreeline> ped;
+    return planofdirectories(s, arrays, ped);
+}
 
 void startmerge(state &s)
 {
@@ -44,7 +60,6 @@ void startmerge(state &s)
         mergedirectories(s);
         finish("Merge has been successful! Please run Solvanto from the next generation.");
     case mergekind::unknown:
-        printline("MergeTypes is incorrectly set, please check your specfile " + s.run.mergetypes);
-        plainstop();
+        stopforunknown(s);
     }
 }

@@ -52,19 +52,33 @@ void readpedigree(state &s, int64 n)
 
 namespace
 {
-// Goes on behind the first nrows rows: by one seek, unless a merge has left shorter ones.
-void openbehindrows(outfile &out, int64 nrows)
+// A merge leaves shorter rows.
+bool hasfixedrows()
 {
     infile in(pedigreetable);
     const auto haslength = [&](int64 length) {
         return in.nextrecord() && static_cast<int64>(in.line().size()) + 1 == length;
     };
-    if (haslength(pedigreetitlelength) && haslength(pedigreelinelength))
+    return haslength(pedigreetitlelength) && haslength(pedigreelinelength);
+}
+
+// Goes on behind the first nrows rows: by one seek where their length is known.
+void openbehindrows(outfile &out, int64 nrows)
+{
+    if (hasfixedrows())
         out.openandkeepfixed(pedigreetable, nrows, pedigreelinelength, pedigreetitlelength);
     else
         out.openandkeep(pedigreetable, 1 + nrows);
 }
 } // namespace
+
+void checkkeptrows(int64 nrows)
+{
+    if (hasfixedrows())
+        checkkeptfixed(pedigreetable, nrows, pedigreelinelength, pedigreetitlelength);
+    else
+        checkkept(pedigreetable, 1 + nrows);
+}
 
 void writeoutpedigree(state &s)
 {

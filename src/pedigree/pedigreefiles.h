@@ -27,6 +27,8 @@ constexpr const char *generationtable = "SimulatedData/NbOfIndivInEachGen.txt";
 void readpedigreeline(infile &in, pedigreeline &row, int64 rownumber);
 // Fills the first n rows of ped.
 void readpedigree(state &s, int64 n);
+// Whether its first nrows rows can be kept when others are written behind them.
+void checkkeptrows(int64 nrows);
 // Writes the rows of generations specstartgen to specendgen behind those of the generations
 // before; what stood there is replaced. Sets the rows' generation.
 void writeoutpedigree(state &s);

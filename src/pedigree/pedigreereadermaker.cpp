@@ -132,10 +132,8 @@ void writecounts(const state &s)
 }
 } // namespace
 
-void pedigreereadermaker(state &s)
+void makepedigree(state &s)
 {
-    arrayscope arrays;
-    makepedigreearrays(s, arrays);
     if (s.run.specstartgen > 1) readearlierruns(s);
     drawgenders(s);
     const std::string here = workingdirectory();
@@ -146,6 +144,13 @@ void pedigreereadermaker(state &s)
         fillwithfounders(s, 1, here);
         if (s.run.specendgen > 1) drawburninparents(s);
     }
+}
+
+void pedigreereadermaker(state &s)
+{
+    arrayscope arrays;
+    makepedigreearrays(s, arrays);
+    makepedigree(s);
     writeoutpedigree(s);
     writegenders(s);
     writecounts(s);

@@ -13,6 +13,9 @@
 
 #include "state.h"
 
+// All of the stage but its files: fills the arrays of makepedigreearrays, which the caller has made.
+void makepedigree(state &s);
+
 // The stage. Nothing stays in memory.
 // Draws, in this order: a random order per generation of this run, for the genders; then the
 // parents of the burn-in generations of an internal pedigree.

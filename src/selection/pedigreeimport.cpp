@@ -5,12 +5,15 @@
 #include "stops.h"
 #include "textlayout.h"
 
-namespace
+std::string importedpedigree(int64 selectioncycle)
 {
+    return cyclefolder(selectioncycle) + "ExternalPedigree.txt";
+}
+
 void readexternalpedigree(state &s, int64 selectioncycle, int64 currentgen)
 {
     const int64 endtestindiv = s.cycle.endtestindiv;
-    infile in(cyclefolder(selectioncycle) + "ExternalPedigree.txt");
+    infile in(importedpedigree(selectioncycle));
     int64 indivpos = endtestindiv;
     for (int64 k = 1; k <= s.pedi.nindivinthisgen(currentgen); ++k) {
         ++indivpos;
@@ -27,7 +30,6 @@ void readexternalpedigree(state &s, int64 selectioncycle, int64 currentgen)
         initline(s.pedi.ped(indivpos), oldglobalid, oldglobalid, newsire, newdam, currentgen);
     }
 }
-} // namespace
 
 void importexternalpedforcurrentselgen(state &s, int64 selectioncycle, int64 currentgen)
 {

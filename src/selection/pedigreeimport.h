@@ -6,6 +6,13 @@
 
 #include "state.h"
 
+#include <string>
+
+// ExternalPedigree.txt of a cycle.
+std::string importedpedigree(int64 selectioncycle);
+// Reads it, see below.
+void readexternalpedigree(state &s, int64 selectioncycle, int64 currentgen);
+
 // importstage 1: prints what the user has to do. The caller releases the cycle's arrays and leaves
 //                the cycles.
 // importstage 2: reads ExternalPedigree.txt, one record for each individual of currentgen in row

@@ -153,6 +153,12 @@ void settestset(state &s, int64 currentgen)
 }
 } // namespace
 
+void setcyclesets(state &s, int64 currentgen)
+{
+    settrainingrange(s, currentgen);
+    settestset(s, currentgen);
+}
+
 void computedescriptvariablesforselection(state &s, int64 selectioncycle, int64 currentgen)
 {
     textline line;
@@ -162,8 +168,7 @@ void computedescriptvariablesforselection(state &s, int64 selectioncycle, int64 
     puti(line, selectioncycle, 4);
     printline(line);
 
-    settrainingrange(s, currentgen);
-    settestset(s, currentgen);
+    setcyclesets(s, currentgen);
     if (s.editing.geneditonoff) {
         s.edits.idofgenomeeditinds.fill(0);
         s.edits.genomeeditqtnpos.fill(0);

@@ -8,9 +8,9 @@
 
 #include "state.h"
 
-// Prints the heading of the cycle that makes generation currentgen, and sets the training range by
-// the phenotyping strategy, the number of training individuals ntrainindiv, the test set and its
-// genders (gender is allocated). With gene editing on the edit lists of the last cycle are cleared.
+// Sets the training range of the cycle that makes generation currentgen by the phenotyping strategy,
+// the number of training individuals ntrainindiv, the test set and its genders (gender is
+// allocated).
 //   strategy 1 all phenotypes         generations 1 to g-1 (g is currentgen)
 //            2 all historical ones    1 to g-2
 //            3 previous generation    g-2
@@ -22,4 +22,8 @@
 // Stops: 110004 more individuals wanted at random than the range holds; 110005 and 110006 the last
 //        training generation comes too late; without a code where TrainIndiv.txt has no row; an I/O
 //        error where it names a row that does not exist.
+void setcyclesets(state &s, int64 currentgen);
+
+// Prints the heading of the cycle, and does the same. With gene editing on the edit lists of the last
+// cycle are cleared.
 void computedescriptvariablesforselection(state &s, int64 selectioncycle, int64 currentgen);

@@ -12,24 +12,14 @@
 #include <cmath>
 #include <vector>
 
-namespace
-{
-void makecyclefolder(state &s, int64 selectioncycle)
-{
-    const std::string folder = cyclefolder(selectioncycle);
-    const char *const routine = "DetermineTrainAndTestDatasetsForSelection";
-    removefolder(folder, routine);
-    makefolder(folder, routine, s.failures);
-}
-
-void readtruevalues(state &s)
+void readtruevalues(state &s, int64 lastindiv)
 {
     const int64 nmodels = s.qtn.nqtnmodels, ntraits = s.traits.ntraits;
     const int64 n = nmodels * ntraits;
     std::vector<double> values(static_cast<std::size_t>(3 * n));
     infile in(valuetable);
     in.skiprecords(1);
-    for (int64 i = 1; i <= s.cycle.endtestindiv; ++i) {
+    for (int64 i = 1; i <= lastindiv; ++i) {
         in.record();
         in.skipwords(1);
         in.identifier(i, "individual");
@@ -42,14 +32,13 @@ void readtruevalues(state &s)
     }
 }
 
-// Crossovers of every individual's own gametes, and its rate in the gametes that it gives.
-void readrecombination(state &s)
+void readrecombination(state &s, int64 lastindiv)
 {
     s.haplo.recombcount.fill(0);
     s.values.recombperindperchr.fill(0);
     infile in(recombinationtable);
     in.skiprecords(1);
-    for (int64 i = 1; i <= s.cycle.endtestindiv; ++i) {
+    for (int64 i = 1; i <= lastindiv; ++i) {
         double values[2];
         in.record();
         in.skipwords(1);
@@ -60,6 +49,16 @@ void readrecombination(state &s)
         s.values.recombperindperchr(i) = values[1];
         for (int64 side = 1; side <= 2; ++side) s.haplo.recombcount(i, side) = in.integer();
     }
+}
+
+namespace
+{
+void makecyclefolder(state &s, int64 selectioncycle)
+{
+    const std::string folder = cyclefolder(selectioncycle);
+    const char *const routine = "DetermineTrainAndTestDatasetsForSelection";
+    removefolder(folder, routine);
+    makefolder(folder, routine, s.failures);
 }
 
 // One record for each test individual.
@@ -188,8 +187,8 @@ void determinetrainandtestdatasetsforselection(state &s, int64 selectioncycle, i
 {
     if (selectedtrait == 1) {
         makecyclefolder(s, selectioncycle);
-        readtruevalues(s);
-        if (s.selection.recombselonoff) readrecombination(s);
+        readtruevalues(s, s.cycle.endtestindiv);
+        if (s.selection.recombselonoff) readrecombination(s, s.cycle.endtestindiv);
     }
     writetestdata(s, selectioncycle, selectedtrait);
     if (s.selection.selontbvyes1no0 != 0) return;

@@ -12,6 +12,12 @@
 
 #include "state.h"
 
+// True values and phenotypes of individuals 1 to lastindiv; and the crossovers of their own gametes,
+// with their rates in the gametes that they give. An I/O error where a table has too few records or
+// those of others.
+void readtruevalues(state &s, int64 lastindiv);
+void readrecombination(state &s, int64 lastindiv);
+
 // To be called once for each trait of a cycle, trait 1 first. The tables are read for trait 1; the
 // values of all traits come with it.
 // Files, in the folder of the cycle (t: trait; the suffix Trait<t> only where there are several):

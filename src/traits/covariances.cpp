@@ -74,6 +74,18 @@ void workoutresidualcovariances(state &s)
     }
 }
 
+void checkresidualcovariances(const traitsettings &t)
+{
+    array2<double> matrix(t.ntraits, t.ntraits);
+    const auto variance = [&](int64 j) {
+        return (t.varaspec(j) - t.herit(j) * t.varaspec(j)) / t.herit(j);
+    };
+    for (int64 j = 1; j <= t.ntraits; ++j)
+        for (int64 h = 1; h <= t.ntraits; ++h)
+            matrix(j, h) = t.core(j, h) * std::sqrt(variance(j) * variance(h));
+    factor(matrix, t.ntraits, "Residual");
+}
+
 void readresidualfactors(state &s)
 {
     for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {

@@ -16,6 +16,9 @@ void workoutgeneticcovariances(state &s);
 // written to SimulatedData/TraitVarianceComponentsResidualCholQtnModel<p>.txt, free-form, record j
 // with the entries (j,1) to (j,j), in full.
 void workoutresidualcovariances(state &s);
+// Stops as it would if the genetic variances were those of the specification. Any other, above 0,
+// give a matrix that can be factored where this one can.
+void checkresidualcovariances(const traitsettings &t);
 // Takes the factors back into cholcove, which exists, in a stage that doesn't begin with generation
 // 1: the residual variances stay those of generation 1.
 void readresidualfactors(state &s);

@@ -3,11 +3,6 @@
 #include "files.h"
 #include "textlayout.h"
 
-namespace
-{
-constexpr const char *coancestrytable = "./SimulatedData/AverageCoancestry.txt";
-}
-
 array1<double> parentshares(const state &s, int64 currentgen, int64 firstindiv, int64 lastindiv)
 {
     const int64 n = lastindiv - firstindiv + 1;

@@ -8,6 +8,8 @@
 
 #include "state.h"
 
+constexpr const char *coancestrytable = "./SimulatedData/AverageCoancestry.txt";
+
 // Average relationship x'Gx of candidates.
 struct coancestries {
     double before = 0; // equal shares

@@ -24,6 +24,7 @@ struct refusal {
     std::vector<tableline> actions, tries;
     std::string texts;
     std::optional<int64> code;
+    bool unforeseen = false;
 };
 
 struct refusaltable {
@@ -32,9 +33,9 @@ struct refusaltable {
 };
 
 const std::set<std::string> actionwords{"file", "shell", "smallrun"},
-    trywords{"spec", "edit", "args", "run"}, endwords{"stop", "="},
-    basewords{"program", "code",     "gone", "untouched", "in",   "runs",
-              "file",    "smallrun", "spec", "edit",      "shell"};
+    trywords{"spec", "edit", "args", "run"}, endwords{"stop", "unforeseen", "="},
+    basewords{"program",    "code", "gone",     "untouched", "in",   "runs",
+              "unforeseen", "file", "smallrun", "spec",      "edit", "shell"};
 
 void expectword(const tableline &line, const std::set<std::string> &words)
 {
@@ -80,6 +81,8 @@ refusaltable readtable(const std::string &path)
         for (; line != lines.end() && endwords.contains(line->word); ++line)
             if (line->word == "stop")
                 next.code = std::stoll(line->rest);
+            else if (line->word == "unforeseen")
+                next.unforeseen = true;
             else
                 next.texts += (next.texts.empty() ? "" : "\n") + line->rest;
         if (next.tries.empty() && !next.actions.empty()) {
@@ -102,10 +105,12 @@ class refusals : public infolder, public testing::WithParamInterface<std::string
     std::string place = ".", program; // where it runs, below the base's folder
     std::vector<std::string> gone;    // files that no refused run leaves
     bool untouched = false;           // no file may change but the seed
+    bool unforeseen = false;          // no refusal can be foreseen
     int64 code = 2;
 
     void act(const tableline &line);
     void attempt(const refusal &r, const tableline &change);
+    void expectforesight(const refusal &r);
     void expectrefusal(const refusal &r, const commandresult &result);
 };
 
@@ -146,6 +151,7 @@ void refusals::act(const tableline &line)
     if (line.word == "code") code = std::stoll(line.rest);
     if (line.word == "gone") gone = wordsof(line.rest);
     if (line.word == "untouched") untouched = true;
+    if (line.word == "unforeseen") unforeseen = true;
     if (line.word != "shell" && line.word != "runs") return;
     const commandresult result = runcommand(line.word == "runs" ? program : line.rest);
     if (result.status != 0)
@@ -168,6 +174,16 @@ void refusals::expectrefusal(const refusal &r, const commandresult &result)
     for (const std::string &file : gone) EXPECT_TRUE(wanted == 0 || !fs::exists(file)) << file;
 }
 
+// solvanto --check ends as the run will, and touches nothing.
+void refusals::expectforesight(const refusal &r)
+{
+    const filetree was = readtree(".");
+    const commandresult result = runcommand("./solvanto --check");
+    const int64 wanted = r.unforeseen || unforeseen ? 0 : r.code.value_or(code);
+    EXPECT_EQ(result.status, wanted % 256) << "by --check:\n" << result.out << result.err;
+    EXPECT_TRUE(differingpaths(was, readtree(".")).empty()) << "touched by --check";
+}
+
 // One try in a copy of the folder that the program runs in; folders beside it are read only.
 void refusals::attempt(const refusal &r, const tableline &change)
 {
@@ -187,6 +203,8 @@ void refusals::attempt(const refusal &r, const tableline &change)
     try {
         for (const tableline &line : r.actions) act(line);
         act(change);
+        if (program == "./solvanto" && change.word != "run" && change.word != "args")
+            expectforesight(r);
         const filetree was = untouched ? readtree(".") : filetree();
         expectrefusal(r, runcommand(change.word == "run"    ? change.rest
                                     : change.word == "args" ? program + " " + change.rest

@@ -180,7 +180,8 @@ treeofrun treeafterrun(const std::string &folder, const filetree &inputs)
 } // namespace
 
 void runtreecase(const std::string &name, const std::string &bin, const std::string &folder,
-                 const std::function<bool(const treeofrun &)> &withrun)
+                 const std::function<bool(const treeofrun &)> &withrun,
+                 const std::function<void(const std::string &)> &beforerun)
 {
     filetree inputs;
     for (const treerun &run : readtreecase(name)) {
@@ -190,6 +191,7 @@ void runtreecase(const std::string &name, const std::string &bin, const std::str
             linkprograms(bin, place);
         }
         act(run, folder, inputs);
+        if (beforerun) beforerun(place);
         const commandresult result = runcommand("cd '" + place + "' && ./solvanto --quiet");
         writefile(folder + "/" + reportname, "status " + std::to_string(result.status) +
                                                  "\nstandard output:\n" + result.out +

@@ -35,9 +35,11 @@ struct treeofrun {
     int status = 0;
 };
 // Runs a case in an empty folder with the programs of a build, and hands over the files after every
-// run. The runs stop where the routine that gets them says false.
+// run. The runs stop where the routine that gets them says false. beforerun is given the folder in
+// which a run is about to begin.
 void runtreecase(const std::string &name, const std::string &bin, const std::string &folder,
-                 const std::function<bool(const treeofrun &)> &withrun);
+                 const std::function<bool(const treeofrun &)> &withrun,
+                 const std::function<void(const std::string &)> &beforerun = {});
 
 // Everything that could make a run differ between machines, set for the programs that this process
 // starts.

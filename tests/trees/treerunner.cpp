@@ -91,17 +91,45 @@ bool followstogether(const std::string &name, std::size_t nruns, const treeofrun
     return false;
 }
 
+// What solvanto --check tells in a folder before a run there: its status, and the files that it
+// touches, which should be none.
+struct foresight {
+    int status = 0;
+    std::vector<std::string> touched;
+};
+
+foresight foresee(const std::string &place)
+{
+    const filetree before = readtree(place);
+    const int status = runcommand("cd '" + place + "' && ./solvanto --check").status;
+    return {status, differingpaths(before, readtree(place))};
+}
+
+bool wasforeseen(const std::string &name, std::size_t nruns, const foresight &foreseen, int status)
+{
+    constexpr int unreached = 110001 % 256; // how far contributions reach shows in the run alone
+    const bool alike = foreseen.status == status || status == unreached;
+    if (alike && foreseen.touched.empty()) return true;
+    std::printf("%s, run %zu ended with status %d, and --check before it with %d", name.c_str(),
+                nruns, status, foreseen.status);
+    if (!foreseen.touched.empty()) std::printf("; it touched %s", foreseen.touched[0].c_str());
+    std::printf("\n");
+    return false;
+}
+
 bool check(const std::string &name)
 {
     const std::vector<filetree> wanted = readsums(name);
     const temporaryfolder folder;
     std::size_t nruns = 0;
     bool same = true;
-    runtreecase(name, binfolder(), folder.path, [&](const treeofrun &tree) {
+    foresight foreseen;
+    const auto withrun = [&](const treeofrun &tree) {
         const filetree sums = sumsof(tree.files);
         const filetree none, &want = nruns < wanted.size() ? wanted[nruns] : none;
         ++nruns;
-        const bool follows = followstogether(name, nruns, tree);
+        const bool follows =
+            wasforeseen(name, nruns, foreseen, tree.status) && followstogether(name, nruns, tree);
         const auto paths = inwritingorder(differingpaths(want, sums), tree);
         same = follows && paths.empty();
         if (paths.empty()) return same;
@@ -113,7 +141,9 @@ bool check(const std::string &name)
         printothers(paths);
         std::printf("scripts/trees compare %s shows the place\n", name.c_str());
         return false;
-    });
+    };
+    runtreecase(name, binfolder(), folder.path, withrun,
+                [&](const std::string &place) { foreseen = foresee(place); });
     if (same && nruns < wanted.size()) {
         std::printf("%s: sums of %zu runs, %zu were made\n", name.c_str(), wanted.size(), nruns);
         return false;
