@@ -1,6 +1,7 @@
 #include "check/checkspec.h"
 
 #include "check/inputs.h"
+#include "check/plan.h"
 #include "folders.h"
 #include "merge/mergefolders.h"
 #include "merge/startmerge.h"
@@ -51,6 +52,7 @@ void checkrun(state &s, faultlist &faults)
         return;
     }
     const runfacts facts = judgeinputs(s, arrays, faults);
+    printplan(s, facts);
 }
 } // namespace
 

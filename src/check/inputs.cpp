@@ -170,7 +170,8 @@ void judgefounders(state &s, runfacts &facts, faultlist &faults)
     if (!faults.judge([&] { initmacscases(s, facts.macsparams); })) facts.macsparams.clear();
     for (int64 h = 1; h <= s.founders.nchrom && s.founders.recombhotspotsonoff; ++h)
         if (!faults.judge([&] { regionsformacs(h); })) break;
-    if (faults.judge([&] { stopwithout(s, "macs"); }) && !facts.macsparams.empty()) {
+    faults.judge([&] { stopwithout(s, "macs"); });
+    if (!facts.macsparams.empty()) {
         facts.coalescent = parsecoalescent(s.founders.nhaps, facts.macsparams);
         faults.judge([&] { stopifrefused(s, facts.coalescent); });
         facts.sites = expectsites(s, facts.coalescent);
