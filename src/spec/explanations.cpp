@@ -75,6 +75,8 @@ std::string wantedtext(const keydescription *key)
 // Damerau-Levenshtein distance; Boytsov 2011, ACM JEA 16, section 2.1).
 std::size_t editdistance(std::string_view a, std::string_view b)
 {
+    if (a.size() > 2 * b.size() + 8)
+        return a.size() - b.size(); // at least that, beyond all nearness
     std::vector<std::vector<std::size_t>> d(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
     for (std::size_t i = 0; i <= a.size(); ++i)
         for (std::size_t j = 0; j <= b.size(); ++j) {

@@ -101,6 +101,7 @@ class judge:
             wanted = ["standard output"]
         elif kind == "fork":
             wanted += ["failure", failed.split()[-1].rstrip("/")]
+            wanted += [name + " ended" for name in programmes.programs if name in failed]
         return any(text and text in said for text in wanted)
 
 
