@@ -6,7 +6,12 @@
 #include <string>
 #include <utility>
 
+// Of a file being read or written. Fuzzers take a small one, whose end short inputs reach.
+#ifdef SOLVANTO_SMALLBUFFERS
+constexpr std::size_t buffersize = 1 << 9;
+#else
 constexpr std::size_t buffersize = 1 << 20;
+#endif
 
 // The number of an open file, which is closed with it unless it is taken out; -1 for none.
 class filedescriptor
