@@ -144,6 +144,13 @@ double infile::real()
     return value;
 }
 
+double infile::fraction()
+{
+    const double value = real();
+    if (value < 0 || value > 1) complain("a number from 0 to 1 is wanted");
+    return value;
+}
+
 void infile::identifier(int64 wanted, const char *what)
 {
     const int64 found = integer();

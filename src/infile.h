@@ -52,6 +52,8 @@ class infile
     int64 integer();
     // A finite real.
     double real();
+    // A real from 0 to 1: a frequency, a position on the chromosome.
+    double fraction();
     // Any real: for files of the system's own that may hold NaN or infinities, where a trait has no
     // variance.
     double anyreal();

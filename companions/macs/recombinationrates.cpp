@@ -67,6 +67,9 @@ rateregion readregion(const infile &in, const std::vector<std::string> &fields)
 }
 } // namespace
 
+// Beyond it a chromosome recombines without end. The hottest hotspots known have some thousands.
+constexpr double highestratio = 1e6;
+
 std::vector<rateregion> readregions(const std::string &path)
 {
     infile in(path);
@@ -79,6 +82,8 @@ std::vector<rateregion> readregions(const std::string &path)
         if (region.start < 0 || region.stop > 1)
             in.complain("start and stop of a region are fractions of the chromosome, from 0 to 1");
         if (!(region.start < region.stop)) in.complain("a region must stop behind its start");
+        if (region.ratio > highestratio)
+            in.complain("the ratio of a region is beyond all that is known: at most 1000000");
         if (region.ratio < 0) in.complain("the ratio of a region must not be negative");
         if (region.start < covered)
             in.complain("regions must stand in rising order and must not overlap");

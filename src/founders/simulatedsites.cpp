@@ -59,5 +59,10 @@ void readphysicalmap(state &s, int64 chrom)
     segregatingsites &sites = s.sites;
     infile in(simulatedmapfile(chrom));
     if (sites.nsegregtmp > 0) in.record();
-    for (int64 k = 1; k <= sites.nsegregtmp; ++k) sites.allphysicalmap(sites.tmpwrk(k)) = in.real();
+    double behind = 0;
+    for (int64 k = 1; k <= sites.nsegregtmp; ++k) {
+        const double position = in.fraction();
+        if (position < behind) in.complain("positions must rise along the chromosome");
+        behind = sites.allphysicalmap(sites.tmpwrk(k)) = position;
+    }
 }

@@ -201,9 +201,9 @@ void readsegsitesdataperchrom(state &s, int64 chrom)
     infile in(includedmapfile(chrom));
     for (int64 i = 1; i <= s.sites.nsegregincl; ++i) {
         in.record();
-        in.integer(); // the row number
+        in.identifier(i, "site");
         s.sites.inclsnpid(i) = in.integer();
-        s.sites.inclphysicalmap(i) = in.real();
+        s.sites.inclphysicalmap(i) = in.fraction();
         s.sites.inclmutindicator(i) = in.integer();
         s.sites.inclmutindicatorindivid(i) = in.integer();
     }
@@ -216,7 +216,7 @@ array1<double> readincludedmap(int64 chrom, int64 nsegregincl)
     for (double &position : map) {
         in.record();
         in.skipwords(2); // site and slot
-        position = in.real();
+        position = in.fraction();
     }
     return map;
 }

@@ -30,15 +30,15 @@ void readsetofchrom(state &s, qtnset which, int64 chrom, int64 first)
         information.record();
         information.skipwords(1);
         set.qtnid(q) = information.integer();
-        set.maf(q) = information.real();
-        set.pos(q) = information.real();
+        set.maf(q) = information.fraction();
+        set.pos(q) = information.fraction();
         if (which != qtnset::recombination) {
             set.mutind(q) = information.integer();
             set.mutindiv(q) = information.integer();
         }
         frequencies.record();
         frequencies.skipwords(2);
-        set.referencefreq(q) = frequencies.real();
+        set.referencefreq(q) = frequencies.fraction();
     }
 }
 
