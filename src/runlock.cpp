@@ -5,9 +5,11 @@
 #include "stops.h"
 
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 
 namespace
 {
@@ -34,7 +36,13 @@ filedescriptor lockrun(const std::string &path)
 {
     // Without O_CLOEXEC: the programs that the run starts hold it too.
     filedescriptor lock(open(path.c_str(), O_RDONLY | O_NONBLOCK));
-    if (!lock.isopen() || flock(lock, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return lock;
+    if (!lock.isopen()) return lock;
+    // What a killed run has started ends with it, but a moment later.
+    constexpr int ntries = 20;
+    for (int k = 1; k <= ntries; ++k) {
+        if (flock(lock, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return lock;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
     const std::string holder = holderof(lock);
     ioerror(path, "another run works in the folder " + workingdirectory() +
                       (holder.empty() ? "" : ": process " + holder) +
