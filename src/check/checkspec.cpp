@@ -1,10 +1,9 @@
 #include "check/checkspec.h"
 
+#include "check/estimates.h"
 #include "check/inputs.h"
 #include "check/plan.h"
 #include "folders.h"
-#include "merge/mergefolders.h"
-#include "merge/startmerge.h"
 #include "randomnumbers.h"
 #include "runlock.h"
 #include "spec/readinparameters.h"
@@ -48,11 +47,13 @@ void checkrun(state &s, faultlist &faults)
 {
     arrayscope arrays;
     if (s.run.merging != mergekind::none) {
-        faults.judge([&] { planofmerge(s, arrays); });
+        const runfacts facts = judgemerge(s, arrays, faults);
+        if (faults.stops.empty()) printestimates(s, facts);
         return;
     }
     const runfacts facts = judgeinputs(s, arrays, faults);
     printplan(s, facts);
+    if (faults.stops.empty()) printestimates(s, facts);
 }
 } // namespace
 

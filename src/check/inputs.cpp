@@ -13,6 +13,7 @@
 #include "founders/stores.h"
 #include "haplotypes/burningeneration.h"
 #include "markers/qtnplacement.h"
+#include "merge/startmerge.h"
 #include "pedigree/breedingplan.h"
 #include "pedigree/earlierrun.h"
 #include "pedigree/matings.h"
@@ -372,5 +373,28 @@ runfacts judgeinputs(state &s, arrayscope &arrays, faultlist &faults)
     if (newsimulation) faults.judge([&] { checkeffects(s); });
     faults.judge([&] { checkburninvalues(s); });
     judgecycles(s, facts, faults);
+    facts.firstgen = s.run.specstartgen;
+    facts.lastgen = lastgenerationmade(s);
+    return facts;
+}
+
+runfacts judgemerge(state &s, arrayscope &arrays, faultlist &faults)
+{
+    runfacts facts;
+    faults.judge([&] {
+        const mergeplan plan = planofmerge(s, arrays);
+        facts.copiedfolder = plan.burninfolder;
+        if (s.run.merging == mergekind::ids)
+            for (const sourcefolder &source : plan.sources)
+                facts.selectionfolders.push_back(source.path);
+        for (const thing &one : plan.things)
+            facts.lastgen = std::max(facts.lastgen, one.newgeneration);
+        s.pedi.nindivinthisgen.allocate({0, facts.lastgen});
+        s.pedi.cumindivnbtogen.allocate({0, facts.lastgen});
+        for (const thing &one : plan.things) ++s.pedi.nindivinthisgen(one.newgeneration);
+        for (int64 gen = 1; gen <= facts.lastgen; ++gen)
+            s.pedi.cumindivnbtogen(gen) =
+                s.pedi.cumindivnbtogen(gen - 1) + s.pedi.nindivinthisgen(gen);
+    });
     return facts;
 }

@@ -28,9 +28,15 @@ struct runfacts {
     std::string macsparams; // of a run that makes founders; empty where it can't be told
     coalescentrun coalescent;
     expectedsites sites;
-    std::vector<trainingplan> cycles; // as far as their ranges can be told
+    std::vector<trainingplan> cycles;          // as far as their ranges can be told
+    int64 firstgen = 1, lastgen = 0;           // generations that the run makes
+    std::string copiedfolder;                  // of which a merge makes a copy
+    std::vector<std::string> selectionfolders; // whose folder Selection it copies
 };
 
 // Fills pedigree, numbers of sites and the totals that follow from them, in arrays that live as long
 // as the scope.
 runfacts judgeinputs(state &s, arrayscope &arrays, faultlist &faults);
+
+// The same for a merge: fills the sizes of the merged generations and the numbers of sites.
+runfacts judgemerge(state &s, arrayscope &arrays, faultlist &faults);

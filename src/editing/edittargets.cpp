@@ -11,19 +11,19 @@
 #include <string>
 #include <vector>
 
-namespace
-{
-std::string gainfile(int64 selcycle, int64 gen)
+std::string editgainfile(int64 selcycle, int64 gen)
 {
     return cyclefolder(selcycle) + "QtnGeneticGainAlleleFreqGener" + numbertext(gen) + ".txt";
 }
 
-std::string listfile(const state &s, int64 selcycle, int64 gen)
+std::string editlistfile(const state &s, int64 selcycle, int64 gen)
 {
     return cyclefolder(selcycle) + nameofset(setofselection(s)) + "QtnSortedForGeneEditingGener" +
            numbertext(gen) + ".txt";
 }
 
+namespace
+{
 int64 parentstobeedited(const state &s, int64 parentgen)
 {
     if (s.pop.nsireinthisgen(parentgen) > 0) return s.pop.nsireinthisgen(parentgen);
@@ -150,14 +150,14 @@ void runge(const state &s, int64 selcycle, int64 gen)
     readaddeff(s, qtvarray);
     readfreq(s, gen, qtvarray);
     deltagarrayfill(parentstobeedited(s, gen - 1), s.editing.nindedited, qtvarray);
-    writedeltagfile(gainfile(selcycle, gen), qtvarray);
-    writeqtvgefile(listfile(s, selcycle, gen), qtvarray, sortqtv(qtvarray));
+    writedeltagfile(editgainfile(selcycle, gen), qtvarray);
+    writeqtvgefile(editlistfile(s, selcycle, gen), qtvarray, sortqtv(qtvarray));
 }
 
 void readeditlist(state &s, int64 selcycle, int64 gen)
 {
     editdata &edits = s.edits;
-    infile in(listfile(s, selcycle, gen));
+    infile in(editlistfile(s, selcycle, gen));
     in.skiprecords(1);
     for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
         in.record();

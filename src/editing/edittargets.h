@@ -13,6 +13,11 @@
 
 #include "state.h"
 
+#include <string>
+
+std::string editgainfile(int64 selcycle, int64 gen);
+std::string editlistfile(const state &s, int64 selcycle, int64 gen);
+
 struct qtv {
     int64 id = 0;    // number in the whole genome
     int64 snpid = 0; // site on its chromosome

@@ -27,6 +27,7 @@ namespace
 {
 // Any chromosome, generation, cycle, trait or chip: its digits become a star.
 constexpr int64 any = 1;
+} // namespace
 
 std::string patternof(const std::string &path)
 {
@@ -40,6 +41,8 @@ std::string patternof(const std::string &path)
     return pattern;
 }
 
+namespace
+{
 void add(std::vector<leaving> &table, leavingkind kind, const std::vector<std::string> &paths,
          const std::string &folder = "")
 {

@@ -24,6 +24,8 @@ struct leaving {
 };
 
 std::vector<leaving> leavingstable();
+// The pattern of a path from the working folder.
+std::string patternof(const std::string &path);
 
 // Prints the table on standard output, a line for each pattern: remove for the first three kinds,
 // pack or drop, a blank, the pattern.

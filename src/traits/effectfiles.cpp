@@ -14,6 +14,8 @@ std::string fileofset(qtnset set, const char *rest)
 {
     return std::string("./SimulatedData/") + nameofset(set) + rest;
 }
+} // namespace
+
 std::string dominanceeffectfile(qtnset set)
 {
     return fileofset(set, "QtnDominEffects.txt");
@@ -23,6 +25,8 @@ std::string substitutioneffectfile(qtnset set)
     return fileofset(set, "QtnAverAlleleSubstEffects.txt");
 }
 
+namespace
+{
 using effects = array2<double> qtnmodeldata::*;
 
 // One kind of effect, the columns of the models of a set side by side.

@@ -26,6 +26,8 @@ void compileqtnaverallelesubsteff(const state &s);
 void compileqtnrecombination(const state &s);
 
 std::string additiveeffectfile(qtnset set);
+std::string dominanceeffectfile(qtnset set);
+std::string substitutioneffectfile(qtnset set);
 std::string informationfile(qtnset set);
 // All of them that a run leaves.
 std::vector<std::string> effectfilesof(const state &s);
