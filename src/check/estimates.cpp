@@ -95,8 +95,10 @@ void printestimates(const state &s, const runfacts &facts)
     printentry("Time", timetext(expectedseconds(work, measuremachine())),
                "by a short measurement of this machine as it is at present");
     if (work.draws > generatorperiod)
-        warn(s.options, "", 0,
-             "the run will take more random numbers than the generator has: from there on it repeats "
-             "itself. Fewer sites (GenomeCompression), individuals or generations take fewer; so do "
-             "several runs, each with a seed of its own");
+        warn(
+            s.options, "", 0,
+            "the run will take more random numbers than the generator has: from there on it "
+            "repeats "
+            "itself. Fewer sites (GenomeCompression), individuals or generations take fewer; so do "
+            "several runs, each with a seed of its own");
 }

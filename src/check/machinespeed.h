@@ -5,8 +5,8 @@
 // Seconds that the machine takes for a unit of each kind of work. The second quickest of five
 // trials.
 struct machinespeed {
-    double draw = 0; // one uniform number of the generator
-    double byte = 0; // one byte written to a file of fresh memory
+    double draw = 0;  // one uniform number of the generator
+    double byte = 0;  // one byte written to a file of fresh memory
     double start = 0; // a program started and waited for
 };
 

@@ -239,8 +239,7 @@ void addprediction(filelist &list, const trainingplan &plan)
         list.add(folder + estimatesfile(s, t), 20.3 * (pedigree ? ntrain : ncandidates));
         if (!pedigree) list.add(folder + solutionsfile(s, t), 43 * number(nloci));
         if (pedigree)
-            list.add(folder + trainingpedigree(t),
-                     61 * number(lastindivofgen(s, plan.lastgen)));
+            list.add(folder + trainingpedigree(t), 61 * number(lastindivofgen(s, plan.lastgen)));
     }
     if (!pedigree) list.add(folder + trainingfrequencies, 31 * number(nloci));
 }

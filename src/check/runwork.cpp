@@ -59,7 +59,8 @@ double tablesofcycles(const state &s, const runfacts &facts)
 {
     const double row = 614 + 41 + 60 * number(s.qtn.nqtnmodels) * number(s.traits.ntraits);
     double bytes = 0;
-    for (const trainingplan &plan : facts.cycles) bytes += row * number(lastindivofgen(s, plan.gen - 1));
+    for (const trainingplan &plan : facts.cycles)
+        bytes += row * number(lastindivofgen(s, plan.gen - 1));
     return bytes;
 }
 
@@ -68,8 +69,8 @@ double startsofrun(const state &s, const runfacts &facts)
 {
     double starts = makesfounders(s) ? 11 * number(s.founders.nchrom) : 0;
     for (const trainingplan &plan : facts.cycles) {
-        const bool predicted = s.selection.selontbvyes1no0 == 0 &&
-                               !aresolutionsinforce(s, plan.gen - s.pop.ngen);
+        const bool predicted =
+            s.selection.selontbvyes1no0 == 0 && !aresolutionsinforce(s, plan.gen - s.pop.ngen);
         if (predicted) starts += 7 * number(s.traits.ntraits);
         if (s.selection.optcontribselonoff) starts += 14;
     }
@@ -81,8 +82,8 @@ void addpredictions(const state &s, const runfacts &facts, runwork &work)
     const double ntraits = number(s.traits.ntraits), nloci = number(s.loci.nsnpforsel);
     for (const trainingplan &plan : facts.cycles) {
         const double n = number(plan.ncandidates), ntrain = number(plan.nindiv);
-        if (s.selection.selontbvyes1no0 == 0 &&
-            !aresolutionsinforce(s, plan.gen - s.pop.ngen) && s.selection.selmethindicator == 2) {
+        if (s.selection.selontbvyes1no0 == 0 && !aresolutionsinforce(s, plan.gen - s.pop.ngen) &&
+            s.selection.selmethindicator == 2) {
             work.predictedcells += ntraits * ntrain * nloci;
             const double direct =
                 std::min(ntrain, nloci) * std::min(ntrain, nloci) * std::max(ntrain, nloci);
@@ -124,11 +125,10 @@ runwork workofrun(const state &s, const runfacts &facts)
 // examples and larger forms of them; scripts/estimates compares.
 double expectedseconds(const runwork &work, const machinespeed &speed)
 {
-    const double indraws = 2e7 + 6 * work.draws + 11.5 * work.bytespacked +
-                           2.7 * work.tablebytes + 200 * work.recombinations +
-                           3 * work.foundercells + 0.5 * work.genotypes +
-                           9 * work.predictedcells + 0.017 * work.equationwork +
-                           0.025 * work.allocationwork;
+    const double indraws = 2e7 + 6 * work.draws + 11.5 * work.bytespacked + 2.7 * work.tablebytes +
+                           200 * work.recombinations + 3 * work.foundercells +
+                           0.5 * work.genotypes + 9 * work.predictedcells +
+                           0.017 * work.equationwork + 0.025 * work.allocationwork;
     return indraws * speed.draw + 7.5 * work.byteswritten * speed.byte +
            5 * work.starts * speed.start;
 }
@@ -139,8 +139,9 @@ namespace
 {
 // Programs that have read nothing yet, with their libraries, in bytes; of solvanto before it has
 // written a file, and behind that.
-constexpr double beginning = 7.0e6, emptyown = 9.5e6, emptymacs = 5.1e6, emptyformatter = 4.0e6, emptygenomic = 9.6e6,
-                 shell = 2e6, emptypedigree = 4.3e6, emptyrelationships = 8.7e6, emptyallocation = 8.8e6;
+constexpr double beginning = 7.0e6, emptyown = 9.5e6, emptymacs = 5.1e6, emptyformatter = 4.0e6,
+                 emptygenomic = 9.6e6, shell = 2e6, emptypedigree = 4.3e6,
+                 emptyrelationships = 8.7e6, emptyallocation = 8.8e6;
 
 // Of all individuals, as long as the run goes.
 double lastingmemory(const state &s, const runfacts &facts)

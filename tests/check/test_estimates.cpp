@@ -22,9 +22,9 @@ class estimates : public wholerun
 
 double megabytes(const std::string &folders)
 {
-    return std::stod(runcommand("du -cb --apparent-size $(find " + folders +
-                                " -type f) | tail -n 1")
-                         .out) /
+    return std::stod(
+               runcommand("du -cb --apparent-size $(find " + folders + " -type f) | tail -n 1")
+                   .out) /
            1e6;
 }
 } // namespace
