@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -30,17 +31,32 @@ std::string holderof(int descriptor)
     }
     return "";
 }
+
+void warnofnolock(const runoptions &options, const std::string &path, int error)
+{
+    warn(options, path, 0,
+         std::string("can't be locked: ") + std::strerror(error) +
+             "; the run goes on, and nothing keeps a second one from working in this folder");
+}
 } // namespace
 
-filedescriptor lockrun(const std::string &path)
+filedescriptor lockrun(const runoptions &options, const std::string &path)
 {
     // Without O_CLOEXEC: the programs that the run starts hold it too.
     filedescriptor lock(open(path.c_str(), O_RDONLY | O_NONBLOCK));
-    if (!lock.isopen()) return lock;
+    if (!lock.isopen()) {
+        if (errno != ENOENT) warnofnolock(options, path, errno);
+        return lock;
+    }
     // What a killed run has started ends with it, but a moment later.
     constexpr int ntries = 20;
     for (int k = 1; k <= ntries; ++k) {
-        if (flock(lock, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return lock;
+        if (flock(lock, LOCK_EX | LOCK_NB) == 0) return lock;
+        if (errno == EINTR) continue;
+        if (errno != EWOULDBLOCK) {
+            warnofnolock(options, path, errno);
+            return lock;
+        }
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
     const std::string holder = holderof(lock);

@@ -150,7 +150,7 @@ void solvanto(const runoptions &options, runaccount &account)
 {
     const float start = cpuseconds();
     titles();
-    const filedescriptor lock = lockrun(specfile);
+    const filedescriptor lock = lockrun(options, specfile);
     for (const char *folder : runfolders) refuselinks(folder);
     randomstream random;
     initiateseed(random, options);

@@ -61,8 +61,12 @@ int runtostop(const std::function<void()> &body)
         std::fprintf(stderr, "ERROR: out of memory\n");
         status = 2;
     }
-    if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
-        std::fprintf(stderr, "ERROR: standard output: %s\n", std::strerror(errno));
+    // Where an earlier write failed, nothing may be left to flush, and errno is of something else.
+    const bool failsnow = std::fflush(stdout) != 0;
+    const int error = errno;
+    if (failsnow || std::ferror(stdout)) {
+        std::fprintf(stderr, "ERROR: standard output: %s\n",
+                     failsnow ? std::strerror(error) : "could not be written");
         if (status == 0) status = 2;
     }
     return status;

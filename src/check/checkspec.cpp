@@ -63,7 +63,7 @@ void checkspec(const runoptions &options)
     randomstream random;
     std::optional<runsettings> settings;
     commandfailures failures;
-    faults.judge([] { lockrun(specfile); });
+    faults.judge([&] { lockrun(options, specfile); });
     for (const char *folder : runfolders) faults.judge([&] { refuselinks(folder); });
     faults.judge([&] { random = firststream(readseed(options)); });
     if (faults.judge([&] { settings = readinparameters(options); })) {
