@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     putfile(folder + trainingfrequencies, parts[1]);
     putfile(folder + onetraitsolutions, parts[2]);
     putfile(folder + testgenotypes(s), parts[3]);
-    orderly([&] { readsolutions(s, 1, onetraitsolutions); });
+    orderly([&] { readsolutions(s, folder + onetraitsolutions); });
     orderly([&] { scalegenottestingdata(s, 1, 1); });
     return 0;
 }

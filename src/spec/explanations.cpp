@@ -72,24 +72,32 @@ std::string wantedtext(const keydescription *key)
 }
 
 // Least number of characters to insert, remove, replace or swap with the next one (restricted
-// Damerau-Levenshtein distance; Boytsov 2011, ACM JEA 16, section 2.1).
-std::size_t editdistance(std::string_view a, std::string_view b)
+// Damerau-Levenshtein distance; Boytsov 2011, ACM JEA 16, section 2.1), up to a limit: cells of the
+// table further than that from its diagonal don't matter, and a row without a lower value ends it.
+std::size_t editdistance(std::string_view a, std::string_view b, std::size_t limit)
 {
-    if (a.size() > 2 * b.size() + 8)
-        return a.size() - b.size(); // at least that, beyond all nearness
-    std::vector<std::vector<std::size_t>> d(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
-    for (std::size_t i = 0; i <= a.size(); ++i)
-        for (std::size_t j = 0; j <= b.size(); ++j) {
-            if (i == 0 || j == 0) {
-                d[i][j] = i + j;
-                continue;
-            }
-            d[i][j] = std::min({d[i - 1][j] + 1, d[i][j - 1] + 1,
-                                d[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1)});
+    const std::size_t n = b.size();
+    if (std::max(a.size(), n) - std::min(a.size(), n) >= limit) return limit;
+    std::vector<std::size_t> row(n + 2), before(n + 2), before2(n + 2);
+    for (std::size_t j = 0; j <= n; ++j) before[j] = j;
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        const std::size_t first = i > limit ? i - limit : 1, last = std::min(n, i + limit);
+        row[first - 1] = first == 1 ? i : limit;
+        std::size_t least = row[first - 1];
+        for (std::size_t j = first; j <= last; ++j) {
+            std::size_t d = before[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+            d = std::min(d, std::min(before[j], row[j - 1]) + 1);
             if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
-                d[i][j] = std::min(d[i][j], d[i - 2][j - 2] + 1);
+                d = std::min(d, before2[j - 2] + 1);
+            row[j] = d;
+            least = std::min(least, d);
         }
-    return d[a.size()][b.size()];
+        if (least >= limit) return limit;
+        row[last + 1] = limit;
+        before2.swap(before);
+        before.swap(row);
+    }
+    return std::min(before[n], limit);
 }
 
 // The key that is spelt most alike; empty when none is near.
@@ -98,7 +106,7 @@ std::string nearestkey(std::string_view name)
     std::string nearest;
     std::size_t least = std::max<std::size_t>(name.size() / 3, 2) + 1;
     for (const keydescription &key : keydescriptions()) {
-        const std::size_t distance = editdistance(name, tlc(key.name));
+        const std::size_t distance = editdistance(name, tlc(key.name), least);
         if (distance >= least) continue;
         least = distance;
         nearest = key.name;
@@ -115,9 +123,10 @@ std::string nearestword(const keydescription *key, std::string_view value)
     for (std::size_t end = 0; (end = words.find(' ', begin)) != std::string::npos;
          begin = end + 1) {
         const std::string word = words.substr(begin, end - begin);
-        const std::size_t distance = editdistance(tlc(value), tlc(word));
+        const std::size_t limit = std::min(least, word.size());
+        const std::size_t distance = editdistance(tlc(value), tlc(word), limit);
         if (distance == 0) return "";
-        if (distance >= std::min(least, word.size())) continue;
+        if (distance >= limit) continue;
         least = distance;
         nearest = word;
     }
