@@ -145,6 +145,13 @@ void framereader::finish()
     endframe();
 }
 
+void framereader::stopifmore()
+{
+    char byte;
+    if (at < filled || readchecked(descriptor, name, &byte, 1) > 0)
+        ioerror(name, "goes on where it should end");
+}
+
 int64 framereader::recordlength() const
 {
     int64 offset = 0, nbytes = 0;

@@ -83,6 +83,8 @@ class framereader
         }
     }
     void finish();
+    // The file must end here: more bytes are an I/O error.
+    void stopifmore();
     // A whole record at once.
     void record(void *bytes, int64 nbytes)
     {

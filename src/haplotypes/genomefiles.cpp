@@ -44,6 +44,24 @@ void scatterrows(const int64 *buffer, int64 stride, int64 nrows, int64 nwide, in
     }
 }
 
+// Bits that no locus uses: those of the blocks, taken together, tell whether one has them. So has a
+// block of -99, which stands for one that was never made.
+constexpr std::uint64_t unusedbits = ~std::uint64_t{0} << lociperblock;
+
+// All bits of n blocks together.
+std::uint64_t allbits(const int64 *blocks, int64 n)
+{
+    std::uint64_t bits = 0;
+    for (int64 b = 0; b < n; ++b) bits |= static_cast<std::uint64_t>(blocks[b]);
+    return bits;
+}
+
+void stopifunused(std::uint64_t bits, const std::string &path)
+{
+    if ((bits & unusedbits) != 0)
+        ioerror(path, "holds a block that no genome has: bits that stand for no locus are set");
+}
+
 // One matrix (nrows, nblock) of the record.
 void putmatrix(framewriter &record, const int64 *rows, int64 stride, int64 nrows, int64 nblock)
 {
@@ -60,11 +78,14 @@ void getmatrix(framereader &record, int64 *rows, int64 stride, int64 nrows, int6
 {
     const int64 nwide = blocksatatime(nrows, nblock);
     std::vector<int64> buffer(static_cast<std::size_t>(nwide * nrows));
+    std::uint64_t bits = 0;
     for (int64 b = 0; b < nblock; b += nwide) {
         const int64 n = std::min(nwide, nblock - b);
         record.get(buffer.data(), n * nrows * 8);
+        bits |= allbits(buffer.data(), n * nrows);
         scatterrows(buffer.data(), stride, nrows, n, rows + b);
     }
+    stopifunused(bits, record.path());
 }
 } // namespace
 
@@ -76,6 +97,7 @@ void readgenome(const std::string &path, genomestore &g, int64 nindiv, int64 nbl
     for (int64 m = 1; m <= 2 && nindiv > 0; ++m)
         getmatrix(in, g.gamete(1, m), 2 * nblock, nindiv, nblock);
     in.finish();
+    in.stopifmore();
 }
 
 void writegenome(const std::string &path, const genomestore &g, int64 limit)
@@ -97,14 +119,18 @@ void readgenomerows(const std::string &path, int64 nindiv, int64 nblock, const a
     framereader in(path);
     in.begin(2 * nindiv * nblock * 8);
     std::vector<int64> column(static_cast<std::size_t>(nindiv));
+    std::uint64_t bits = 0;
     for (int64 m = 1; m <= 2; ++m) {
         for (int64 b = 1; b <= nblock; ++b) {
             in.get(column.data(), nindiv * 8);
+            bits |= allbits(column.data(), nindiv);
             for (int64 r = 1; r <= rows.size(); ++r)
                 g(firstplace + r - 1, b, m) = column[static_cast<std::size_t>(rows(r) - 1)];
         }
     }
+    stopifunused(bits, path);
     in.finish();
+    in.stopifmore();
 }
 
 void readhaplotypes(const std::string &path, haplotypestore &h, int64 nblock)
@@ -118,6 +144,7 @@ void readhaplotypes(const std::string &path, haplotypestore &h, int64 nblock)
     h.allocate(nhaplos, nblock);
     if (nhaplos > 0) getmatrix(in, h.haplotype(1), nblock, nhaplos, nblock);
     in.finish();
+    in.stopifmore();
 }
 
 void writehaplotypes(const std::string &path, const haplotypestore &h, int64 limit)
