@@ -27,10 +27,16 @@ void writeallelerow(outfile &out, int64 id, const int8 *alleles, int64 n)
     endallelerows(out, n);
 }
 
-int64 readallelerow(infile &in, int8 *alleles, int64 n)
+void readallelerow(infile &in, int64 id, int8 *alleles, int64 n)
 {
     in.record();
-    const int64 id = in.integer();
+    in.identifier(id, "individual");
     in.alleles(alleles, n);
-    return id;
+}
+
+void readallelerow(infile &in, int64 id, int8 *alleles, int64 n, int8 highest)
+{
+    in.record();
+    in.identifier(id, "individual");
+    in.alleles(alleles, n, highest);
 }

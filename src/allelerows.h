@@ -18,6 +18,7 @@ char *beginallelerows(outfile &out, int64 id, int64 n, int64 nrows = 1);
 void endallelerows(outfile &out, int64 n, int64 nrows = 1);
 // Writes a row.
 void writeallelerow(outfile &out, int64 id, const int8 *alleles, int64 n);
-// Goes to the next record, which may be in other columns, reads its alleles and gives its
-// identifier.
-int64 readallelerow(infile &in, int8 *alleles, int64 n);
+// Goes to the next record, which may be in other columns and must be that of the individual, and
+// reads its alleles or genotypes: from 0 to highest, or whatever they are.
+void readallelerow(infile &in, int64 id, int8 *alleles, int64 n, int8 highest);
+void readallelerow(infile &in, int64 id, int8 *alleles, int64 n);

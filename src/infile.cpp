@@ -4,6 +4,7 @@
 #include "stops.h"
 #include "textlayout.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
@@ -11,7 +12,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-void infile::open(const std::string &filename)
+void infile::open(const std::string &filename, author by)
 {
     close();
     name = filename;
@@ -25,6 +26,7 @@ void infile::open(const std::string &filename)
     buffer.resize(buffersize);
     begin = finish = 0;
     ended = false;
+    writtenby = by;
     nlines = 0;
     cursorstart = cursor = lineend = nullptr;
 }
@@ -84,6 +86,8 @@ bool infile::nextrecord()
     if (lineend > cursorstart && lineend[-1] == '\r') --lineend;
     cursor = cursorstart;
     ++nlines;
+    if (!haslineend && writtenby != author::user)
+        complain("the file was cut: this line has no line end");
     return true;
 }
 
@@ -98,6 +102,13 @@ void infile::skiprecords(int64 n)
     for (int64 i = 0; i < n; ++i) record();
 }
 
+void infile::stopifmore()
+{
+    while (nextrecord())
+        if (line().find_first_not_of(" \t,") != std::string_view::npos)
+            complain("the file should have ended before this line");
+}
+
 void infile::complain(std::string_view what) const
 {
     ioerror(name, "line " + std::to_string(nlines) + ": " + std::string(what));
@@ -108,6 +119,7 @@ std::string_view infile::nextword()
     for (;;) {
         while (cursor != lineend && isseparator(*cursor)) ++cursor;
         if (cursor != lineend) break;
+        if (writtenby == author::system && nlines > 0) complain("it has too few values");
         record();
     }
     const char *const first = cursor;
@@ -148,6 +160,15 @@ double infile::fraction()
 {
     const double value = real();
     if (value < 0 || value > 1) complain("a number from 0 to 1 is wanted");
+    return value;
+}
+
+int64 infile::within(int64 lowest, int64 highest)
+{
+    const int64 value = integer();
+    if (value < lowest || value > highest)
+        complain("a number from " + std::to_string(lowest) + " to " + std::to_string(highest) +
+                 " is wanted, not " + std::to_string(value));
     return value;
 }
 
@@ -235,4 +256,13 @@ void infile::alleles(int8 *values, int64 n)
         if (value < -128 || value > 127) complain("a genotype or allele is out of range");
         values[i++] = static_cast<int8>(value);
     }
+}
+
+void infile::alleles(int8 *values, int64 n, int8 highest)
+{
+    alleles(values, n);
+    unsigned char most = 0; // a negative one counts for more than 127
+    for (int64 i = 0; i < n; ++i) most = std::max(most, static_cast<unsigned char>(values[i]));
+    if (most > highest)
+        complain("an allele or genotype is out of the range 0 to " + std::to_string(highest));
 }

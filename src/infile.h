@@ -11,8 +11,12 @@
 #include <string_view>
 #include <vector>
 
+// Who wrote a file. Where it wasn't a user, a last line without a line end was cut; and the records
+// that the system itself writes aren't continued by the next ones.
+enum class author { user, program, system };
+
 // A file being read, record by record. Records end at a line end; a carriage return before it
-// is dropped, and a missing last line end is accepted.
+// is dropped, and a missing last line end is accepted in a user's file.
 //
 // A free-form read is record() followed by calls of integer(), real() and word(): values are
 // separated by blanks, tabs or commas, a record with too few values is continued by the next,
@@ -23,9 +27,9 @@ class infile
   public:
     infile() = default;
     // The file must exist.
-    explicit infile(const std::string &filename) { open(filename); }
+    explicit infile(const std::string &filename, author by = author::user) { open(filename, by); }
 
-    void open(const std::string &filename);
+    void open(const std::string &filename, author by = author::user);
     void close() { descriptor.close(); }
     bool isopen() const { return descriptor.isopen(); }
     const std::string &path() const { return name; }
@@ -37,6 +41,8 @@ class infile
     // Goes to the next record, which must exist.
     void record();
     void skiprecords(int64 n);
+    // The file must end here: a further record is an I/O error, unless it is blank.
+    void stopifmore();
     // The text of the current record, valid until the next one is gone to.
     std::string_view line() const
     {
@@ -54,6 +60,8 @@ class infile
     double real();
     // A real from 0 to 1: a frequency, a position on the chromosome.
     double fraction();
+    // An integer from lowest to highest.
+    int64 within(int64 lowest, int64 highest);
     // Any real: for files of the system's own that may hold NaN or infinities, where a trait has no
     // variance.
     double anyreal();
@@ -68,6 +76,8 @@ class infile
     void skipwords(int64 n);
     // n small integers (-128 to 127): alleles and genotypes, in two columns each or free-form.
     void alleles(int8 *values, int64 n);
+    // The same of alleles or genotypes from 0 to highest.
+    void alleles(int8 *values, int64 n, int8 highest);
     // An I/O error about the current record.
     [[noreturn]] void complain(std::string_view what) const;
 
@@ -79,6 +89,7 @@ class infile
     std::vector<char> buffer;          // the heap block moves along, pointers into it stay valid
     std::size_t begin = 0, finish = 0; // unread bytes of the buffer, from 0
     bool ended = false;
+    author writtenby = author::user;
     bool haslineend = true; // of the current record
     int64 nlines = 0;
     const char *cursorstart = nullptr; // current record

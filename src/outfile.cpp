@@ -3,6 +3,7 @@
 #include "shell.h"
 #include "stops.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -26,8 +27,12 @@ filedescriptor opentoextend(const std::string &path, int64 nkept, int flags = O_
     return openchecked(path, flags);
 }
 
-// Offset behind the first n line ends of an open file.
-off_t offsetbehindlines(int descriptor, const std::string &path, int64 n)
+// Offset behind the first n line ends of an open file. starts: where its last records begin.
+struct recordstarts {
+    int64 nrecords = 1;
+    off_t first = 0, last = 0;
+};
+off_t offsetbehindlines(int descriptor, const std::string &path, int64 n, recordstarts &starts)
 {
     std::vector<char> chunk(buffersize);
     off_t offset = 0;
@@ -44,10 +49,33 @@ off_t offsetbehindlines(int descriptor, const std::string &path, int64 n)
             if (!lineend) break;
             p = static_cast<const char *>(lineend) + 1;
             ++found;
+            if (found == n - starts.nrecords) starts.first = offset + (p - chunk.data());
+            if (found == n - 1) starts.last = offset + (p - chunk.data());
         }
         offset += found < n ? static_cast<off_t>(got) : static_cast<off_t>(p - chunk.data());
     }
     return offset;
+}
+// Record n of an open file, which begins at an offset, must be the one expected.
+void checkkeptrecord(int descriptor, const std::string &path, int64 n, off_t start,
+                     const keptrecords &wanted)
+{
+    constexpr std::size_t longest = 200; // the first words lie within
+    char text[longest];
+    const ssize_t got = ::pread(descriptor, text, longest, start);
+    if (got < 0) ioerrno(path, "can't read");
+    std::string_view rest(text, static_cast<std::size_t>(got));
+    rest = rest.substr(0, rest.find('\n'));
+    for (const int64 wantednumber : wanted.numbers) {
+        rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+        const std::string_view word = rest.substr(0, rest.find(' '));
+        rest.remove_prefix(word.size());
+        int64 number = 0;
+        if (wantednumber != 0 && (!readinteger(word, number) || number != wantednumber))
+            ioerror(path, "line " + std::to_string(n) + ": it is the record of \"" +
+                              std::string(word) + "\", that of " + std::to_string(wantednumber) +
+                              " is wanted, the last of earlier generations");
+    }
 }
 } // namespace
 
@@ -108,11 +136,17 @@ void outfile::openstandardoutput()
     if (!isopen()) ioerrno(name, "can't open for writing");
 }
 
-void outfile::openandkeep(const std::string &filename, int64 nlines)
+void outfile::openandkeep(const std::string &filename, int64 nlines, keptrecords last)
 {
     beginfile(filename);
     descriptor = opentoextend(name, nlines);
-    goonfrom(offsetbehindlines(descriptor, name, nlines));
+    recordstarts starts{last.nrecords};
+    const off_t offset = offsetbehindlines(descriptor, name, nlines, starts);
+    if (nlines > 0) {
+        checkkeptrecord(descriptor, name, nlines - last.nrecords + 1, starts.first, last);
+        checkkeptrecord(descriptor, name, nlines, starts.last, last);
+    }
+    goonfrom(offset);
 }
 
 namespace
@@ -132,7 +166,9 @@ void checklineend(int descriptor, const std::string &name, int64 nlines, off_t o
 
 void checkkept(const std::string &filename, int64 nlines)
 {
-    if (nlines > 0) offsetbehindlines(opentoextend(filename, nlines, O_RDONLY), filename, nlines);
+    recordstarts unused;
+    if (nlines > 0)
+        offsetbehindlines(opentoextend(filename, nlines, O_RDONLY), filename, nlines, unused);
 }
 
 void checkkeptfixed(const std::string &filename, int64 nlines, int64 recordlength,
@@ -144,12 +180,16 @@ void checkkeptfixed(const std::string &filename, int64 nlines, int64 recordlengt
 }
 
 void outfile::openandkeepfixed(const std::string &filename, int64 nlines, int64 recordlength,
-                               int64 headerlength)
+                               int64 headerlength, keptrecords last)
 {
     beginfile(filename);
     const off_t offset = static_cast<off_t>(headerlength + nlines * recordlength);
     descriptor = opentoextend(name, offset);
     checklineend(descriptor, name, nlines, offset);
+    if (nlines > 0)
+        for (const int64 back : {last.nrecords, int64{1}})
+            checkkeptrecord(descriptor, name, nlines - back + 1 + (headerlength > 0 ? 1 : 0),
+                            offset - static_cast<off_t>(back * recordlength), last);
     goonfrom(offset);
 }
 

@@ -9,9 +9,16 @@
 #include "descriptors.h"
 #include "textlayout.h"
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
+
+// What the last records that are kept begin with: numbers, 0 for whatever stands there; in how many.
+struct keptrecords {
+    std::array<int64, 3> numbers{};
+    int64 nrecords = 1;
+};
 
 // A file being written through one large buffer. Closed by close(), which reports what the
 // system could not write; a file destroyed unclosed (on the way out of a stop) is flushed
@@ -35,12 +42,13 @@ class outfile
     // Opens for writing on behind the first nlines records, found by their line ends; creates the
     // file if there is none and nothing is to be kept. What stood behind is dropped. A file with
     // fewer records, or none, is an I/O error, which tells of a compressed form where there is one.
-    // Earlier records are passed over by scanning for line ends, never parsed.
-    void openandkeep(const std::string &filename, int64 nlines);
+    // Earlier records are passed over by scanning for line ends, never parsed; but the last of them
+    // must be those that are expected there, which a missing or doubled one before them shifts.
+    void openandkeep(const std::string &filename, int64 nlines, keptrecords last = {});
     // The same where every record has the same known length (line end included): one seek. The
     // line end before the place is checked. headerlength: bytes of a title before the records.
     void openandkeepfixed(const std::string &filename, int64 nlines, int64 recordlength,
-                          int64 headerlength = 0);
+                          int64 headerlength = 0, keptrecords last = {});
 
     bool isopen() const { return descriptor.isopen(); }
     const std::string &path() const { return name; }

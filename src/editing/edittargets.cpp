@@ -80,28 +80,32 @@ void writeqtvgefile(const std::string &path, const array1<qtv> &qtvarray,
 
 void readaddeff(const state &s, array1<qtv> &qtvarray)
 {
-    infile in(additiveeffectfile(setofselection(s)));
+    infile in(additiveeffectfile(setofselection(s)), author::system);
     in.skiprecords(1);
+    int64 id = 0;
     for (qtv &q : qtvarray) {
         in.record();
-        q.id = in.integer();
+        in.identifier(++id, "QTN");
+        q.id = id;
         q.chromosome = in.integer();
         q.snpid = in.integer();
         q.addeff = q.addeffnorm = in.real();
         if (s.qtn.nqtngamma > 0) q.addeffgamma = in.real();
     }
+    in.stopifmore();
 }
 
 void readfreq(const state &s, int64 gen, array1<qtv> &qtvarray)
 {
     int64 q = 0;
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        infile in(frequencyfile(h, setofselection(s), gen - 1));
+        infile in(frequencyfile(h, setofselection(s), gen - 1), author::system);
         for (int64 onchrom = 1; onchrom <= s.loci.nqtnonthischrom(h); ++onchrom) {
-            in.record();
-            in.skipwords(2);
             qtv &at = qtvarray(++q);
-            qtveffect(at.addeff, in.real(), at.favallele, at.favallelefreq);
+            in.record();
+            in.skipwords(1);
+            in.identifier(at.snpid, "site");
+            qtveffect(at.addeff, in.fraction(), at.favallele, at.favallelefreq);
         }
     }
 }
@@ -157,15 +161,16 @@ void runge(const state &s, int64 selcycle, int64 gen)
 void readeditlist(state &s, int64 selcycle, int64 gen)
 {
     editdata &edits = s.edits;
-    infile in(editlistfile(s, selcycle, gen));
+    infile in(editlistfile(s, selcycle, gen), author::system);
     in.skiprecords(1);
     for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
         in.record();
-        in.skipwords(1);
-        edits.qtnidsortedbyabsvalrecodedid(q) = in.integer();
+        in.identifier(q, "line");
+        edits.qtnidsortedbyabsvalrecodedid(q) = in.within(1, s.loci.ntotqtn);
         edits.qtnidsortedbyabsvalchrom(q) = in.integer();
         edits.qtnidsortedbyabsval(q) = in.integer();
         edits.qtnforgeneditposneg(q) = in.integer();
         edits.qtnidsortedbyabsvalmutindivid(q) = in.integer();
     }
+    in.stopifmore();
 }

@@ -68,12 +68,16 @@ parentgenotypes readgenotypes(const state &s, int64 parentgen)
     int64 before = 0; // QTN on the chromosomes before
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         const int64 n = s.loci.nqtnonthischrom(h);
-        infile in(genotypefile(h, setofselection(s), parentgen));
-        for (const int64 column : parents.columnof)
+        infile in(genotypefile(h, setofselection(s), parentgen), author::system);
+        int64 id = firstindivofgen(s, parentgen) - 1;
+        for (const int64 column : parents.columnof) {
+            ++id;
             if (column == 0)
                 in.record();
             else
-                readallelerow(in, parents.genotypes.column(column) + before, n);
+                readallelerow(in, id, parents.genotypes.column(column) + before, n, 2);
+        }
+        in.stopifmore();
         before += n;
     }
     return parents;

@@ -135,7 +135,7 @@ void readestimates(const state &s, int64 selectioncycle, const std::string &name
     if (!pathexists(path))
         ioerror(path,
                 "was not made by the prediction program; " + lookinlog(selectioncycle, logname));
-    infile in(path);
+    infile in(path, author::program);
     const int64 n = s.cycle.ntestindiv;
     std::vector<bool> known(static_cast<std::size_t>(n));
     for (int64 i = 0; i < n; ++i) {
@@ -160,11 +160,12 @@ void multiplysolutions(const state &s, int64 selectioncycle, const std::string &
     const int64 nloci = s.loci.nsnpforsel;
     const array1<double> snpsol = readsolutions(s, folder + solutions);
     array1<double> tmpgenosvec(nloci);
-    infile genotypefile(folder + genotypes);
+    infile genotypefile(folder + genotypes, author::system);
     valuefile out(selectioncycle, target);
     for (int64 i = 0; i < s.cycle.ntestindiv; ++i) {
         genotypefile.record();
-        const int64 id = genotypefile.integer();
+        const int64 id = s.cycle.starttestindiv + i;
+        genotypefile.identifier(id, "individual");
         genotypefile.reals(tmpgenosvec.data(), nloci);
         double sum = 0;
         for (int64 m = 1; m <= nloci; ++m) sum += tmpgenosvec(m) * snpsol(m);
@@ -223,7 +224,7 @@ void readquillomerepebvs(state &s, int64 selectioncycle, int64 selectedtrait)
     const std::string folder = cyclefolder(selectioncycle), trait = numbertext(selectedtrait);
     const std::string path = folder + pedigreeestimates(selectedtrait);
     if (!pathexists(path)) outfile(path).close();
-    infile in(path);
+    infile in(path, author::program);
     outfile out(folder + "EBVsReadIn" + trait + ".txt");
     const int64 pedfirstindiv = firstindivofgen(s, firstpedigreegen(s));
     const int64 firsttestindiv = firstindivofgen(s, s.pop.ngen + selectioncycle - 1);
@@ -233,7 +234,9 @@ void readquillomerepebvs(state &s, int64 selectioncycle, int64 selectedtrait)
     while (i < cycle.ntestindiv && in.nextrecord() && readpair(in.line(), tmpindiv, tmppebv)) {
         const int64 row = pedfirstindiv + tmpindiv - 1;
         if (row < firsttestindiv) continue;
-        if (row != firsttestindiv + i)
+        // A user's pedigree may have given the candidates identifiers that aren't their rows.
+        const bool isrow = s.pedi.ped(firsttestindiv + i).newid == firsttestindiv + i;
+        if (isrow && row != firsttestindiv + i)
             in.complain("it is the estimate of individual " + numbertext(row) + ", that of " +
                         numbertext(firsttestindiv + i) + " is wanted");
         if (!std::isfinite(tmppebv)) in.complain("a finite number is wanted");

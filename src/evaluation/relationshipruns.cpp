@@ -27,7 +27,7 @@ std::string resultfile(int64 selectioncycle, const char *name)
 infile openresult(const std::string &path, int64 selectioncycle, const char *log)
 {
     if (!pathexists(path)) ioerror(path, "was not made; " + lookinlog(selectioncycle, log));
-    return infile(path);
+    return infile(path, author::program);
 }
 
 bool areonqtn(const state &s)
@@ -145,9 +145,13 @@ std::vector<double> averagerelationships(int64 selectioncycle,
     infile in = openresult(matrixfile(selectioncycle), selectioncycle, brenvasklog);
     std::vector<double> averages(vectors.size(), 0.0);
     array1<double> row(n);
+    int64 first = 0;
     for (int64 i = 1; i <= n; ++i) {
         in.record();
-        in.skipwords(1);
+        if (i == 1)
+            first = in.integer();
+        else
+            in.identifier(first + i - 1, "individual"); // in the order of their genotypes
         in.reals(row.data(), n);
         for (std::size_t v = 0; v < vectors.size(); ++v) {
             const array1<double> &x = vectors[v];
@@ -169,9 +173,12 @@ frontierends readfrontier(int64 selectioncycle)
     if (nlambda < 1) ioerror(path, "holds no solution; " + lookinlog(selectioncycle, corvalindlog));
     frontierends ends;
     in.record(); // the title
+    int64 before = 0;
     for (int64 r = 1; r <= nlambda; ++r) {
         in.record();
-        in.integer();
+        const int64 solution = in.integer();
+        if (r > 1 && solution == before) in.complain("a second line of this solution");
+        before = solution;
         in.real();
         ends.finalxax = in.real();
         in.real();

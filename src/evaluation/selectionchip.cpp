@@ -13,23 +13,23 @@
 namespace
 {
 // The next n alleles of both phases of an individual, from place at (from 0) on.
-void readphases(infile &in, array2<int8> &phases, int64 at, int64 n)
+void readphases(infile &in, int64 individ, array2<int8> &phases, int64 at, int64 n)
 {
-    for (int64 m = 1; m <= 2; ++m) readallelerow(in, phases.column(m) + at, n);
+    for (int64 m = 1; m <= 2; ++m) readallelerow(in, individ, phases.column(m) + at, n, 1);
 }
 
-void readindividual(const state &s, generationphases &phases)
+void readindividual(const state &s, generationphases &phases, int64 individ)
 {
     int64 at = 0;
     for (std::size_t h = 0; h < phases.chip.size(); ++h) {
         const int64 n = s.loci.nsnponthischipchrom(s.chips.tmpchip, static_cast<int64>(h) + 1);
-        readphases(phases.chip[h], phases.snpalleles, at, n);
+        readphases(phases.chip[h], individ, phases.snpalleles, at, n);
         at += n;
     }
     at = 0;
     for (std::size_t h = 0; h < phases.qtn.size(); ++h) {
         const int64 n = s.loci.nqtnonthischrom(static_cast<int64>(h) + 1);
-        readphases(phases.qtn[h], phases.qtnalleles, at, n);
+        readphases(phases.qtn[h], individ, phases.qtnalleles, at, n);
         at += n;
     }
 }
@@ -107,8 +107,11 @@ void writetrainingindividual(state &s, selectionchipfiles &files, const generati
 
 void rewind(generationphases &phases)
 {
-    for (infile &in : phases.chip) in.rewind();
-    for (infile &in : phases.qtn) in.rewind();
+    for (std::vector<infile> *files : {&phases.chip, &phases.qtn})
+        for (infile &in : *files) {
+            in.stopifmore();
+            in.rewind();
+        }
 }
 
 std::string chipname(const state &s)
@@ -166,8 +169,9 @@ generationphases openphases(const state &s, int64 gen)
     phases.snpalleles.allocate(s.loci.nsnp, 2);
     if (areqtnadded(s)) phases.qtnalleles.allocate(s.loci.ntotqtn, 2);
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        phases.chip.emplace_back(phasefile(h, siteset(s.chips.tmpchip), gen));
-        if (areqtnadded(s)) phases.qtn.emplace_back(phasefile(h, setofselection(s), gen));
+        phases.chip.emplace_back(phasefile(h, siteset(s.chips.tmpchip), gen), author::system);
+        if (areqtnadded(s))
+            phases.qtn.emplace_back(phasefile(h, setofselection(s), gen), author::system);
     }
     return phases;
 }
@@ -176,7 +180,7 @@ void writetrainingchip(state &s, selectionchipfiles &files, generationphases &ph
                        int64 startindiv, int64 endindiv)
 {
     for (int64 i = startindiv; i <= endindiv; ++i) {
-        readindividual(s, phases);
+        readindividual(s, phases, i);
         writetrainingindividual(s, files, phases, i);
     }
     rewind(phases);
@@ -186,7 +190,7 @@ void writetestchip(state &s, selectionchipfiles &files, generationphases &phases
                    int64 endindiv)
 {
     for (int64 i = startindiv; i <= endindiv; ++i) {
-        readindividual(s, phases);
+        readindividual(s, phases, i);
         if (i >= s.cycle.starttestindiv && i <= s.cycle.endtestindiv)
             writegenotyperecord(s, files.genotypetest, phases, i);
     }

@@ -33,24 +33,38 @@ void writefixedsnp(state &s, int64 selectioncycle)
     out.close();
 }
 
+author trainingauthor(const state &s)
+{
+    return s.selection.externsolonoff ? author::user : author::program;
+}
+
 void readfixedsnp(state &s, const std::string &folder)
 {
-    infile in(folder + fixedsnpfile);
+    infile in(folder + fixedsnpfile, trainingauthor(s));
+    const bool own = trainingauthor(s) != author::user;
     for (int64 j = 1; j <= s.loci.nsnpforsel; ++j) {
         in.record();
-        s.cycle.fixedsnp(j) = in.integer();
+        s.cycle.fixedsnp(j) = own ? in.within(0, 1) : in.integer();
     }
+    if (own) in.stopifmore();
 }
 
 array1<double> readsolutions(const state &s, const std::string &path)
 {
     array1<double> solutions(s.loci.nsnpforsel);
-    infile in(path);
+    infile in(path, trainingauthor(s));
+    const bool own = trainingauthor(s) != author::user;
+    int64 locus = 0;
     for (double &solution : solutions) {
         in.record();
-        in.skipwords(1);
+        ++locus;
+        if (own)
+            in.identifier(locus, "SNP");
+        else
+            in.skipwords(1);
         solution = in.real();
     }
+    if (own) in.stopifmore();
     return solutions;
 }
 

@@ -22,6 +22,8 @@ constexpr const char *fixedsnpfile = "FixedSnp.txt";
 // twice the number of training individuals.
 void writefixedsnp(state &s, int64 selectioncycle);
 // Reads that of a folder, a name with its slash, into fixedsnp.
+// Who made the files of a training: this system's runs, or a user, whose odd records are let pass.
+author trainingauthor(const state &s);
 void readfixedsnp(state &s, const std::string &folder);
 // The solutions of a file, one for each locus.
 array1<double> readsolutions(const state &s, const std::string &path);

@@ -40,6 +40,7 @@ textline layoutscaledfields(const state &s, const std::string &folder)
 {
     textline fields;
     fields.reserve(static_cast<std::size_t>(s.loci.nsnpforsel * ncodes * fieldwidth));
+    const author by = trainingauthor(s);
     infile
         frequencies; // opened with the first locus that segregates: a training by pedigree has none
     for (int64 j = 1; j <= s.loci.nsnpforsel; ++j) {
@@ -47,11 +48,15 @@ textline layoutscaledfields(const state &s, const std::string &folder)
             appendzerofields(fields);
             continue;
         }
-        if (!frequencies.isopen()) frequencies.open(folder + trainingfrequencies);
+        if (!frequencies.isopen()) frequencies.open(folder + trainingfrequencies, by);
         frequencies.record();
-        frequencies.skipwords(1);
+        if (by == author::user)
+            frequencies.skipwords(1);
+        else
+            frequencies.identifier(j, "SNP");
         appendscaledfields(fields, static_cast<float>(frequencies.real()));
     }
+    if (by != author::user && frequencies.isopen()) frequencies.stopifmore();
     return fields;
 }
 
@@ -62,12 +67,13 @@ void scalegenottestingdata(state &s, int64 selectioncycle, int64 runid)
     readfixedsnp(s, folder);
     const textline fields = layoutscaledfields(s, folder);
 
-    infile in(folder + testgenotypes(s));
+    infile in(folder + testgenotypes(s), author::system);
     outfile out(folder + scaledgenotypes(s, runid));
     std::vector<int8> genotypes(static_cast<std::size_t>(nloci));
     textline id;
-    for (int64 i = 1; i <= s.cycle.ntestindiv; ++i) {
-        puti(id, readallelerow(in, genotypes.data(), nloci), 20);
+    for (int64 i = s.cycle.starttestindiv; i <= s.cycle.endtestindiv; ++i) {
+        readallelerow(in, i, genotypes.data(), nloci);
+        puti(id, i, 20);
         out.write(id);
         id.clear();
         const char *from = fields.data();
@@ -86,13 +92,14 @@ void writetestingqtngenotypes(state &s, int64 selectioncycle, int64 testgen,
                               int64 tmpstarttestindiv)
 {
     const bool lastgeneration = testgen == s.pop.ngen + selectioncycle;
-    infile in(qtngenotypefile(setofselection(s)));
+    infile in(qtngenotypefile(setofselection(s)), author::system);
     outfile out(cyclefolder(selectioncycle) +
                 (lastgeneration ? lastqtngenotypes : testqtngenotypes));
     std::vector<int8> genotypes(static_cast<std::size_t>(s.loci.ntotqtn));
     in.skiprecords(tmpstarttestindiv - 1);
     for (int64 i = 1; i <= s.pedi.nindivinthisgen(testgen); ++i) {
-        const int64 id = readallelerow(in, genotypes.data(), s.loci.ntotqtn);
+        const int64 id = tmpstarttestindiv + i - 1;
+        readallelerow(in, id, genotypes.data(), s.loci.ntotqtn, 2);
         writeallelerow(out, id, genotypes.data(), s.loci.ntotqtn);
     }
     out.close();

@@ -13,10 +13,11 @@ int64 readsegsites(int64 chrom)
                       "the messages of macs in " +
                           std::string(macsmessages) +
                           " of the same folder, and those of Vintrecaskelle above");
-    infile in(path);
+    infile in(path, author::program);
     in.record();
     const int64 nsites = in.integer();
     if (nsites < 0) in.complain("the number of sites is negative");
+    in.stopifmore();
     return nsites;
 }
 
@@ -57,7 +58,7 @@ void countsites(state &s, int64 chrom, arrayscope &arrays)
 void readphysicalmap(state &s, int64 chrom)
 {
     segregatingsites &sites = s.sites;
-    infile in(simulatedmapfile(chrom));
+    infile in(simulatedmapfile(chrom), author::program);
     if (sites.nsegregtmp > 0) in.record();
     double behind = 0;
     for (int64 k = 1; k <= sites.nsegregtmp; ++k) {
@@ -65,4 +66,5 @@ void readphysicalmap(state &s, int64 chrom)
         if (position < behind) in.complain("positions must rise along the chromosome");
         behind = sites.allphysicalmap(sites.tmpwrk(k)) = position;
     }
+    in.stopifmore();
 }

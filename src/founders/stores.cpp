@@ -107,20 +107,26 @@ namespace
 {
 void readsitesincluded(state &s, int64 chrom, const std::string &folder)
 {
-    infile in(sitesincludedfile(chrom, folder));
+    infile in(sitesincludedfile(chrom, folder), author::system);
     in.record();
     s.sites.nsegreginclglobal(chrom) = in.integer();
+    if (s.sites.nsegreginclglobal(chrom) < 0 ||
+        s.sites.nsegreginclglobal(chrom) % lociperblock != 0)
+        in.complain("the number of sites isn't that of whole blocks of " +
+                    numbertext(lociperblock));
+    in.stopifmore();
 }
 
 void readsitecounts(state &s, int64 chrom, const std::string &folder)
 {
-    infile in(sitenumbersfile(chrom, folder));
+    infile in(sitenumbersfile(chrom, folder), author::system);
+    const int64 nsites = s.sites.nsegreginclglobal(chrom);
     const auto row = [&](array1<int64> &nqtnofset) {
         in.record();
-        nqtnofset(chrom) = in.integer();
-        s.sites.nmutinclglobal(chrom) = in.integer();
+        nqtnofset(chrom) = in.within(0, nsites);
+        s.sites.nmutinclglobal(chrom) = in.within(0, nsites);
         for (int64 chip = 1; chip <= s.chips.nchip; ++chip)
-            s.loci.nsnponthischipchrom(chip, chrom) = in.integer();
+            s.loci.nsnponthischipchrom(chip, chrom) = in.within(0, nsites);
     };
     row(s.loci.nqtnonthischrom);
     if (s.selection.recombselonoff) row(s.loci.nqtnrecombonthischrom);
@@ -128,6 +134,7 @@ void readsitecounts(state &s, int64 chrom, const std::string &folder)
         in.complain("holds " + numbertext(s.sites.nmutinclglobal(chrom)) +
                     " included mutations where the specification has " +
                     numbertext(s.founders.ndenovomutperchr) + " mutations per chromosome");
+    in.stopifmore();
 }
 
 denovomutation mutationofrecord(infile &in)
@@ -135,6 +142,7 @@ denovomutation mutationofrecord(infile &in)
     denovomutation row;
     for (int64 *field : {&row.slot, &row.carrier, &row.gamete, &row.block, &row.site})
         *field = in.integer();
+    if (row.gamete != 1 && row.gamete != 2) in.complain("a gamete is 1 or 2");
     return row;
 }
 
@@ -142,22 +150,27 @@ void readdenovoinfo(state &s, int64 chrom, const std::string &folder)
 {
     s.sites.denovoinfo(chrom).clear(); // a merge reads the stores of one folder after the other
     if (s.sites.nmutinclglobal(chrom) <= 0) return;
-    infile in(mutationsfile(chrom, folder));
+    infile in(mutationsfile(chrom, folder), author::system);
+    int64 before = 0;
     for (int64 j = 1; j <= s.sites.nmutinclglobal(chrom); ++j) {
         in.record();
-        s.sites.denovoinfo(chrom).push_back(mutationofrecord(in));
+        const denovomutation row = mutationofrecord(in);
+        if (row.slot <= before) in.complain("the mutations' slots must ascend");
+        before = row.slot;
+        s.sites.denovoinfo(chrom).push_back(row);
     }
 }
 
 void readindivmutindicator(state &s, int64 chrom, const std::string &folder)
 {
-    infile in(carriersfile(chrom, folder));
+    infile in(carriersfile(chrom, folder), author::system);
     int64 nrows = 0;
     while (in.nextrecord()) {
         if (in.line().find_first_not_of(" \t") == std::string_view::npos) continue;
-        if (++nrows > s.pop.nindivp) continue; // this run ends with fewer individuals
-        in.integer();                          // the individual's number is the row's
-        s.sites.indivmutindicator(chrom, nrows) = static_cast<int8>(in.integer());
+        in.identifier(++nrows, "individual");
+        const int64 carries = in.within(0, 1);
+        if (nrows > s.pop.nindivp) continue; // this run ends with fewer individuals
+        s.sites.indivmutindicator(chrom, nrows) = static_cast<int8>(carries);
     }
     s.sites.nindivpinit = nrows;
 }
@@ -191,32 +204,36 @@ void readsegsitesdatafromallchrom(state &s, const std::string &runfolder)
 std::vector<denovomutation> readmutations(int64 chrom, const std::string &runfolder)
 {
     std::vector<denovomutation> rows;
-    infile in(mutationsfile(chrom, runfolder));
+    infile in(mutationsfile(chrom, runfolder), author::system);
     while (in.nextrecord()) rows.push_back(mutationofrecord(in));
     return rows;
 }
 
 void readsegsitesdataperchrom(state &s, int64 chrom)
 {
-    infile in(includedmapfile(chrom));
+    infile in(includedmapfile(chrom), author::system);
     for (int64 i = 1; i <= s.sites.nsegregincl; ++i) {
         in.record();
         in.identifier(i, "site");
         s.sites.inclsnpid(i) = in.integer();
         s.sites.inclphysicalmap(i) = in.fraction();
-        s.sites.inclmutindicator(i) = in.integer();
+        s.sites.inclmutindicator(i) = in.within(0, 1);
         s.sites.inclmutindicatorindivid(i) = in.integer();
     }
+    in.stopifmore();
 }
 
 array1<double> readincludedmap(int64 chrom, int64 nsegregincl)
 {
     array1<double> map(nsegregincl);
-    infile in(includedmapfile(chrom));
+    infile in(includedmapfile(chrom), author::system);
+    int64 site = 0;
     for (double &position : map) {
         in.record();
-        in.skipwords(2); // site and slot
+        in.identifier(++site, "site");
+        in.skipwords(1); // its slot
         position = in.fraction();
     }
+    in.stopifmore();
     return map;
 }

@@ -4,10 +4,10 @@
 
 #include <cstdio>
 
-void crossingfiles::open(int64 chrom, int64 firstindiv)
+void crossingfiles::open(int64 chrom, int64 firstindiv, int64 newidbefore)
 {
-    tracking.openandkeep(trackingfile(chrom), 2 * (firstindiv - 1));
-    counts.openandkeep(recombinationcounts, firstindiv - 1);
+    tracking.openandkeep(trackingfile(chrom), 2 * (firstindiv - 1), {{newidbefore}, 2});
+    counts.openandkeep(recombinationcounts, firstindiv - 1, {{firstindiv - 1}});
 }
 
 void crossingfiles::writegamete(int64 newid, int64 strand, int64 ncrossings,
@@ -34,10 +34,10 @@ void crossingfiles::close()
 
 void readrecombcounts(state &s, int64 n)
 {
-    infile in(recombinationcounts);
+    infile in(recombinationcounts, author::system);
     for (int64 i = 1; i <= n; ++i) {
         in.record();
-        in.skipwords(1);
+        in.identifier(i, "individual");
         for (int64 side = 1; side <= 2; ++side) s.haplo.recombcount(i, side) = in.integer();
     }
 }
@@ -45,12 +45,14 @@ void readrecombcounts(state &s, int64 n)
 array1<int64> readhighestcrossings(int64 nchrom, const std::string &path)
 {
     array1<int64> highest(nchrom);
-    infile in(path);
+    infile in(path, author::system);
+    int64 chrom = 0;
     for (int64 &site : highest) {
         in.record();
-        in.skipwords(1);
+        in.identifier(++chrom, "chromosome");
         site = in.integer();
     }
+    in.stopifmore();
     return highest;
 }
 

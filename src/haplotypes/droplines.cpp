@@ -7,7 +7,7 @@
 
 void opendrop(state &s, dropwork &work, int64 chrom, int64 startindiv)
 {
-    work.files.open(chrom, startindiv);
+    work.files.open(chrom, startindiv, startindiv > 1 ? s.pedi.ped(startindiv - 1).newid : 0);
     assert(startindiv >= 1 && startindiv <= s.pop.nindivp);
     work.recomblocation.allocate(s.haplo.nblock, -99);
 }

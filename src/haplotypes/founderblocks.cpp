@@ -44,8 +44,11 @@ void packhaplotypes(state &s, int64 chrom)
     std::vector<int8> tmphapin(static_cast<std::size_t>(s.sites.nsegregtmp + 1), 0);
     int8 chunk[lociperblock];
 
-    infile in(founderhaplotypesfile(chrom));
+    infile in(founderhaplotypesfile(chrom), author::program);
     const int64 nhaplos = countlines(in);
+    if (nhaplos != s.founders.nhaps && s.sites.nsegregtmp > 0)
+        ioerror(in.path(), "holds " + numbertext(nhaplos) + " haplotypes where " +
+                               numbertext(s.founders.nhaps) + " were asked for");
     haplotypes.allocate(nhaplos, s.haplo.nblock);
     outfile out(includedhaplotypesfile(chrom));
     for (int64 h = 1; h <= nhaplos; ++h) {

@@ -116,13 +116,15 @@ void writesiteinformation(state &s, const std::string &path, const sitelist &sit
 
 sitelist readsites(const std::string &path, int64 nsites, int64 nsegregincl)
 {
-    infile in(path);
+    infile in(path, author::system);
     sitelist sites;
     sites.reserve(static_cast<std::size_t>(nsites));
-    int64 previous = 0;
+    int64 previous = 0, before = 0;
     for (int64 i = 1; i <= nsites; ++i) {
         in.record();
-        in.integer(); // the rank
+        const int64 rank = in.integer(); // behind a merge, among the sites of all chromosomes
+        if (i == 1) before = rank - 1;
+        if (rank != before + i) in.complain("the sites must be numbered one after the other");
         const int64 site = in.integer();
         in.skipwords(2);
         if (site <= previous) in.complain("the sites must ascend");
@@ -131,6 +133,7 @@ sitelist readsites(const std::string &path, int64 nsites, int64 nsegregincl)
                         std::to_string(nsegregincl) + " sites of the chromosome");
         sites.push_back(previous = site);
     }
+    in.stopifmore();
     return sites;
 }
 

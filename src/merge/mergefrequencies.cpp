@@ -38,23 +38,25 @@ std::string wholegenomegenotypes(siteset of)
 
 void readinformation(sitetable &table, int64 nsites)
 {
-    infile in(wholegenomefile(table.of));
+    infile in(wholegenomefile(table.of), author::system);
     in.record();
     table.title = in.line();
     for (int64 k = 1; k <= nsites; ++k) {
         siteinformation site;
         in.record();
-        site.number = in.integer();
+        in.identifier(k, "site");
+        site.number = k;
         site.chrom = in.integer();
         site.site = in.integer();
         in.skipwords(table.of.ischip() ? 1 : 2); // the frequencies of before
-        site.position = in.real();
+        site.position = in.fraction();
         if (!table.of.ischip()) {
             site.mutation = in.integer();
             site.carrier = in.integer();
         }
         table.sites.push_back(site);
     }
+    in.stopifmore();
 }
 
 // Counts a column of genotypes by value, row by row.
@@ -62,9 +64,9 @@ class genotypecounter
 {
   public:
     explicit genotypecounter(std::size_t nsites) : counts(nsites), row(nsites) {}
-    void read(infile &in)
+    void read(infile &in, int64 id)
     {
-        readallelerow(in, row.data(), static_cast<int64>(row.size()));
+        readallelerow(in, id, row.data(), static_cast<int64>(row.size()));
         for (std::size_t k = 0; k < row.size(); ++k) {
             genotypecounts &c = counts[k];
             c.n0 += row[k] == 0;
@@ -82,9 +84,9 @@ class genotypecounter
 
 void countfrequencies(sitetable &table, int64 nindividuals)
 {
-    infile in(wholegenomegenotypes(table.of));
+    infile in(wholegenomegenotypes(table.of), author::system);
     genotypecounter counts(table.sites.size());
-    for (int64 i = 1; i <= nindividuals; ++i) counts.read(in);
+    for (int64 i = 1; i <= nindividuals; ++i) counts.read(in, i);
     for (std::size_t k = 0; k < table.sites.size(); ++k)
         calcallelefreqmerge(counts[k], table.sites[k].maf, table.sites[k].het, table.sites[k].freq);
 }
@@ -184,24 +186,25 @@ void calculatenewnbindivigen(int64 nindividuals)
 
 namespace
 {
-void writesetfrequencies(const state &s, qtnset set, int64 chrom, int64 gen, int64 nindividuals)
+void writesetfrequencies(const state &s, qtnset set, int64 chrom, int64 gen, int64 firstindiv,
+                         int64 nindividuals)
 {
     const sitelist sites = readsites(informationfile(chrom, set), nsitesonchrom(s, set, chrom),
                                      s.sites.nsegreginclglobal(chrom));
-    infile in(genotypefile(chrom, set, gen));
+    infile in(genotypefile(chrom, set, gen), author::system);
     genotypecounter counts(sites.size());
-    for (int64 i = 1; i <= nindividuals; ++i) counts.read(in);
+    for (int64 i = 0; i < nindividuals; ++i) counts.read(in, firstindiv + i);
     std::vector<int64> sums;
     for (std::size_t q = 0; q < sites.size(); ++q) sums.push_back(counts[q].n1 + 2 * counts[q].n2);
     writeqtnfrequencies(chrom, set, gen, sites, sums, nindividuals);
 }
 } // namespace
 
-void writegenerationfrequencies(const state &s, int64 gen, int64 nindividuals)
+void writegenerationfrequencies(const state &s, int64 gen, int64 firstindiv, int64 nindividuals)
 {
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         for (const qtnset set : setsinuse(s))
             if (gen > 1 || set == qtnset::recombination)
-                writesetfrequencies(s, set, h, gen, nindividuals);
+                writesetfrequencies(s, set, h, gen, firstindiv, nindividuals);
     }
 }

@@ -37,4 +37,4 @@ void calculatenewnbindivigen(int64 nindividuals);
 // Writes the allele frequencies of the QTN within a merged generation of nindividuals, for each
 // chromosome and set: <...>AlleleFreqGeneration<gen>.txt, as a gene drop leaves it. In generation 1
 // only those of the recombination QTN.
-void writegenerationfrequencies(const state &s, int64 gen, int64 nindividuals);
+void writegenerationfrequencies(const state &s, int64 gen, int64 firstindiv, int64 nindividuals);

@@ -191,8 +191,9 @@ void refreshcounts(state &s, const mergeplan &plan)
     calculatenewnbindivigen(nindividuals);
 
     const std::vector<int64> sizes = generationsizes(plan);
-    for (std::size_t g = 1; g <= sizes.size(); ++g)
-        writegenerationfrequencies(s, static_cast<int64>(g), sizes[g - 1]);
+    int64 firstindiv = 1;
+    for (std::size_t g = 1; g <= sizes.size(); firstindiv += sizes[g - 1], ++g)
+        writegenerationfrequencies(s, static_cast<int64>(g), firstindiv, sizes[g - 1]);
     mergehighestcrossings(s, plan);
     mergemutations(s, plan);
     setgenerations(s, sizes);

@@ -45,9 +45,25 @@ void readpedigreeline(infile &in, pedigreeline &row, int64 rownumber)
 
 void readpedigree(state &s, int64 n)
 {
-    infile in(pedigreetable);
+    infile in(pedigreetable, author::system);
     in.skiprecords(1);
-    for (int64 i = 1; i <= n; ++i) readpedigreeline(in, s.pedi.ped(i), i);
+    std::string before;
+    int64 gen = 1;
+    for (int64 i = 1; i <= n; ++i) {
+        pedigreeline &row = s.pedi.ped(i);
+        readpedigreeline(in, row, i);
+        while (i > lastindivofgen(s, gen)) ++gen;
+        if (row.generation != gen)
+            in.complain("generation " + numbertext(gen) + " is wanted for individual " +
+                        numbertext(i) + ", not " + numbertext(row.generation));
+        // From the cycles on, a user's pedigree may have given identifiers of its own.
+        if (gen <= s.pop.ngen ? row.newid != i : in.line() == before)
+            in.complain("it isn't the record of individual " + numbertext(i));
+        for (const int64 parent : {row.newsire, row.newdam})
+            if (parent < 0 || parent >= i)
+                in.complain("parent " + numbertext(parent) + " doesn't stand on an earlier line");
+        before = in.line();
+    }
 }
 
 namespace
@@ -132,11 +148,15 @@ void writefourcolumns(int64 n)
 std::vector<genderline> readgenderlines(int64 n)
 {
     std::vector<genderline> lines(static_cast<std::size_t>(n));
-    infile in(gendertable);
+    infile in(gendertable, author::system);
     in.skiprecords(1);
+    int64 row = 0;
     for (genderline &line : lines) {
         in.record();
-        for (int64 *value : {&line.generation, &line.row, &line.gender}) *value = in.integer();
+        line.generation = in.integer();
+        line.row = ++row;
+        in.identifier(row, "individual");
+        line.gender = in.within(0, 2);
     }
     return lines;
 }
@@ -148,7 +168,8 @@ void writegenders(const state &s)
         out.open(gendertable);
         out.writeline("          Generation               Indiv               Gender");
     } else {
-        out.openandkeep(gendertable, 1 + lastindivofgen(s, s.run.specstartgen - 1));
+        const int64 lastindiv = lastindivofgen(s, s.run.specstartgen - 1);
+        out.openandkeep(gendertable, 1 + lastindiv, {{0, lastindiv}});
     }
     textline line;
     for (int64 j = s.run.specstartgen; j <= s.run.specendgen; ++j) {
@@ -167,12 +188,12 @@ void writegenders(const state &s)
 std::vector<generationcounts> readgenerationcounts(const std::string &path)
 {
     std::vector<generationcounts> generations;
-    infile in(path);
+    infile in(path, author::system);
     in.record();
     while (in.nextrecord()) {
         if (trim(in.line()).empty()) continue;
         generationcounts &counts = generations.emplace_back();
-        in.integer(); // the generation's number is the line's
+        in.identifier(std::ssize(generations), "generation");
         for (int64 *value : {&counts.nindiv, &counts.nmal, &counts.nfem}) *value = in.integer();
         if (counts.nindiv < 1) in.complain("a generation has at least one individual");
     }
@@ -196,7 +217,7 @@ void writegenerationcounts(int64 firstgen, const std::vector<generationcounts> &
         out.open(generationtable);
         out.writeline(" Gen     nIndivInThisGen       nMalInThisGen       nFemInThisGen");
     } else {
-        out.openandkeep(generationtable, firstgen);
+        out.openandkeep(generationtable, firstgen, {{firstgen - 1}});
     }
     textline line;
     int64 gen = firstgen;

@@ -32,7 +32,8 @@ void openresultfile(outfile &out, const state &s, const std::string &path, int64
         out.open(path);
     else
         out.openandkeepfixed(path, linesperindiv * lastindivofgen(s, firsttmpgen - 1),
-                             allelerowlength(nsites), titlelength);
+                             allelerowlength(nsites), titlelength,
+                             {{lastindivofgen(s, firsttmpgen - 1)}, linesperindiv});
 }
 
 individualrows::individualrows(outfile &phasefile, outfile &genotypefile, int64 numberofsites)

@@ -27,14 +27,17 @@ bool lastgenisreached(const state &s, int64 lasttmpgen)
     return lasttmpgen == s.pop.ngensel + s.pop.ngen;
 }
 
-// One record: an identifier, which is dropped, and n alleles.
-void readsequencerecord(framereader &in, char *to, int64 n)
+// One record: the individual's identifier, and n alleles.
+void readsequencerecord(framereader &in, int64 individ, char *to, int64 n)
 {
     constexpr int64 chunk = 2048; // alleles at once, small enough for the cache
     int64 id;
     bool right = true;
     in.begin(8 * (n + 1));
     in.get(&id, 8);
+    if (id != individ)
+        ioerror(in.path(), "holds the record of individual " + numbertext(id) + " where that of " +
+                               numbertext(individ) + " is wanted");
     for (int64 i = 0; i < n; i += chunk) {
         const int64 m = std::min(chunk, n - i);
         in.show(8 * m, [&](const char *alleles) {
@@ -55,12 +58,13 @@ void gathergeneration(const state &s, int64 gen, individualrows &rows)
         for (int64 h = 1; h <= s.founders.nchrom; ++h) {
             framereader &in = chromfiles[static_cast<std::size_t>(h - 1)];
             const int64 n = s.sites.nsegreginclglobal(h);
-            readsequencerecord(in, rows.text(1), n);
-            readsequencerecord(in, rows.text(2), n);
+            readsequencerecord(in, i, rows.text(1), n);
+            readsequencerecord(in, i, rows.text(2), n);
             rows.advance(n);
         }
         rows.write();
     }
+    for (framereader &in : chromfiles) in.stopifmore();
 }
 
 // The map file is left empty before the last generation of the simulation.

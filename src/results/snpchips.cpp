@@ -14,17 +14,15 @@ namespace
 void parsealleles(infile &in, char *to, int64 n)
 {
     std::vector<int8> alleles(static_cast<std::size_t>(n));
-    in.integer();
-    in.alleles(alleles.data(), n);
-    for (const int8 allele : alleles)
-        if (allele != 0 && allele != 1) in.complain("an allele must be 0 or 1");
+    in.alleles(alleles.data(), n, 1);
     putalleles(to, alleles.data(), n);
 }
 
-// The next row of a phase file: an identifier, which is dropped, and n alleles.
-void copyphaserow(infile &in, char *to, int64 n)
+// The next row of a phase file: the individual's identifier, and n alleles.
+void copyphaserow(infile &in, int64 individ, char *to, int64 n)
 {
     in.record();
+    in.identifier(individ, "individual");
     const std::string_view row = in.line();
     if (std::ssize(row) + 1 != allelerowlength(n) ||
         !copyalleletext(to, row.data() + alleleidwidth, n))
@@ -35,18 +33,19 @@ void gathergeneration(const state &s, int64 chip, int64 gen, individualrows &row
 {
     std::vector<infile> chromfiles;
     for (int64 h = 1; h <= s.founders.nchrom; ++h)
-        chromfiles.emplace_back(phasefile(h, siteset(chip), gen));
+        chromfiles.emplace_back(phasefile(h, siteset(chip), gen), author::system);
     for (int64 i = firstindivofgen(s, gen); i <= lastindivofgen(s, gen); ++i) {
         rows.begin(i);
         for (int64 h = 1; h <= s.founders.nchrom; ++h) {
             infile &in = chromfiles[static_cast<std::size_t>(h - 1)];
             const int64 n = s.loci.nsnponthischipchrom(chip, h);
-            copyphaserow(in, rows.text(1), n);
-            copyphaserow(in, rows.text(2), n);
+            copyphaserow(in, i, rows.text(1), n);
+            copyphaserow(in, i, rows.text(2), n);
             rows.advance(n);
         }
         rows.write();
     }
+    for (infile &in : chromfiles) in.stopifmore();
 }
 
 void writesnpmap(const state &s, int64 chip)
@@ -60,17 +59,18 @@ void writesnpmap(const state &s, int64 chip)
     out.writeline(line);
     int64 k = 0;
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
-        infile in(informationfile(h, siteset(chip)));
+        infile in(informationfile(h, siteset(chip)), author::system);
         for (int64 snp = 1; snp <= s.loci.nsnponthischipchrom(chip, h); ++snp) {
             in.record();
             in.integer(); // rank on the chromosome's part of the chip
             puti(line, ++k, 20);
             puti(line, h, 20);
             puti(line, in.integer(), 20);
-            putf(line, in.real(), 20, 10);
-            putf(line, in.real(), 20, 10);
+            putf(line, in.fraction(), 20, 10);
+            putf(line, in.fraction(), 20, 10);
             out.writeline(line);
         }
+        in.stopifmore();
     }
     out.close();
 }

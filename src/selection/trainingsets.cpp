@@ -17,12 +17,12 @@ void readtruevalues(state &s, int64 lastindiv)
     const int64 nmodels = s.qtn.nqtnmodels, ntraits = s.traits.ntraits;
     const int64 n = nmodels * ntraits;
     std::vector<double> values(static_cast<std::size_t>(3 * n));
-    infile in(valuetable);
+    infile in(valuetable, author::system);
     in.skiprecords(1);
     for (int64 i = 1; i <= lastindiv; ++i) {
         in.record();
         in.skipwords(1);
-        in.identifier(i, "individual");
+        in.identifier(s.pedi.ped(i).newid, "individual");
         in.skipwords(2);
         in.anyreals(values.data(), 3 * n);
         const double *value = values.data();
@@ -36,13 +36,13 @@ void readrecombination(state &s, int64 lastindiv)
 {
     s.haplo.recombcount.fill(0);
     s.values.recombperindperchr.fill(0);
-    infile in(recombinationtable);
+    infile in(recombinationtable, author::system);
     in.skiprecords(1);
     for (int64 i = 1; i <= lastindiv; ++i) {
         double values[2];
         in.record();
         in.skipwords(1);
-        in.identifier(i, "individual");
+        in.identifier(s.pedi.ped(i).newid, "individual");
         in.skipwords(2);
         in.anyreals(values, 2);
         s.values.tbvrecombz(i) = values[0];

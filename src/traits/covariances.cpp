@@ -89,10 +89,11 @@ void checkresidualcovariances(const traitsettings &t)
 void readresidualfactors(state &s)
 {
     for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {
-        infile in(residualfactorfile(p));
+        infile in(residualfactorfile(p), author::system);
         for (int64 j = 1; j <= s.traits.ntraits; ++j) {
             in.record();
             for (int64 h = 1; h <= j; ++h) s.values.cholcove(p, j, h) = in.anyreal();
         }
+        in.stopifmore();
     }
 }

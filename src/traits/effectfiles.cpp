@@ -171,44 +171,51 @@ namespace
 {
 void readfrequencies(qtnset which, array1<double> &freq)
 {
-    infile in(informationfile(which));
+    infile in(informationfile(which), author::system);
     in.skiprecords(1);
+    int64 q = 0;
     for (double &f : freq) {
         in.record();
-        in.skipwords(4); // three numbers of the QTN, and its minor allele frequency
-        f = in.real();
+        in.identifier(++q, "QTN");
+        in.skipwords(3); // chromosome, site and minor allele frequency
+        f = in.fraction();
     }
+    in.stopifmore();
 }
 
 // The first columns of an effect file: those of one kind.
 void readeffects(state &s, const std::string &path, qtnset set, effects values)
 {
-    infile in(path);
+    infile in(path, author::system);
     in.skiprecords(1);
     const std::vector<int64> models = modelsofset(s, set);
     std::vector<double> row(models.size() * static_cast<std::size_t>(s.traits.ntraits));
     for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
         in.record();
-        in.skipwords(3);
+        in.identifier(q, "QTN");
+        in.skipwords(2);
         in.anyreals(row.data(), std::ssize(row));
         const double *value = row.data();
         for (const int64 p : models)
             for (int64 j = 1; j <= s.traits.ntraits; ++j)
                 (s.loci.model(p).*values)(q, j) = *value++;
     }
+    in.stopifmore();
 }
 
 void readrecombinationeffects(state &s)
 {
-    infile in(recombinationfile);
+    infile in(recombinationfile, author::system);
     in.skiprecords(1);
     for (int64 q = 1; q <= s.loci.ntotqtnrecomb; ++q) {
         in.record();
-        in.skipwords(4);
-        s.loci.sets[qtnset::recombination].referencefreq(q) = in.real();
+        in.identifier(q, "QTN");
+        in.skipwords(3);
+        s.loci.sets[qtnset::recombination].referencefreq(q) = in.fraction();
         in.skipwords(1);
         s.loci.addeffrecomb(q) = in.anyreal();
     }
+    in.stopifmore();
 }
 } // namespace
 

@@ -23,23 +23,26 @@ void drawgammapositions(state &s)
 void readsetofchrom(state &s, qtnset which, int64 chrom, int64 first)
 {
     qtnsetdata &set = s.loci.sets[which];
-    infile information(informationfile(chrom, which));
-    infile frequencies(frequencyfile(chrom, which, 1));
+    infile information(informationfile(chrom, which), author::system);
+    infile frequencies(frequencyfile(chrom, which, 1), author::system);
     for (int64 q = first + 1; q <= first + s.loci.onthischrom(which)(chrom); ++q) {
         set.chromid(q) = chrom;
         information.record();
-        information.skipwords(1);
+        information.identifier(q - first, "QTN");
         set.qtnid(q) = information.integer();
         set.maf(q) = information.fraction();
         set.pos(q) = information.fraction();
         if (which != qtnset::recombination) {
-            set.mutind(q) = information.integer();
+            set.mutind(q) = information.within(0, 1);
             set.mutindiv(q) = information.integer();
         }
         frequencies.record();
-        frequencies.skipwords(2);
+        frequencies.identifier(q - first, "QTN");
+        frequencies.identifier(set.qtnid(q), "site");
         set.referencefreq(q) = frequencies.fraction();
     }
+    information.stopifmore();
+    frequencies.stopifmore();
 }
 
 void readset(state &s, qtnset set)

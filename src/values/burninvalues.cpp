@@ -247,17 +247,26 @@ void printoutvarcomponents(state &s)
 
 void readvare(state &s)
 {
-    infile in(componentstable);
+    infile in(componentstable, author::system);
     for (int64 j = 1; j <= s.traits.ntraits; ++j) {
-        in.skiprecords(5);
+        const auto label = [&](std::string_view wanted) {
+            in.record();
+            if (!in.line().starts_with(wanted))
+                in.complain("a line \"" + std::string(wanted) + "\" is wanted");
+        };
+        label("Variance components for trait");
+        in.skiprecords(1);
+        for (const char *row : {"VarA", "VarD", "VarE"}) label(row);
         in.skipwords(1);
         for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) s.values.vare(p, j) = in.anyreal();
         in.skiprecords(2);
     }
+    in.stopifmore();
     if (!s.selection.recombselonoff) return;
-    infile recomb(recombcomponents);
+    infile recomb(recombcomponents, author::system);
     recomb.skiprecords(2);
     const std::string_view line = recomb.line();
-    if (line.size() <= 30 || !readreal(trim(line.substr(30, 20)), s.values.varerecomb))
+    if (!line.starts_with("Residual variance") || line.size() <= 30 ||
+        !readreal(trim(line.substr(30, 20)), s.values.varerecomb))
         recomb.complain("the residual variance is wanted in columns 31 to 50");
 }

@@ -72,7 +72,8 @@ void writevariances(const state &s, int64 currentgen, const generationvariances 
         out.open(variancetable);
         out.writeline(variancetitle(s.traits.ntraits));
     } else {
-        out.openandkeep(variancetable, 1 + (currentgen - 1) * s.qtn.nqtnmodels);
+        out.openandkeep(variancetable, 1 + (currentgen - 1) * s.qtn.nqtnmodels,
+                        {{currentgen - 1, s.qtn.nqtnmodels}});
     }
     textline line;
     for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {

@@ -14,7 +14,7 @@ namespace
 // Individuals whose rows are held at a time, between a file and the table.
 constexpr int64 rowtile = 256;
 
-void readgenotypes(state &s, qtnset set, int64 currentgen)
+void readgenotypes(state &s, qtnset set, int64 currentgen, int64 startindiv)
 {
     array2<int8> &genos = s.loci.sets[set].qtngenos;
     const int64 nindiv = genos.extent1().size();
@@ -22,13 +22,16 @@ void readgenotypes(state &s, qtnset set, int64 currentgen)
     int64 column = 1;
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         const int64 n = s.loci.onthischrom(set)(h);
-        infile in(genotypefile(h, set, currentgen));
+        if (n == 0) continue;
+        infile in(genotypefile(h, set, currentgen), author::system);
         rows.resize(static_cast<std::size_t>(rowtile * n));
-        for (int64 k = 1; k <= nindiv && n > 0; k += rowtile) {
+        for (int64 k = 1; k <= nindiv; k += rowtile) {
             const int64 nrows = std::min(rowtile, nindiv - k + 1);
-            for (int64 r = 0; r < nrows; ++r) readallelerow(in, rows.data() + r * n, n);
+            for (int64 r = 0; r < nrows; ++r)
+                readallelerow(in, startindiv + k - 1 + r, rows.data() + r * n, n, 2);
             transposebytes(rows.data(), n, genos.column(column) + k - 1, nindiv, nrows, n);
         }
+        in.stopifmore();
         column += n;
     }
 }
@@ -38,7 +41,8 @@ void writegenotypes(const state &s, qtnset set, int64 startindiv)
     const array2<int8> &genos = s.loci.sets[set].qtngenos;
     const int64 nindiv = genos.extent1().size(), n = genos.extent2().size();
     outfile out;
-    out.openandkeepfixed(qtngenotypefile(set), startindiv - 1, allelerowlength(n));
+    out.openandkeepfixed(qtngenotypefile(set), startindiv - 1, allelerowlength(n), 0,
+                         {{startindiv - 1}});
     std::vector<int8> rows(static_cast<std::size_t>(rowtile * n));
     for (int64 k = 1; k <= nindiv; k += rowtile) {
         const int64 nrows = std::min(rowtile, nindiv - k + 1);
@@ -53,7 +57,7 @@ void writegenotypes(const state &s, qtnset set, int64 startindiv)
 void compileqtngenotypes(state &s, int64 currentgen, int64 startindiv)
 {
     for (const qtnset set : setsinuse(s)) {
-        readgenotypes(s, set, currentgen);
+        readgenotypes(s, set, currentgen, startindiv);
         writegenotypes(s, set, startindiv);
     }
     if (s.editing.geneditonoff) writefixedqtn(s, currentgen);
@@ -70,7 +74,8 @@ void writefixedqtn(state &s, int64 currentgen)
         puta(line, "          Generation         GlobalQtnId         FixedYes0No1", 61);
         out.writeline(line);
     } else {
-        out.openandkeep(fixedqtntable, 1 + (currentgen - 1) * s.loci.ntotqtn);
+        out.openandkeep(fixedqtntable, 1 + (currentgen - 1) * s.loci.ntotqtn,
+                        {{currentgen - 1, s.loci.ntotqtn}});
     }
     for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
         int64 sum = 0;

@@ -53,8 +53,8 @@ TEST_F(resultfiles, chiprowsinothercolumns)
     const auto gather = [&] { writeoutsnpchips(s, 1, 1); };
     const std::string file = chrom + "Chip1PhaseGeneration1.txt";
     // Tabs, commas, no padding, rows of the usual length and longer ones.
-    std::string text = row(5) + "\n" + row(5) + "\r\n" + "4\t0 1 1,0 0 0 1 0 1 ignored\n" + row(4) +
-                       "\n" + row(1) + "\n" + row(1) + "\n";
+    std::string text = row(1) + "\n" + row(1) + "\r\n" + "2\t0 1 1,0 0 0 1 0 1 ignored\n" + row(2) +
+                       "\n" + row(3) + "\n" + row(3) + "\n";
     text[20] = ',';
     writefile(file, text);
     EXPECT_EQ(reasonof(gather), "no I/O error");
@@ -64,10 +64,15 @@ TEST_F(resultfiles, chiprowsinothercolumns)
 
     for (const auto &[change, reason] : std::vector<std::pair<std::string, std::string>>{
              {"", "ends after line 2, more lines are needed"},
-             {std::string(19, ' ') + "1 0 0 0 0 0 0 0 0 2\n", "line 3: an allele must be 0 or 1"},
-             {std::string(19, ' ') + "1 0 0 0 0 x 0 0 0 0\n",
+             {row(1) + "\n", "line 3: it is the record of individual 1, that of 2 is wanted"},
+             {row(2) + "\n" + row(2), "line 4: the file was cut: this line has no line end"},
+             {row(2) + "\n" + row(2) + "\n" + row(3) + "\n" + row(3) + "\n" + row(3) + "\n",
+              "line 7: the file should have ended before this line"},
+             {std::string(19, ' ') + "2 0 0 0 0 0 0 0 0 2\n",
+              "line 3: an allele or genotype is out"},
+             {std::string(19, ' ') + "2 0 0 0 0 x 0 0 0 0\n",
               "line 3: an integer is wanted, not \"x\""},
-             {std::string(19, ' ') + "1 0 0 0 0 0 0 0 00.\n", "line 3: an integer is wanted"}}) {
+             {std::string(19, ' ') + "2 0 0 0 0 0 0 0 00.\n", "line 3: an integer is wanted"}}) {
         writefile(file, row(1) + "\n" + row(1) + "\n" + change);
         const std::string found = reasonof(gather);
         EXPECT_NE(found.find(file), std::string::npos) << found;
@@ -83,7 +88,9 @@ TEST_F(resultfiles, sequencerecordsthatarebroken)
     outfile sequence(file);
     for (int64 i = 1; i <= 6; ++i) {
         framewriter record(sequence, 8 * 61);
-        record.put(std::vector<int64>(61, i % 2).data(), 8 * 61);
+        std::vector<int64> row(61, i % 2);
+        row[0] = (i + 1) / 2; // the individual
+        record.put(row.data(), 8 * 61);
         record.finish();
     }
     sequence.close();
@@ -91,7 +98,8 @@ TEST_F(resultfiles, sequencerecordsthatarebroken)
     const auto gather = [&] { writeoutsequence(s, 1, 1); };
     EXPECT_EQ(reasonof(gather), "no I/O error");
     for (const auto &[place, reason] : std::vector<std::pair<std::size_t, std::string>>{
-             {0, "a binary record has"},        // the leading length
+             {0, "a binary record has"}, // the leading length
+             {4, "the record of individual 3"},
              {4 + 8 * 17, "allele other than"}, // an allele
              {4 + 8 * 17 + 6, "allele other than"},
              {4 + 8 * 59, "allele other than"},
@@ -103,6 +111,8 @@ TEST_F(resultfiles, sequencerecordsthatarebroken)
         EXPECT_NE(found.find(file), std::string::npos) << found;
         EXPECT_NE(found.find(reason), std::string::npos) << found;
     }
+    writefile(file, whole + "more");
+    EXPECT_NE(reasonof(gather).find("goes on where it should end"), std::string::npos);
     writefile(file, whole.substr(0, whole.size() - 100));
     EXPECT_NE(reasonof(gather).find("ends within"), std::string::npos);
 }
