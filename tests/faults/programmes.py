@@ -4,6 +4,7 @@ A programme is a folder that is ready for one run, "run" below the folder of a w
 needs beside it. Each worker has folders of its own, whose paths are equally long, since Pedigree.txt
 holds the path of the run at a fixed width.
 """
+import collections
 import os
 import pathlib
 import re
@@ -214,6 +215,55 @@ def run(command, folder, report, extra=None):
 def differences(was, now):
     """Paths that differ between two trees."""
     return sorted(path for path in was.keys() | now.keys() if was.get(path) != now.get(path))
+
+
+def show(title, columns, table):
+    """Prints a table of counts, and their sums."""
+    print("| " + " | ".join([title] + columns) + " |")
+    print("|---" * (len(columns) + 1) + "|")
+    for name, row in table.items():
+        print("| " + " | ".join([name] + [str(row[column]) for column in columns]) + " |")
+    if len(table) > 1:
+        total = sum(table.values(), collections.Counter())
+        print("| " + " | ".join(["all"] + [str(total[column]) for column in columns]) + " |")
+
+
+def judgement(table, mustbenone, tries):
+    """The status of a campaign: 1 if something happened that must not, or nothing was tried."""
+    total = sum(table.values(), collections.Counter())
+    bad = {mark: total[mark] for mark in mustbenone if total[mark]}
+    if bad or not total[tries]:
+        print("NOT AS IT MUST BE: " + (", ".join(f"{n} {mark}" for mark, n in bad.items()) or "nothing was tried"))
+        return 1
+    return 0
+
+
+richspec = [
+    "RecombinationOnOff,On", "NumberOfQtnPerChromForRecombination,10", "InitialRecombinationIndexWeight,0.5",
+    "NumberGenerationsSelectionOnRecombination,2", "LaterGenRecombinationIndexWeight,0.1",
+    "IncludeDominanceEffectsOnOff,On",
+    "GeneEditingOnOff,On", "NumberOfEditedIndividuals,2", "NumberOfGeneEditsPerIndividual,2",
+    "NumberOfQtnPerChromosomeNormalDist,6", "NumberOfQtnPerChromosomeGammaDist,0", "SelectionMethod,GBlup", "MinMaxAlleleFreqForModel2And4,0.4,0.5",
+    "SelectionBasedOnRestrictedOrUnrestrictedQtn,Restricted",
+    "FixTheTrainingDataAcrossGenerationsOnOff,On", "UseTrainingDataFromGeneration,3",
+    "SelectionPhenotypingStrategy,AllHistoricalPhenotypes", "WriteFullSequenceOutOnOff,On",
+    "GenerationFlexibilityOnOff,On"]
+
+
+def goingon(folders):
+    """Runs that read what earlier ones left, and what they leave without rubbish: a burn-in and a cycle
+    that go on, most features of cycles at once, and a merge."""
+    folders.maketemplates()
+    made = [programme(name) for name in ["burnin", "rich", "goon", "merge"]]
+    mutations = ["NumberOfMutationsPerChr,4", "MutationalVarianceProportion,0.1"]
+    for name, changes, first, then in [("burnin", mutations, "1,1", "2,2"), ("rich", richspec, "1,4", "5,5")]:
+        folder = folders.template(name)
+        folders.prepare(folder, changes + ["StartStopGeneration," + first], -511)
+        folders.mustrun(folder)
+        folders.prepare(folder, changes + ["StartStopGeneration," + then], -512)
+    for prog in made:
+        folders.makereference(prog)
+    return made
 
 
 def allprogrammes(folders):
