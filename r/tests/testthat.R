@@ -1,0 +1,3 @@
+library(testthat)
+library(solvanto)
+test_check("solvanto")

@@ -1,0 +1,15 @@
+test_that("the examples of the page on R run", {
+  page <- readLines(file.path(root, "docs/r.md"))
+  marks <- cumsum(startsWith(page, "```"))
+  inside <- marks %% 2 == 1 & !startsWith(page, "```")
+  opened <- page[match(marks, marks)] == "```r"
+  scope <- new.env(parent = globalenv())
+  scope$folder <- copied("twotraits")
+  before <- setwd(tempdir())
+  on.exit(setwd(before))
+  said <- capture.output(eval(parse(text = page[inside & opened]), scope))
+  expect_gt(file.size("trend.png"), 5000)
+  accuracy <- as.numeric(sub("accuracy ", "", grep("^accuracy", said, value = TRUE)))
+  expect_true(accuracy > 0.3 && accuracy < 1)
+  expect_true(any(grepl("^status [1-9]", said)))
+})
