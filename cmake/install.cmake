@@ -11,6 +11,9 @@ list(TRANSFORM runscripts PREPEND ${CMAKE_SOURCE_DIR}/scripts/ OUTPUT_VARIABLE r
 install(PROGRAMS ${runscriptfiles} DESTINATION ${sharedfolder}/scripts)
 install(FILES scripts/lib.sh DESTINATION ${sharedfolder}/scripts)
 install(DIRECTORY examples DESTINATION ${sharedfolder} USE_SOURCE_PERMISSIONS)
+# The readers: Python's where scripts/account finds it, R's as the sources that R CMD INSTALL takes.
+install(DIRECTORY python r DESTINATION ${sharedfolder}
+  PATTERN __pycache__ EXCLUDE PATTERN tests EXCLUDE)
 install(FILES README.md CHANGELOG.md CITATION.cff DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})

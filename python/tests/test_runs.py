@@ -1,6 +1,7 @@
 """Specifications, runs and the account of a run."""
 
 import shutil
+import subprocess
 
 import pytest
 
@@ -70,8 +71,25 @@ def test_the_account_joins_what_the_readers_give(example):
     mine = account[account["model"] == model].dropna(subset="accuracy")
     assert mine["accuracy"].tolist() == accuracies["accuracy"].tolist()
     assert mine["mean"].round(5).tolist() == accuracies["mean"].tolist()  # of the same individuals
+    table = subprocess.run([ROOT / "scripts/account", folder, "--tsv"], check=True, capture_output=True, text=True).stdout
+    lines = [line.split("\t") for line in table.splitlines()]
+    assert lines[0] == list(account) and len(lines) == len(account) + 1
+    assert lines[1][:3] == ["1", "1", account["model"][0]] and lines[1][8] == ""  # no coancestry
     # Estimates: the last generation has none.
     estimated = solvanto.account(example("optimalcontributions"))
     assert estimated["accuracy"].notna().sum() == 10
     assert estimated.loc[estimated["generation"] == 12, "accuracy"].isna().all()
     assert estimated.loc[estimated["generation"] == 12, "coancestry"].notna().all()
+
+
+def test_a_prediction_in_python_chooses_the_parents(example):
+    folder = example("ownprediction")
+    accuracies = solvanto.read_accuracy(folder)
+    assert (accuracies[~accuracies["last"]]["accuracy"] > 0.5).all()
+    for cycle in [1, 2, 3]:
+        told = (folder / f"Selection/SelectionFolder{cycle}/outQuillomere").read_text()
+        accuracy = accuracies.query("cycle == @cycle")["accuracy"].item()
+        assert abs(float(told.split()[-1]) - accuracy) < 1e-4
+    values = solvanto.read_values(folder).query("trait == 1 and model == 'NormalUnrestr'")
+    means = values.groupby("generation")["tbv"].mean()
+    assert means[6] > means[3] + 0.5
