@@ -56,12 +56,12 @@ void framewriter::finish()
     endframe();
 }
 
-void framereader::open(const std::string &filename)
+void framereader::open(const std::string &filename, std::size_t bytesatatime)
 {
     close();
     name = filename;
     descriptor = openchecked(name, O_RDONLY);
-    buffer.resize(buffersize);
+    buffer.resize(bytesatatime);
     at = filled = 0;
 }
 
@@ -117,18 +117,41 @@ void framereader::endframe()
     first = false;
 }
 
+void framereader::nextframe()
+{
+    if (!more) ioerror(name, "a binary record is too short");
+    endframe();
+    const int64 mark = marker();
+    more = mark < 0;
+    framelength = inframe = mark < 0 ? -mark : mark;
+    if (inframe == 0 || framelength > remaining) ioerror(name, "a binary record is broken");
+}
+
+void framereader::skipbytes(std::size_t n)
+{
+    const std::size_t buffered = n < filled - at ? n : filled - at;
+    at += buffered;
+    if (n > buffered && ::lseek(descriptor, static_cast<off_t>(n - buffered), SEEK_CUR) < 0)
+        ioerrno(name, "can't go on in the file");
+}
+
+void framereader::skip(int64 n)
+{
+    while (n > 0) {
+        if (inframe == 0) nextframe();
+        const int64 part = n < inframe ? n : inframe;
+        skipbytes(static_cast<std::size_t>(part));
+        n -= part;
+        inframe -= part;
+        remaining -= part;
+    }
+}
+
 void framereader::get(void *bytes, int64 n)
 {
     char *p = static_cast<char *>(bytes);
     while (n > 0) {
-        if (inframe == 0) {
-            if (!more) ioerror(name, "a binary record is too short");
-            endframe();
-            const int64 mark = marker();
-            more = mark < 0;
-            framelength = inframe = mark < 0 ? -mark : mark;
-            if (inframe == 0 || framelength > remaining) ioerror(name, "a binary record is broken");
-        }
+        if (inframe == 0) nextframe();
         const int64 part = n < inframe ? n : inframe;
         readbytes(p, static_cast<std::size_t>(part));
         p += part;

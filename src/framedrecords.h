@@ -57,7 +57,8 @@ class framereader
   public:
     framereader() = default;
     explicit framereader(const std::string &filename) { open(filename); }
-    void open(const std::string &filename);
+    // bytesatatime: of the buffer, for those who have many files open.
+    void open(const std::string &filename, std::size_t bytesatatime = buffersize);
     void close() { descriptor.close(); }
     bool isopen() const { return descriptor.isopen(); }
     const std::string &path() const { return name; }
@@ -67,6 +68,8 @@ class framereader
     // Begins a record of n bytes, then gives them piece by piece, and ends it.
     void begin(int64 nbytes);
     void get(void *bytes, int64 n);
+    // Passes over n bytes of the record; those beyond the buffer are not read.
+    void skip(int64 n);
     // The next n bytes, shown to use(const char *from) where they lie: in the buffer, without a
     // copy, if they lie there together.
     template <class user> void show(int64 n, user use)
@@ -95,6 +98,8 @@ class framereader
 
   private:
     void readbytes(char *bytes, std::size_t n);
+    void skipbytes(std::size_t n);
+    void nextframe();
     std::int32_t marker();
     void endframe();
     filedescriptor descriptor;

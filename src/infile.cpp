@@ -14,15 +14,19 @@
 
 void infile::open(const std::string &filename, author by)
 {
-    close();
-    name = filename;
-    descriptor = openchecked(name, O_RDONLY);
+    take(openchecked(filename, O_RDONLY), filename, by);
     struct stat status {
     };
     if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode)) {
         errno = EISDIR;
         ioerrno(name, "can't read");
     }
+}
+
+void infile::take(filedescriptor opened, const std::string &filename, author by)
+{
+    descriptor = std::move(opened);
+    name = filename;
     buffer.resize(buffersize);
     begin = finish = 0;
     ended = false;

@@ -30,6 +30,8 @@ class infile
     explicit infile(const std::string &filename, author by = author::user) { open(filename, by); }
 
     void open(const std::string &filename, author by = author::user);
+    // Reads from what is open already, a pipe perhaps. filename: as errors shall call it.
+    void take(filedescriptor opened, const std::string &filename, author by = author::user);
     void close() { descriptor.close(); }
     bool isopen() const { return descriptor.isopen(); }
     const std::string &path() const { return name; }

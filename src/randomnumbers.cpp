@@ -12,7 +12,6 @@
 
 namespace
 {
-constexpr const char *oldseedfile = "SeedOld.txt";
 
 // Seed.txt holds the last run's own seed where the run was killed before it wrote the next one.
 int64 seedoflastrun(int64 seed)

@@ -35,6 +35,8 @@ struct randomstream : uniformstream {
 
 // The seed, free-form: that of the run, and in the folder of a cycle that of a program.
 constexpr const char *seedfile = "Seed.txt";
+// The seed of the last run, kept when it began.
+constexpr const char *oldseedfile = "SeedOld.txt";
 void writeseed(const std::string &path, int64 seed);
 
 // The number in Seed.txt of the working directory, which must exist, or with the option of a repeated

@@ -38,9 +38,9 @@ void warnofnolock(const runoptions &options, const std::string &path, int error)
          std::string("can't be locked: ") + std::strerror(error) +
              "; the run goes on, and nothing keeps a second one from working in this folder");
 }
-} // namespace
 
-filedescriptor lockrun(const runoptions &options, const std::string &path)
+// how: LOCK_EX, or LOCK_SH among those who only read.
+filedescriptor lockfile(const runoptions &options, const std::string &path, int how)
 {
     // Without O_CLOEXEC: the programs that the run starts hold it too.
     filedescriptor lock(open(path.c_str(), O_RDONLY | O_NONBLOCK));
@@ -51,7 +51,7 @@ filedescriptor lockrun(const runoptions &options, const std::string &path)
     // What a killed run has started ends with it, but a moment later.
     constexpr int ntries = 20;
     for (int k = 1; k <= ntries; ++k) {
-        if (flock(lock, LOCK_EX | LOCK_NB) == 0) return lock;
+        if (flock(lock, how | LOCK_NB) == 0) return lock;
         if (errno == EINTR) continue;
         if (errno != EWOULDBLOCK) {
             warnofnolock(options, path, errno);
@@ -63,4 +63,15 @@ filedescriptor lockrun(const runoptions &options, const std::string &path)
     ioerror(path, "another run works in the folder " + workingdirectory() +
                       (holder.empty() ? "" : ": process " + holder) +
                       "; wait for its end, or use a folder of your own");
+}
+} // namespace
+
+filedescriptor lockrun(const runoptions &options, const std::string &path)
+{
+    return lockfile(options, path, LOCK_EX);
+}
+
+filedescriptor lockreading(const runoptions &options, const std::string &path)
+{
+    return lockfile(options, path, LOCK_SH);
 }

@@ -1,5 +1,6 @@
 #include "haplotypefiles.h"
 
+#include "bitsquares.h"
 #include "files.h"
 #include "stops.h"
 
@@ -15,19 +16,6 @@ const char *const names[] = {"MacsHaplotypes.txt", "PhysicalMapInput.txt", "SegS
 std::string unfinished(const std::string &name)
 {
     return name + ".unfinished";
-}
-
-// Transposes 64 x 64 bits: bit c of word r and bit r of word c change places. Swaps blocks of
-// half the size each time (Warren, Hacker's Delight).
-void transpose64(std::uint64_t *words)
-{
-    std::uint64_t mask = 0x00000000ffffffff;
-    for (int width = 32; width > 0; width >>= 1, mask ^= mask << width)
-        for (int r = 0; r < 64; r = (r + width + 1) & ~width) {
-            const std::uint64_t swap = (words[r] >> width ^ words[r + width]) & mask;
-            words[r] ^= swap << width;
-            words[r + width] ^= swap;
-        }
 }
 
 // " 0" or " 1" for each of eight alleles, the first in the lowest bit.

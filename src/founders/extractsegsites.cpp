@@ -10,10 +10,12 @@
 
 namespace
 {
+constexpr const char *sitecounttable = "./SimulatedData/NbOfSegSitesPerChrom.txt";
+
 void addtonbofsegsites(const state &s, int64 chrom)
 {
     outfile out;
-    out.openandkeep("./SimulatedData/NbOfSegSitesPerChrom.txt", chrom == 1 ? 0 : chrom);
+    out.openandkeep(sitecounttable, chrom == 1 ? 0 : chrom);
     if (chrom == 1)
         out.writeline(
             freeline("               ChromId          NbOfSegSites      NbOfInclSegSites"));
@@ -44,6 +46,19 @@ void printtotals(const state &s)
     printline("     ");
 }
 } // namespace
+
+std::vector<int64> readincludedcounts()
+{
+    std::vector<int64> counts;
+    infile in(sitecounttable, author::system);
+    in.skiprecords(1);
+    while (in.nextrecord()) {
+        in.identifier(std::ssize(counts) + 1, "chromosome");
+        in.skipwords(1);
+        counts.push_back(in.integer());
+    }
+    return counts;
+}
 
 void extractsegsites(state &s, haplotypepacker packhaplotypes)
 {

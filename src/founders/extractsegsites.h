@@ -12,9 +12,15 @@
 
 #include "state.h"
 
+#include <vector>
+
 // What packs the founder haplotypes of a chromosome, once its included sites are chosen and while
 // the arrays of the chromosome stand: packhaplotypes of haplotypes/founderblocks.h.
 using haplotypepacker = void (*)(state &s, int64 chrom);
+
+// Included sites of chromosomes 1, 2, ..., as the table has them, also where the chromosomes' folders
+// are gone.
+std::vector<int64> readincludedcounts();
 
 // The stage. Draws: per chromosome those of countsites, insertmutations and restrictsegsites.
 void extractsegsites(state &s, haplotypepacker packhaplotypes);

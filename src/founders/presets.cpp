@@ -75,3 +75,10 @@ void initmacscases(const state &s, std::string &macsparams)
     calculatemacsparams(macsparams, f.chrlengthbasesmacs, f.effecpopsize, f.mutationratemacs,
                         f.morgansmacs, additionalmacsparams);
 }
+
+int64 chromosomelength(const state &s)
+{
+    foundersettings f = s.founders;
+    if (const speciesrow *preset = findspecies(f.pophistorymacs)) settlevalues(f, *preset);
+    return f.chrlengthbasesmacs;
+}

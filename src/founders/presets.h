@@ -23,6 +23,10 @@
 // shell is an I/O error: its text becomes part of a command.
 void initmacscases(const state &s, std::string &macsparams);
 
+// The length in bases that the parameter text begins with; 0 where neither the specification nor a
+// preset tells one.
+int64 chromosomelength(const state &s);
+
 // The parameter text: length in bases, mutation rate -t and recombination rate -r per base, scaled
 // by 4 Ne, each E10.2, and the additional text. The recombination rate per base, morgansmacs /
 // chrlengthbasesmacs, is a single-precision quotient.

@@ -133,6 +133,33 @@ void readgenomerows(const std::string &path, int64 nindiv, int64 nblock, const a
     in.stopifmore();
 }
 
+genomeblocks::genomeblocks(const std::string &path, int64 nrowsin, int64 nblock, int64 ngametes,
+                           std::size_t bytesatatime)
+    : nrows(nrowsin)
+{
+    const int64 nbytes = ngametes * nrows * nblock * 8;
+    for (int64 m = 1; m <= ngametes; ++m) {
+        gametereader &gamete = gametes.emplace_back();
+        gamete.in.open(path, bytesatatime);
+        gamete.in.begin(nbytes);
+        gamete.in.skip((m - 1) * nrows * nblock * 8);
+        gamete.rows.resize(static_cast<std::size_t>(nrows));
+    }
+    // A file that is cut is refused before anything is made of its beginning.
+    if (gametes[0].in.recordlength() != nbytes) ioerror(path, "does not hold one whole record");
+}
+
+const int64 *genomeblocks::block(int64 b, int64 m)
+{
+    gametereader &gamete = gametes[static_cast<std::size_t>(m - 1)];
+    assert(b >= gamete.next);
+    gamete.in.skip((b - gamete.next) * nrows * 8);
+    gamete.in.get(gamete.rows.data(), nrows * 8);
+    gamete.next = b + 1;
+    stopifunused(allbits(gamete.rows.data(), nrows), gamete.in.path());
+    return gamete.rows.data();
+}
+
 void readhaplotypes(const std::string &path, haplotypestore &h, int64 nblock)
 {
     framereader in(path);

@@ -13,6 +13,7 @@
 #include "state.h"
 
 #include <string>
+#include <vector>
 
 inline std::string haplotypeblocksfile(int64 chrom)
 {
@@ -33,6 +34,29 @@ void writegenome(const std::string &path, const genomestore &g, int64 limit = fr
 // Memory: one block of every individual of the file.
 void readgenomerows(const std::string &path, int64 nindiv, int64 nblock, const array1<int64> &rows,
                     genomestore &g, int64 firstplace);
+
+// Reads such a file block by block, of all its rows: what is made site by site needs no more in
+// memory. Rows are the individuals of a generation, or with one gamete the haplotypes of a
+// chromosome.
+class genomeblocks
+{
+  public:
+    // ngametes is 2, or 1 for haplotypes. bytesatatime: of the buffer for each gamete.
+    genomeblocks(const std::string &path, int64 nrows, int64 nblock, int64 ngametes,
+                 std::size_t bytesatatime = buffersize);
+    // Block b of gamete m: row k at offset k - 1, valid until the next call for the gamete. Blocks
+    // of a gamete are asked for in rising order, and may be left out.
+    const int64 *block(int64 b, int64 m);
+
+  private:
+    struct gametereader {
+        framereader in;
+        int64 next = 1; // block
+        std::vector<int64> rows;
+    };
+    int64 nrows;
+    std::vector<gametereader> gametes;
+};
 
 // Founder haplotypes, as many as the file holds; h is made anew.
 void readhaplotypes(const std::string &path, haplotypestore &h, int64 nblock);

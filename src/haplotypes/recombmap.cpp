@@ -89,10 +89,15 @@ void stopifbeyondsites(const fittedregions &fit, int64 chrom)
     stopwithcode(110034);
 }
 
+std::string achievedfile(int64 chrom)
+{
+    return "./RecombinationSpecifications/Chromosome" + numbertext(chrom) + "Achieved.txt";
+}
+
 void writeachieved(const std::vector<recombregion> &regions, const fittedregions &fit,
                    const array1<double> &map, int64 chrom)
 {
-    outfile out("./RecombinationSpecifications/Chromosome" + numbertext(chrom) + "Achieved.txt");
+    outfile out(achievedfile(chrom));
     textline line;
     puta(line, "Start Stop Prop StartBlockWish StartBlockAchieved StopBlockWish StopBlockAchieved",
          82);
@@ -183,6 +188,26 @@ void checkrecombspec(state &s, int64 chrom)
     const chromosomeregions found = fitchromosome(s, chrom);
     shareout(s, found.regions, found.fit);
     stopifshareslow(s);
+}
+
+array1<double> readachievedshares(int64 chrom, int64 nblock)
+{
+    array1<double> shares(nblock);
+    infile in(achievedfile(chrom), author::system);
+    in.skiprecords(1);
+    while (in.nextrecord()) {
+        in.skipwords(2); // start and stop
+        const double proportion = in.real();
+        int64 blocks[4]; // wished and achieved start, wished and achieved stop
+        for (int64 &block : blocks) block = in.integer();
+        const int64 first = blocks[1], last = blocks[3];
+        if (first < 1 || last < first || last > nblock)
+            in.complain("blocks " + numbertext(first) + " to " + numbertext(last) +
+                        " are not among the " + numbertext(nblock) + " of the chromosome");
+        for (int64 j = first; j <= last; ++j)
+            shares(j) = proportion / static_cast<double>(last - first + 1);
+    }
+    return shares;
 }
 
 void setrecombfactors(state &s, int64 chrom)

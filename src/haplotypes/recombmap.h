@@ -21,6 +21,9 @@ void readrecombspec(state &s, int64 chrom);
 // The same without the file of what was achieved.
 void checkrecombspec(state &s, int64 chrom);
 
+// The shares of the blocks by the file of what was achieved, with its eight decimals.
+array1<double> readachievedshares(int64 chrom, int64 nblock);
+
 // recombfactperblock for a chromosome, made by the caller: readrecombspec with hotspots on, else
 // the even share 1 / nblock, in single precision.
 void setrecombfactors(state &s, int64 chrom);

@@ -76,6 +76,22 @@ void writesnpmap(const state &s, int64 chip)
 }
 } // namespace
 
+std::vector<snpsite> readsnpmap(int64 chip)
+{
+    std::vector<snpsite> sites;
+    infile in(snpinformationfile(chip), author::system);
+    in.skiprecords(1);
+    while (in.nextrecord()) {
+        snpsite &snp = sites.emplace_back();
+        in.skipwords(1); // its number, which is the line's
+        snp.chrom = in.integer();
+        snp.site = in.integer();
+        snp.maf = in.fraction();
+        snp.pos = in.fraction();
+    }
+    return sites;
+}
+
 void writeoutsnpchips(state &s, int64 firsttmpgen, int64 lasttmpgen)
 {
     if (s.run.specstartgen == 1) makefolder(chipfolder, "WriteOutSnpChips", s.failures);

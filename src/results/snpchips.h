@@ -14,6 +14,9 @@
 #include "markers/sitesets.h"
 #include "state.h"
 
+#include <string>
+#include <vector>
+
 constexpr const char *chipfolder = "./SimulatedData/AllIndividualsSnpChips";
 inline std::string chipphasefile(int64 chip)
 {
@@ -27,6 +30,13 @@ inline std::string chipgenotypefile(int64 chip)
 {
     return std::string(chipfolder) + "/Chip" + std::to_string(chip) + "Genotype.txt";
 }
+
+// The SNP of a chip, in the order of the chip, as its map has them.
+struct snpsite {
+    int64 chrom = 0, site = 0;
+    double maf = 0, pos = 0;
+};
+std::vector<snpsite> readsnpmap(int64 chip);
 
 // Gathers generations firsttmpgen to lasttmpgen. Individuals are numbered by the counts; the
 // numbers in the files per chromosome are dropped.

@@ -27,6 +27,10 @@ std::string substitutioneffectfile(qtnset set)
 
 namespace
 {
+// How the names of their columns begin.
+constexpr const char *additivelabel = "AddEff", *dominancelabel = "DomEff", *degreelabel = "DomDeg",
+                     *substitutionlabel = "Alpha";
+
 using effects = array2<double> qtnmodeldata::*;
 
 // One kind of effect, the columns of the models of a set side by side.
@@ -49,20 +53,28 @@ void putkeys(textline &line, const qtnsetdata &set, int64 q)
     for (const int64 key : {q, set.chromid(q), set.qtnid(q)}) puti(line, key, 10);
 }
 
+// Names of the columns of one kind of effect: models, and in them traits.
+std::vector<std::string> columnlabels(const state &s, qtnset set, const std::string &kind)
+{
+    std::vector<std::string> labels;
+    for (const int64 p : modelsofset(s, set))
+        for (int64 j = 1; j <= s.traits.ntraits; ++j)
+            labels.push_back(
+                kind +
+                (s.loci.model(p).distribution == effectdistribution::normal ? "Norm" : "Gamm") +
+                (set == qtnset::unrestricted ? "Unres" : "Restr") + numbertext(j));
+    return labels;
+}
+
 textline effecttitle(const state &s, qtnset set, const std::string &prefix,
                      const std::vector<effectblock> &blocks)
 {
     textline labels;
     for (const effectblock &block : blocks)
-        for (const int64 p : modelsofset(s, set))
-            for (int64 j = 1; j <= s.traits.ntraits; ++j) {
-                if (!labels.empty()) labels.append(4, ' ');
-                labels += block.label;
-                labels +=
-                    s.loci.model(p).distribution == effectdistribution::normal ? "Norm" : "Gamm";
-                labels += set == qtnset::unrestricted ? "Unres" : "Restr";
-                labels += numbertext(j);
-            }
+        for (const std::string &label : columnlabels(s, set, block.label)) {
+            if (!labels.empty()) labels.append(4, ' ');
+            labels += label;
+        }
     textline title;
     putleft(title, prefix + labels, 1000);
     return title;
@@ -114,7 +126,7 @@ void compileqtnadditiveeffects(const state &s)
 {
     for (const qtnset set : traitsets)
         writeeffectfile(s, additiveeffectfile(set), set, "GlobalQtnId  ChromId  QtnSeqIdOnChrom ",
-                        {{"AddEff", &qtnmodeldata::addeff}});
+                        {{additivelabel, &qtnmodeldata::addeff}});
 }
 
 void compileqtndominanceeffects(const state &s)
@@ -122,10 +134,10 @@ void compileqtndominanceeffects(const state &s)
     for (const qtnset set : traitsets) {
         // The odd first word is part of the format that readers of this file know.
         const bool odd = set == qtnset::restricted && s.qtn.nqtngamma <= 0;
-        writeeffectfile(s, dominanceeffectfile(set), set,
-                        std::string(odd ? "GobalQtnId" : "GlobalQtnId") +
-                            "  ChromId  QtnSeqIdOnChrom ",
-                        {{"DomEff", &qtnmodeldata::domeff}, {"DomDeg", &qtnmodeldata::domdeg}});
+        writeeffectfile(
+            s, dominanceeffectfile(set), set,
+            std::string(odd ? "GobalQtnId" : "GlobalQtnId") + "  ChromId  QtnSeqIdOnChrom ",
+            {{dominancelabel, &qtnmodeldata::domeff}, {degreelabel, &qtnmodeldata::domdeg}});
     }
 }
 
@@ -134,7 +146,7 @@ void compileqtnaverallelesubsteff(const state &s)
     for (const qtnset set : traitsets)
         writeeffectfile(s, substitutioneffectfile(set), set,
                         "GlobalQtnId  ChromId  QtnSeqIdOnChrom  ",
-                        {{"Alpha", &qtnmodeldata::alpha}});
+                        {{substitutionlabel, &qtnmodeldata::alpha}});
 }
 
 void compileqtnrecombination(const state &s)
@@ -228,6 +240,53 @@ void readqtneffects(state &s)
         if (s.qtn.dominonoff) readeffects(s, dominanceeffectfile(set), set, &qtnmodeldata::domeff);
     }
     if (s.selection.recombselonoff) readrecombinationeffects(s);
+}
+
+std::vector<qtnsite> readqtnsites(qtnset set)
+{
+    const bool istrait = set != qtnset::recombination;
+    std::vector<qtnsite> sites;
+    infile in(istrait ? informationfile(set) : recombinationfile, author::system);
+    in.skiprecords(1);
+    while (in.nextrecord()) {
+        qtnsite &qtn = sites.emplace_back();
+        in.skipwords(1); // its number, which is the line's
+        for (int64 *value : {&qtn.chrom, &qtn.site}) *value = in.integer();
+        for (double *value : {&qtn.maf, &qtn.referencefreq, &qtn.pos}) *value = in.real();
+        if (!istrait) continue;
+        for (int64 *value : {&qtn.mutation, &qtn.carrier}) *value = in.integer();
+    }
+    return sites;
+}
+
+effecttable readeffecttable(const state &s, qtnset set, int64 nqtn)
+{
+    effecttable table;
+    table.rows.resize(static_cast<std::size_t>(nqtn));
+    // A file's columns behind the first skipped ones go behind those of the files before.
+    const auto append = [&](const std::string &path, int64 nskipped,
+                            const std::vector<std::string> &names) {
+        infile in(path, author::system);
+        in.skiprecords(1);
+        for (std::vector<double> &row : table.rows) {
+            in.record();
+            in.skipwords(nskipped);
+            row.resize(row.size() + names.size());
+            in.anyreals(row.data() + row.size() - names.size(), std::ssize(names));
+        }
+        table.names.insert(table.names.end(), names.begin(), names.end());
+    };
+    if (set == qtnset::recombination) {
+        append(recombinationfile, 6, {"AddEffRecomb"});
+        return table;
+    }
+    append(additiveeffectfile(set), 3, columnlabels(s, set, additivelabel));
+    if (!s.qtn.dominonoff) return table;
+    std::vector<std::string> dominance = columnlabels(s, set, dominancelabel);
+    for (const std::string &label : columnlabels(s, set, degreelabel)) dominance.push_back(label);
+    append(dominanceeffectfile(set), 3, dominance);
+    append(substitutioneffectfile(set), 3, columnlabels(s, set, substitutionlabel));
+    return table;
 }
 
 std::vector<std::string> effectfilesof(const state &s)

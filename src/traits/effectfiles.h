@@ -32,6 +32,21 @@ std::string informationfile(qtnset set);
 // All of them that a run leaves.
 std::vector<std::string> effectfilesof(const state &s);
 
+// The QTN of a set, in global order, as its information file has them; of the recombination trait
+// as its own file has them, with no mutations.
+struct qtnsite {
+    int64 chrom = 0, site = 0;
+    double maf = 0, referencefreq = 0, pos = 0;
+    int64 mutation = 0, carrier = 0;
+};
+std::vector<qtnsite> readqtnsites(qtnset set);
+// All columns of the effect files of a set that the simulation leaves, side by side.
+struct effecttable {
+    std::vector<std::string> names;        // as in the titles of the files: AddEffNormUnres1, ...
+    std::vector<std::vector<double>> rows; // of the QTN in global order
+};
+effecttable readeffecttable(const state &s, qtnset set, int64 nqtn);
+
 // Takes back what the values follow from, once in a stage, into arrays that exist: referencefreq of
 // the sets in use; alpha of the models in use, which is the additive effect without dominonoff;
 // with dominonoff domeff; with recombselonoff addeffrecomb. A short file or one that is missing is

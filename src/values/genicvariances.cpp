@@ -103,3 +103,18 @@ void computetotalgenicvariances(state &s, int64 currentgen)
         }
     writevariances(s, currentgen, v);
 }
+
+std::vector<variancesofmodel> readgenicvariances(const state &s)
+{
+    std::vector<variancesofmodel> lines;
+    infile in(variancetable, author::system);
+    in.skiprecords(1);
+    while (in.nextrecord()) {
+        variancesofmodel &line = lines.emplace_back();
+        line.generation = in.integer();
+        line.model = in.integer();
+        for (int64 k = 1; k <= 4 * s.traits.ntraits && !trim(in.rest()).empty(); ++k)
+            line.values.push_back(in.anyreal());
+    }
+    return lines;
+}

@@ -3,8 +3,19 @@
 
 #include "state.h"
 
+#include <vector>
+
 constexpr const char *variancetable =
     "./SimulatedData/TotalGenicAndGeneticVariancesPerGeneration.txt";
+
+// The lines of the table: a generation and QTN model, and for each trait the four variances; less
+// of them where a merge has left a shorter line.
+struct variancesofmodel {
+    int64 generation = 0, model = 0;
+    std::vector<double>
+        values; // additive genic of the traits, dominance genic, additive genetic, ...
+};
+std::vector<variancesofmodel> readgenicvariances(const state &s);
 
 // Genic: the sum over QTN of 2 p q alpha^2, and of (2 p q d)^2 for dominance, with the fixed
 // effects and the frequencies of this generation alone, by the genotype tables: what loci that are

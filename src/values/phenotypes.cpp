@@ -102,3 +102,16 @@ void computetpv(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
     writevalues(s, currentgen, startindiv, endindiv);
     writemeans(s, currentgen, startindiv, endindiv);
 }
+
+std::vector<meanofgeneration> readmeans()
+{
+    std::vector<meanofgeneration> lines;
+    infile in(meanstable, author::system);
+    in.skiprecords(1);
+    while (in.nextrecord()) {
+        meanofgeneration &line = lines.emplace_back();
+        for (int64 *key : {&line.generation, &line.model, &line.trait}) *key = in.integer();
+        line.meantbv = in.anyreal();
+    }
+    return lines;
+}

@@ -3,8 +3,17 @@
 
 #include "state.h"
 
+#include <vector>
+
 constexpr const char *valuetable = "./SimulatedData/PedigreeTbvTdvTpv.txt";
 constexpr const char *meanstable = "./SimulatedData/GeneticMeansPerGeneration.txt";
+
+// Mean true breeding values as the table has them.
+struct meanofgeneration {
+    int64 generation = 0, model = 0, trait = 0;
+    double meantbv = 0;
+};
+std::vector<meanofgeneration> readmeans();
 
 // For generation currentgen, individuals startindiv to endindiv, whose tbv and tdv are complete:
 // residuals tev from the Cholesky factors cholcove, and tpv = (tbv + tdv) + tev. Each model has
