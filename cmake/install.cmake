@@ -1,11 +1,13 @@
-# What cmake --install puts where: solvanto and the scripts that serve runs into bin, the companions
+# What cmake --install puts where: solvanto, its tools and the scripts that serve runs into bin, the companions
 # into libexec/solvanto, examples and scripts into share/solvanto, manual pages and documentation.
 include(GNUInstallDirs)
 set(companionsfolder ${CMAKE_INSTALL_LIBEXECDIR}/solvanto)
 set(sharedfolder ${CMAKE_INSTALL_DATADIR}/solvanto)
 set(runscripts account seed tidy workingfolder)
 
-install(TARGETS solvanto DESTINATION ${CMAKE_INSTALL_BINDIR})
+# Tools are there only where the libraries were that they need.
+get_property(tools GLOBAL PROPERTY solvantotools)
+install(TARGETS solvanto ${tools} DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS ${companionprograms} DESTINATION ${companionsfolder})
 list(TRANSFORM runscripts PREPEND ${CMAKE_SOURCE_DIR}/scripts/ OUTPUT_VARIABLE runscriptfiles)
 install(PROGRAMS ${runscriptfiles} DESTINATION ${sharedfolder}/scripts)
@@ -38,13 +40,13 @@ installlink(${CMAKE_INSTALL_DOCDIR} examples ${sharedfolder}/examples)
 # Manual pages, of programs and scripts always, of docs/ where lowdown is installed.
 set(manpages ${CMAKE_BINARY_DIR}/man)
 set(manpagesources ${runscriptfiles})
-foreach(program solvanto ${companionprograms})
+foreach(program solvanto ${tools} ${companionprograms})
   list(APPEND manpagesources $<TARGET_FILE:${program}>)
 endforeach()
 file(GLOB docpages CONFIGURE_DEPENDS docs/*.md)
 add_custom_command(OUTPUT ${manpages}/solvanto.1
   COMMAND ${CMAKE_SOURCE_DIR}/cmake/manpages.sh ${PROJECT_VERSION} ${manpages} ${manpagesources}
-  DEPENDS solvantoprograms ${manpagesources} ${docpages} cmake/manpages.sh cmake/manpage.awk VERBATIM)
+  DEPENDS solvantoprograms ${tools} ${manpagesources} ${docpages} cmake/manpages.sh cmake/manpage.awk VERBATIM)
 add_custom_target(manpages ALL DEPENDS ${manpages}/solvanto.1)
 foreach(section 1 5 7)
   install(DIRECTORY ${manpages}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section}
@@ -59,6 +61,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS tabix) # bgzip, for solvanto-tidy
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "bcftools, plink2") # plink2 for solvanto-export --to pgen
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION

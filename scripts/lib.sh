@@ -62,8 +62,10 @@ needpackages() {
 # shellcheck disable=SC2034
 buildpackages=(g++ cmake make libeigen3-dev libopenblas-dev)
 # shellcheck disable=SC2034
+exportpackages=(libhts-dev)
+# shellcheck disable=SC2034
 testpackages=(libgtest-dev tabix python3-numpy python3-pandas python3-matplotlib python3-pytest
-    r-base-core r-cran-data.table r-cran-testthat)
+    r-base-core r-cran-data.table r-cran-testthat "${exportpackages[@]}" bcftools plink2)
 # shellcheck disable=SC2034
 benchpackages=(libbenchmark-dev scrm time)
 

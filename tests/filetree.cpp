@@ -10,8 +10,9 @@ namespace fs = std::filesystem;
 
 namespace
 {
-const std::set<std::string> programs{"solvanto",    "macs",     "Vintrecaskelle", "Quillomere",
-                                     "QuillomereP", "Brenvask", "Corvalind"};
+const std::set<std::string> programs{
+    "solvanto", "macs",      "Vintrecaskelle",  "Quillomere",     "QuillomereP",
+    "Brenvask", "Corvalind", "solvanto-export", "foundersfromvcf"};
 
 // Offset of the line that holds the offset at.
 std::size_t linestart(const std::string &text, std::size_t at)
