@@ -87,6 +87,15 @@ def writtenhere(made):
     made.put("history", "-eN 0.1 0.5 -eN 1.0 2.0\n")
     made.put("solutions", "1\n1\n0\n1\n1\n0\n", "1 0.5\n2 0.25\n4 0.75\n5 1\n",
              "".join(f"{i} 0.{i}\n" for i in range(1, 7)), "1 0 1 2 0 1 2\n2 0 1 2 9 1 2\n3 2 2 2 0 0 0\n")
+    made.put("merges", "source\n" + f"{2:30d}source\n{3:30d}source\n",
+             " Gen     nIndivInThisGen       nMalInThisGen       nFemInThisGen\n   1 2 1 1\n   2 2 1 1\n", "title\n" +
+             "".join(f"{g:20d}{i:20d}{i:20d}{s:20d}{d:20d} path\n" for g, i, s, d in
+                     [(1, 1, 0, 0), (1, 2, 0, 0), (2, 3, 1, 2), (2, 4, 1, 2)]))
+    made.put("storedtables", "60\n", "20 1 20\n", "7 2 1 1 7\n", "1 0\n2 1\n3 0\n",
+             "".join(f"{i} {i + 1} 0.{i} 0 0\n" for i in range(1, 5)),
+             "".join(f"{i} {7 * i} 0.25 0.{i}\n" for i in range(1, 5)),
+             "title\n" + "".join(f"1 {i} 0 0" + " 0.5 -1.25 3.0 NaN" * 3 + "\n" for i in range(1, 4)),
+             "1 0 2\n2 1 0\n3 4 4\n")
     made.put("macsoptions", "100\n1e6\n-t\n0.1\n-r\n0.2\n-eN\n0.1\n0.5\n-eN\n1\n2\n-h\n1\n-i\n2\n-s\n1")
 
 
