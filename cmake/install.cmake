@@ -3,7 +3,7 @@
 include(GNUInstallDirs)
 set(companionsfolder ${CMAKE_INSTALL_LIBEXECDIR}/solvanto)
 set(sharedfolder ${CMAKE_INSTALL_DATADIR}/solvanto)
-set(runscripts account seed tidy workingfolder)
+set(runscripts account report seed tidy workingfolder)
 
 # Tools are there only where the libraries were that they need.
 get_property(tools GLOBAL PROPERTY solvantotools)
@@ -14,7 +14,7 @@ install(PROGRAMS ${runscriptfiles} DESTINATION ${sharedfolder}/scripts)
 install(FILES scripts/lib.sh DESTINATION ${sharedfolder}/scripts)
 install(DIRECTORY examples DESTINATION ${sharedfolder} USE_SOURCE_PERMISSIONS)
 # The readers: Python's where scripts/account finds it, R's as the sources that R CMD INSTALL takes.
-install(DIRECTORY python r DESTINATION ${sharedfolder}
+install(DIRECTORY python r report DESTINATION ${sharedfolder}
   PATTERN __pycache__ EXCLUDE PATTERN tests EXCLUDE)
 install(FILES README.md CHANGELOG.md CITATION.cff DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)

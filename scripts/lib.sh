@@ -65,7 +65,8 @@ buildpackages=(g++ cmake make libeigen3-dev libopenblas-dev)
 exportpackages=(libhts-dev)
 # shellcheck disable=SC2034
 testpackages=(libgtest-dev tabix python3-numpy python3-pandas python3-matplotlib python3-pytest
-    r-base-core r-cran-data.table r-cran-testthat "${exportpackages[@]}" bcftools plink2)
+    r-base-core r-cran-data.table r-cran-testthat chromium chromium-driver python3-selenium
+    "${exportpackages[@]}" bcftools plink2)
 # shellcheck disable=SC2034
 benchpackages=(libbenchmark-dev scrm time)
 
