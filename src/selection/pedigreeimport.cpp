@@ -14,7 +14,7 @@ void readexternalpedigree(state &s, int64 selectioncycle, int64 currentgen)
 {
     const int64 endtestindiv = s.cycle.endtestindiv;
     infile in(importedpedigree(selectioncycle));
-    int64 indivpos = endtestindiv;
+    int64 indivpos = endtestindiv, nothers = 0, firstline = 0;
     for (int64 k = 1; k <= s.pedi.nindivinthisgen(currentgen); ++k) {
         ++indivpos;
         in.record();
@@ -27,8 +27,14 @@ void readexternalpedigree(state &s, int64 selectioncycle, int64 currentgen)
                       indivpos);
             stopwithcode(110015);
         }
+        if (oldglobalid != indivpos && nothers++ == 0) firstline = in.linenumber();
         initline(s.pedi.ped(indivpos), oldglobalid, oldglobalid, newsire, newdam, currentgen);
     }
+    if (nothers > 0)
+        warn(s.options, importedpedigree(selectioncycle), firstline,
+             "the number is not the next one of Pedigree.txt (" + numbertext(nothers) +
+                 " such lines): later files name the individual by it, and prediction programs "
+                 "won't find its genotypes. Number the generation on behind the one before");
 }
 
 void importexternalpedforcurrentselgen(state &s, int64 selectioncycle, int64 currentgen)
