@@ -13,6 +13,7 @@ namespace macs
 namespace
 {
 constexpr std::uint64_t seedbits = (1ULL << 62) - 1;
+constexpr const char *seedfile = "../../Seed.txt";
 } // namespace
 
 int64 mixedseed(std::string_view runseed, std::string_view foldername)
@@ -27,18 +28,21 @@ int64 mixedseed(std::string_view runseed, std::string_view foldername)
     return static_cast<int64>(mixed & seedbits) + 1;
 }
 
+int64 seedofrun(std::string_view name)
+{
+    infile in(seedfile);
+    in.record();
+    // As a number, so that its layout in the file does not matter.
+    return mixedseed(std::to_string(in.integer()), name);
+}
+
 int64 defaultseed()
 {
-    const std::string file = "../../Seed.txt";
-    if (!pathexists(file)) {
+    if (!pathexists(seedfile)) {
         std::random_device source;
         const std::uint64_t high = source();
         return static_cast<int64>((high << 32 | source()) & seedbits) + 1;
     }
-    infile in(file);
-    in.record();
-    // As a number, so that its layout in the file does not matter.
-    const std::string runseed = std::to_string(in.integer());
-    return mixedseed(runseed, std::filesystem::path(workingdirectory()).filename().string());
+    return seedofrun(std::filesystem::path(workingdirectory()).filename().string());
 }
 } // namespace macs

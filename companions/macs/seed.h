@@ -14,6 +14,9 @@ namespace macs
 {
 // The seed that a run's seed and a folder's name make, from 1 to 2^62.
 int64 mixedseed(std::string_view runseed, std::string_view foldername);
+// The same for all chromosomes of a run, by a name that tells what it is for. Stops: an I/O error
+// when there is no ../../Seed.txt, too.
+int64 seedofrun(std::string_view name);
 // The seed by the rule above. Stops: an I/O error when ../../Seed.txt can't be read or holds
 // no integer.
 int64 defaultseed();

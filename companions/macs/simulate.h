@@ -33,10 +33,7 @@ struct chromosomerates {
 void simulatechromosome(marginaltree &tree, nodeid nhaplotypes, chromosomerates &rates,
                         const sizehistory &history, randomstream &random, const listeners &told);
 
-// All chromosomes of the options, written as they arise:
-//   SITE:<tab>index<tab>position<tab>age<tab>alleles   for each site, index from 0
-//   TOTAL_SAMPLES:, TOTAL_SITES:, BEGIN_SELECTED_SITES, the indices, END_SELECTED_SITES
-// the last five only behind at least one site. Position has 12 significant digits, age 9, both
-// right-aligned in 15 columns where they fit. Notes on standard error count what was met.
+// All chromosomes of the options, written as they arise in the layout of siteoutput.h. Notes on
+// standard error count what was met.
 void writechromosomes(const macsoptions &options, int64 seed, outfile &out);
 } // namespace macs

@@ -21,9 +21,11 @@ void copyprograms(state &s)
     }
 }
 
-// What tells one coalescent run from another: its seed, and the number of its sites.
+// What tells one coalescent run from another: its seed, its first site, and the number of its sites.
+// Programs that take founders from files have one seed for all chromosomes.
 struct macsrun {
     std::string seedline;
+    std::string firstsite;
     std::string nsites;
 };
 
@@ -43,6 +45,7 @@ macsrun lookatrun(int64 chrom)
     in.nextrecord(); // the command line
     const std::string seedline = firstline(in);
     if (seedline.starts_with("SEED:")) run.seedline = seedline;
+    run.firstsite = firstline(in);
     infile count(segsites);
     run.nsites = firstline(count);
     return run;
@@ -52,6 +55,7 @@ void warnofequalruns(const runoptions &options, const macsrun &before, const mac
                      int64 chrom)
 {
     if (run.seedline.empty() || run.seedline != before.seedline) return;
+    if (run.firstsite != before.firstsite) return;
     if (run.nsites != before.nsites || run.nsites == "0") return;
     warn(options, "", 0,
          "chromosomes " + numbertext(chrom - 1) + " and " + numbertext(chrom) +
