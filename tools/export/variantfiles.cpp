@@ -27,7 +27,8 @@ class bytesink
             plain.open(path);
             return;
         }
-        packed = ::bgzf_open(path.c_str(), how == packing::compressed ? "w" : "w0");
+        // Level 4 takes less than half the time of the usual 6, for files a sixth larger.
+        packed = ::bgzf_open(path.c_str(), how == packing::compressed ? "w4" : "w0");
         if (!packed) ioerrno(path, "can't open for writing");
         if (nthreads > 1 && ::bgzf_mt(packed, nthreads, 256) != 0)
             ioerror(path, "its threads can't be started");
