@@ -68,7 +68,7 @@ testpackages=(libgtest-dev tabix python3-numpy python3-pandas python3-matplotlib
     r-base-core r-cran-data.table r-cran-testthat chromium chromium-driver python3-selenium
     "${exportpackages[@]}" bcftools plink2)
 # shellcheck disable=SC2034
-benchpackages=(libbenchmark-dev scrm time)
+benchpackages=(libbenchmark-dev scrm time "${exportpackages[@]}" plink2 tabix)
 
 # build FOLDER [CMAKE OPTION...]: configures and builds all, or $target; the log is shown when it fails.
 build() {
