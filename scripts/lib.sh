@@ -29,8 +29,9 @@ answerhelp() {
 }
 
 # Where the programs are: beside scripts and examples where they are installed, else in the build.
+# SOLVANTO_BIN names another folder of them.
 programsfolder() {
-    if [ -d "$root/bin" ]; then echo "$root/bin"; else echo "$root/build/bin"; fi
+    if [ -n "${SOLVANTO_BIN:-}" ]; then echo "$SOLVANTO_BIN"; elif [ -d "$root/bin" ]; then echo "$root/bin"; else echo "$root/build/bin"; fi
 }
 
 # needpackages NAME...: installs those of the Debian packages that are missing; says which ones
@@ -66,6 +67,7 @@ exportpackages=(libhts-dev)
 # shellcheck disable=SC2034
 testpackages=(libgtest-dev tabix python3-numpy python3-pandas python3-matplotlib python3-pytest
     r-base-core r-cran-data.table r-cran-testthat chromium chromium-driver python3-selenium
+    snakemake python3-scipy python3-yaml
     "${exportpackages[@]}" bcftools plink2)
 # shellcheck disable=SC2034
 benchpackages=(libbenchmark-dev scrm time "${exportpackages[@]}" plink2 tabix)

@@ -84,7 +84,9 @@ def write_spec(spec: Mapping[str, Any], folder: str | os.PathLike, executable: s
             near = difflib.get_close_matches(name.lower(), names, 1, 0)
             raise SpecificationError(f"{name}: is no key; the nearest is {names[near[0]]}")
         given[names[name.lower()]] = value
-    missing = [key["name"] for key in known if key["default"] == "required" and key["name"] not in given]
+    # Keys that need others to take effect are left to the program.
+    missing = [key["name"] for key in known
+               if key["default"] == "required" and not key["needs"] and key["name"] not in given]
     if missing:
         raise SpecificationError(f"these keys are missing: {', '.join(missing)}")
     lines: list[str] = []

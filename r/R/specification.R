@@ -46,7 +46,7 @@ spec_keys <- function(executable = program()) {
     found <- grep(paste0("^    \"", name, "\": "), lines, value = TRUE)
     gsub("^\"|\"$", "", sub(",$", "", sub(paste0("^    \"", name, "\": "), "", found)))
   }
-  data.table(name = field("name"), box = as.integer(field("box")), form = field("form"), default = field("default"),
+  data.table(name = field("name"), box = as.integer(field("box")), form = field("form"), default = field("default"), needs = field("needs"),
              code = as.integer(field("code")), meaning = gsub("\\\\\"", "\"", field("meaning")))
 }
 
@@ -57,7 +57,8 @@ write_spec <- function(spec, folder, executable = program(folder)) {
     wrong <- names(spec)[is.na(place)][1]
     refuse(wrong, ": is no key; the nearest is ", known$name[which.min(utils::adist(tolower(wrong), tolower(known$name)))])
   }
-  missing <- setdiff(which(known$default == "required"), place)
+  # Keys that need others to take effect are left to the program.
+  missing <- setdiff(which(known$default == "required" & known$needs == ""), place)
   if (length(missing)) refuse("these keys are missing: ", paste(known$name[missing], collapse = ", "))
   lines <- character()
   box <- 0
