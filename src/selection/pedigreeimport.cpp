@@ -32,7 +32,7 @@ void readexternalpedigree(state &s, int64 selectioncycle, int64 currentgen)
     }
     if (nothers > 0)
         warn(s.options, importedpedigree(selectioncycle), firstline,
-             "the number is not the next one of Pedigree.txt (" + numbertext(nothers) +
+             "the number is not the next one of the pedigree (" + numbertext(nothers) +
                  " such lines): later files name the individual by it, and prediction programs "
                  "won't find its genotypes. Number the generation on behind the one before");
 }
