@@ -67,7 +67,7 @@ exportpackages=(libhts-dev)
 # shellcheck disable=SC2034
 testpackages=(libgtest-dev tabix python3-numpy python3-pandas python3-matplotlib python3-pytest
     r-base-core r-cran-data.table r-cran-testthat chromium chromium-driver python3-selenium
-    snakemake python3-scipy python3-yaml
+    snakemake python3-scipy python3-yaml slurm-wlm munge
     "${exportpackages[@]}" bcftools plink2)
 # shellcheck disable=SC2034
 benchpackages=(libbenchmark-dev scrm time "${exportpackages[@]}" plink2 tabix)

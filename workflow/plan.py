@@ -1,4 +1,4 @@
-"""plan.py STUDY: judges a study before anything of it starts, and tells what it will take.
+"""plan.py STUDY CORES [cluster]: judges a study before anything of it starts, and tells what it will take.
 
 Every scenario is checked by the program itself (solvanto --check) in a folder that is removed again. Prints a
 table of the scenarios, and the study's disk, memory and time beside what this machine has. Status 1 where a
@@ -7,6 +7,8 @@ scenario is refused or the disk is too small.
 
 from __future__ import annotations
 
+import json
+import math
 import os
 import re
 import shutil
@@ -48,11 +50,24 @@ def number(value: float, units: list[tuple[str, float]]) -> str:
     return f"{value / units[0][1]:.2g} {units[0][0]}"
 
 
+def writeplan(study: Study, sizes: dict[str, dict[str, float]]) -> None:
+    """What a job of each scenario is given on a cluster: twice the memory and three times the time expected, and
+    room for the interpreter."""
+    jobs = {scenario: {"memory": math.ceil(2 * size["Memory"] / 1e6) + 200, "minutes": math.ceil(3 * size["Time"] / 60) + 1}
+            for scenario, size in sizes.items()}
+    # Jobs of less than a minute go several at a time.
+    together = max(1, int(60 / max(max(size["Time"] for size in sizes.values()), 1)))
+    path = study.folder / "study" / "plan.json"
+    path.parent.mkdir(exist_ok=True)
+    path.write_text(json.dumps({"jobs": jobs, "together": min(together, study.replicates)}, indent=1) + "\n")
+
+
 def main() -> int:
     bytes_, seconds = [("MB", 1e6), ("GB", 1e9), ("TB", 1e12)], [("s", 1), ("minutes", 60), ("hours", 3600)]
-    cores = int(sys.argv[2]) if len(sys.argv) > 2 else os.cpu_count() or 1
+    oncluster = sys.argv[3:] == ["cluster"]
     try:
         study = readstudy(Path(sys.argv[1]))
+        cores = min(int(sys.argv[2]), len(study.scenarios) * study.replicates)
         sizes = {}
         for scenario in study.scenarios:
             try:
@@ -74,11 +89,13 @@ def main() -> int:
     free = shutil.disk_usage(study.folder).free
     have = os.sysconf("SC_PHYS_PAGES") * os.sysconf("SC_PAGE_SIZE")
     print(f"the study, {cores} at once: up to {number(disk, bytes_)} of disk (free: {number(free, bytes_)}), "
-          f"{number(memory, bytes_)} of memory (there are {number(have, bytes_)}), about {number(time, seconds)}", flush=True)
+          f"{number(memory, bytes_)} of memory ({'of the nodes' if oncluster else 'there are ' + number(have, bytes_)}), "
+          f"about {number(time, seconds)}", flush=True)
+    writeplan(study, sizes)
     if disk > free:
         print("ERROR: the disk is too small: keep less, or fewer replicates", file=sys.stderr)
         return 1
-    if memory > have:
+    if memory > have and not oncluster:
         print("WARNING: there is less memory: run fewer at once (--cores)", file=sys.stderr)
     return 0
 

@@ -1,8 +1,9 @@
-"""replicate.py STUDY founders REPLICATE, or replicate.py STUDY SCENARIO REPLICATE: one run of a study.
+"""replicate.py STUDY founders REPLICATE ATTEMPT, or replicate.py STUDY SCENARIO REPLICATE ATTEMPT: one run of a study.
 
 The folder is made anew, whatever an earlier trial left in it, and the seed is always the same: a run that was
 cut off is repeated. Leaves results.tsv in the folder (or done, for founders) when all else is done; where the
-run fails, failed.txt with its message, and status 1.
+run fails, failed.txt with its message, and status 1. A cluster may start a job again that was killed (ATTEMPT 2,
+3, ...): one that failed by itself would only fail again, and isn't run.
 """
 
 from __future__ import annotations
@@ -78,6 +79,8 @@ def main() -> int:
     study = readstudy(Path(sys.argv[1]))
     scenario, replicate = sys.argv[2], int(sys.argv[3])
     folder = study.foundersfolder(replicate) if scenario == "founders" else study.runfolder(scenario, replicate)
+    if int(sys.argv[4]) > 1 and (folder / "failed.txt").exists():
+        return 1
     try:
         makefounders(study, replicate) if scenario == "founders" else makerun(study, scenario, replicate)
     except (solvanto.SolvantoError, OSError, subprocess.CalledProcessError) as error:

@@ -122,3 +122,23 @@ def test_a_product_makes_all_combinations(tmp_path):
     assert table(folder, "mean")["scenario"].unique().tolist() == ["Pheno_0.2", "Pheno_0.5", "Tbv_0.2", "Tbv_0.5"]
     # Without common founders every run has a seed of its own.
     assert table(folder, "genetic_variance").query("generation == 1")["value"].nunique() == 4
+
+
+@pytest.mark.skipif(not shutil.which("slurmctld") or not shutil.which("munged") or os.geteuid() != 0,
+                    reason="needs Debian's slurm-wlm and munge, and root")
+def test_a_cluster_makes_the_same_tables_also_where_a_job_is_killed(finished, tmp_path):
+    folder = tmp_path / "study"
+    shutil.copytree(ROOT / "examples/study", folder)
+    change(folder, "replicates: 5", "replicates: 4")
+    # The first job that runs is killed once, with all that it has started.
+    kill = ("for _ in {1..300}; do job=$(squeue --noheader --states=RUNNING --format=%A | head -n 1); "
+            "[ -n \"$job\" ] && { sleep 0.5; scancel --signal=KILL \"$job\"; echo \"killed $job\"; break; }; sleep 0.1; done")
+    script = tmp_path / "script"
+    script.write_text(f"({kill}) >{tmp_path}/killed & {ROOT}/scripts/study {folder} --slurm; status=$?; wait; exit $status\n")
+    done = subprocess.run([Path(__file__).with_name("cluster.sh"), tmp_path / "cluster", "bash", script], capture_output=True, text=True)
+    assert done.returncode == 0, done.stdout + done.stderr + (folder / "study/log.txt").read_text()
+    assert (tmp_path / "killed").read_text().startswith("killed")
+    for file in (finished / "study/results").iterdir():
+        assert (folder / "study/results" / file.name).read_text() == file.read_text(), file.name
+    jobs = list((folder / "study/jobs").glob("*.status"))
+    assert 2 <= len(jobs) <= 8  # some at a time
