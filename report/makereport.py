@@ -1,4 +1,4 @@
-"""makereport.py FOLDER -o FILE: one page of HTML, with pictures, of what a run left."""
+"""makereport.py FOLDER -o FILE: one page of HTML, with pictures, of what a run left, or a study."""
 
 from __future__ import annotations
 
@@ -15,15 +15,17 @@ sys.path[:0] = [str(HERE), str(HERE.parent / "python")]
 
 import charts  # noqa: E402
 import facts  # noqa: E402
+import scenarios  # noqa: E402
 import solvanto  # noqa: E402
 
 
-def page(title: str, rows: list[tuple[str, str]], specification: str, pictures: list) -> str:
+def page(title: str, rows: list[tuple[str, str]], specification: str, pictures: list, table: str = "") -> str:
     """The template with all parts put in; nothing in it is loaded from elsewhere."""
     parts = {
         "TITLE": html.escape(title),
         "FACTS": "".join(f"<tr><th scope=row>{html.escape(k)}</th><td>{html.escape(v)}</td></tr>" for k, v in rows),
         "SPECIFICATION": html.escape(specification),
+        "TABLE": table,
         "STYLE": (HERE / "page.css").read_text(),
         "LIBRARY": (HERE / "vendor/echarts.min.js").read_text(),
         "SCRIPT": (HERE / "page.js").read_text(),
@@ -40,16 +42,25 @@ def write(path: Path, text: str) -> None:
     os.replace(beside, path)
 
 
+def runpage(folder: Path) -> str:
+    pictures = charts.charts(charts.Run(folder))
+    specification = (folder / "SolvantoSpec.txt").read_text()
+    return page(f"Report of {folder.resolve().name}", facts.facts(folder), specification, pictures)
+
+
+def studypage(folder: Path) -> str:
+    study = scenarios.Scenarios(folder)
+    return page(f"Study {folder.resolve().name}", study.facts(), study.specification(), study.charts(), study.differences())
+
+
 def main() -> int:
-    parser = argparse.ArgumentParser(prog="scripts/report", description="Makes one page of HTML of what a run left.")
-    parser.add_argument("folder", type=Path, help="of a finished run")
+    parser = argparse.ArgumentParser(prog="scripts/report", description="Makes one page of HTML of what a run left, or a study.")
+    parser.add_argument("folder", type=Path, help="of a finished run, or of a study with its results")
     parser.add_argument("-o", "--output", type=Path, help="the page (report.html in the folder)")
     arguments = parser.parse_args()
     try:
-        run = charts.Run(arguments.folder)
-        pictures = charts.charts(run)
-        specification = (arguments.folder / "SolvantoSpec.txt").read_text()
-        text = page(f"Report of {arguments.folder.resolve().name}", facts.facts(arguments.folder), specification, pictures)
+        isstudy = (arguments.folder / "study.yaml").exists()
+        text = studypage(arguments.folder) if isstudy else runpage(arguments.folder)
         output = arguments.output or arguments.folder / "report.html"
         write(output, text)
     except (solvanto.SolvantoError, OSError) as error:

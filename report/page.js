@@ -11,7 +11,27 @@ function shade(k, n) {
   return `hsl(${Math.round(215 - 215 * share)}, 65%, ${dark ? 62 : 45}%)`;
 }
 
+// A band of confidence: one area along the lower bounds and back along the upper ones. It goes by the name of its
+// series, and is switched off with it.
+function band(one, k) {
+  const colour = colours[k % colours.length];
+  return {
+    name: one.name, type: "custom", data: one.band, silent: true, clip: true, z: 1, tooltip: { show: false },
+    encode: { x: 0, y: [1, 2] }, itemStyle: { color: colour },
+    renderItem: (parameters, api) => {
+      if (parameters.dataIndex > 0) return undefined;
+      const low = one.band.map(([x, from]) => api.coord([x, from])), high = one.band.map(([x, , to]) => api.coord([x, to]));
+      return { type: "polygon", shape: { points: low.concat(high.reverse()) }, style: { fill: colour, opacity: 0.18 } };
+    },
+  };
+}
+
 function series(picture) {
+  const made = plainseries(picture);
+  return made.concat(picture.series.flatMap((one, k) => (one.band && one.band.length ? [band(one, k)] : [])));
+}
+
+function plainseries(picture) {
   return picture.series.map((one, k) => ({
     name: one.name,
     type: picture.kind === "points" ? "scatter" : picture.kind,
@@ -20,8 +40,8 @@ function series(picture) {
     symbolSize: picture.kind === "points" ? 5 : 6,
     showSymbol: one.points.length < 60,
     lineStyle: { width: 2, type: one.name.includes("genic") ? "dashed" : "solid" },
-    itemStyle: picture.shaded ? { color: shade(k, picture.series.length), opacity: 0.75 } : undefined,
-    emphasis: { focus: picture.series.length > 1 ? "series" : "none" },
+    itemStyle: picture.shaded ? { color: shade(k, picture.series.length), opacity: 0.75 } : { color: colours[k % colours.length] },
+    emphasis: { focus: picture.series.length > 1 && !one.band ? "series" : "none" },
   }));
 }
 
@@ -57,9 +77,10 @@ function option(picture) {
       trigger: picture.kind === "points" ? "item" : "axis",
       backgroundColor: dark ? "#26313c" : "#ffffff", borderColor: line, textStyle: { color: ink },
       formatter: (given) => {
-        const list = Array.isArray(given) ? given : [given];
+        const all = Array.isArray(given) ? given : [given];
+        const list = all.filter((one) => one.seriesIndex < picture.series.length);
         const head = `${picture.x}: ${shorter(list[0].value[0])}`;
-        return [head, ...list.map((one) => `${one.marker}${one.seriesName}: <b>${shorter(one.value[1])}</b>`)].join("<br>");
+        return [head, ...list.map((one) => `${one.marker}${one.seriesName}: <b>${shorter(one.value[1])}</b>${bounds(picture, one)}`)].join("<br>");
       },
     },
     grid: { left: 72, right: 24, top: 40, bottom: 48 },
@@ -69,10 +90,19 @@ function option(picture) {
   };
 }
 
+function bounds(picture, one) {
+  const found = (picture.series[one.seriesIndex].band || []).find(([x]) => x === one.value[0]);
+  return found ? ` (${shorter(found[1])} to ${shorter(found[2])})` : "";
+}
+
 // The picture's points as text, tabs between the columns.
 function numbers(picture) {
-  const rows = [["series", picture.x, picture.y]];
-  for (const one of picture.series) for (const point of one.points) rows.push([one.name, ...point]);
+  const banded = picture.series.some((one) => one.band);
+  const rows = [["series", picture.x, picture.y, ...(banded ? ["lower", "upper"] : [])]];
+  for (const one of picture.series) {
+    const bounds = new Map((one.band || []).map(([x, low, high]) => [x, [low, high]]));
+    for (const point of one.points) rows.push([one.name, ...point, ...(banded ? bounds.get(point[0]) || ["", ""] : [])]);
+  }
   return rows.map((row) => row.join("\t")).join("\n") + "\n";
 }
 

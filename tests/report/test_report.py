@@ -93,3 +93,39 @@ def test_a_folder_without_a_finished_run_is_refused(copied, tmp_path):  # noqa: 
     done = subprocess.run([ROOT / "scripts/report", folder], capture_output=True, text=True)
     assert done.returncode == 2 and "is cut" in done.stderr
     assert not (folder / "report.html").exists()
+
+
+def test_a_study_has_bands_and_a_table_of_differences(browser, tmp_path):
+    folder = tmp_path / "ofmine"
+    shutil.copytree(ROOT / "examples/study", folder)
+    done = subprocess.run([ROOT / "scripts/report", folder], capture_output=True, text=True)
+    assert done.returncode == 2 and "scripts/study makes it" in done.stderr
+    (folder / "study/results").mkdir(parents=True)
+    rows = ["scenario\tgeneration\ttrait\tstatistic\tmean\tstandard_error\treplicates\tlower\tupper"]
+    for place, name in enumerate(["phenotypes", "genomic"]):
+        rows += [f"{name}\t{g}\t1\tmean\t{g * (place + 1) / 4}\t0.1\t5\t{g * (place + 1) / 4 - 0.25}\t{g * (place + 1) / 4 + 0.25}" for g in range(1, 7)]
+    rows += [f"genomic - phenotypes\t{g}\t1\tmean\t{g / 4}\t0.05\t5\t{g / 4 - 0.125}\t{g / 4 + 0.125}" for g in range(1, 7)]
+    (folder / "study/results/summary.tsv").write_text("\n".join(rows) + "\n")
+    browser.get(made(folder, folder / "report.html").as_uri())
+    cells = [cell.text for cell in browser.find_elements(By.CSS_SELECTOR, "table.numbers td")]
+    assert cells == ["genomic - phenotypes: Genetic trend, trait 1", "6", "1.5", "0.05", "1.38", "1.62", "5"]
+    tip = browser.execute_script(
+        "const one = drawn[0]; one.chart.dispatchAction({type: 'showTip', seriesIndex: 0, dataIndex: 5}); return one.box.innerText;")
+    assert "phenotypes: 1.5 (1.25 to 1.75)" in tip and "genomic: 3 (2.75 to 3.25)" in tip
+    # The band goes along the lower bounds and back along the upper ones.
+    corners = browser.execute_script("""
+        const chart = drawn[0].chart, number = /-?[0-9.]+/g;
+        const bands = [...drawn[0].box.querySelectorAll("svg path")].filter((path) => path.getAttribute("fill-opacity") === "0.18" || path.getAttribute("opacity") === "0.18");
+        const pixels = (x, y) => chart.convertToPixel({xAxisIndex: 0, yAxisIndex: 0}, [x, y]);
+        return [bands.map((path) => path.getAttribute("d").match(number).map(Number)), pixels(1, 0), pixels(6, 1.25), pixels(6, 1.75), pixels(1, 0.5)];""")
+    drawn, first, low, high, last = corners
+    assert len(drawn) == 2
+    assert drawn[0][:2] == pytest.approx(first, abs=0.6) and drawn[0][10:12] == pytest.approx(low, abs=0.6)
+    assert drawn[0][12:14] == pytest.approx(high, abs=0.6) and drawn[0][22:24] == pytest.approx(last, abs=0.6)
+    # A name switches its band off too.
+    paths = "return drawn[0].box.querySelectorAll('svg path').length;"
+    before = browser.execute_script(paths)
+    browser.execute_script("drawn[0].chart.dispatchAction({type: 'legendToggleSelect', name: 'genomic'});")
+    assert browser.execute_script(paths) < before
+    assert browser.execute_script("return numbers(pictures[0]);").splitlines()[6] == "phenotypes\t6\t1.5\t1.25\t1.75"
+    assert browser.get_log("browser") == []
