@@ -4,7 +4,8 @@
 # Usage: bench/benchmacs.sh BUILDFOLDER
 set -eu
 export LC_ALL=C
-macs=${1:?usage: bench/benchmacs.sh BUILDFOLDER}/bin/macs
+programs=$(cd "${1:?usage: bench/benchmacs.sh BUILDFOLDER}/bin" && pwd)
+macs=$programs/macs
 sizes="-eN 0.06 2 -eN 0.13 3 -eN 0.25 5 -eN 0.5 7 -eN 0.75 9 -eN 1 11 -eN 1.25 12.5 -eN 1.5 13
 -eN 1.75 13.5 -eN 2 14 -eN 2.25 14.5 -eN 2.5 15 -eN 5 20 -eN 7.5 25 -eN 10 30 -eN 12.5 35 -eN 15 40
 -eN 17.5 45 -eN 20 50 -eN 22.5 55 -eN 25 60 -eN 50 70 -eN 100 80 -eN 150 90 -eN 200 100 -eN 250 120
@@ -34,6 +35,18 @@ if [ -e "$work/theirs" ]; then
 else
     echo "scrm is not installed (Debian: scrm): no ratio to it"
 fi
+
+# The formatter on that output, against the simulator that wrote it, both to files as in a run.
+cd "$work"
+for seed in 1 2 3 4 5; do
+    TIMEFORMAT='%U %S'
+    { time $ourcall -s $seed >output.txt 2>notes; } 2>time
+    awk '{ print $1 + $2 }' time >>written
+    cpu "$programs/Vintrecaskelle" 1000 >>formatted
+done
+awk -v ours="$(median formatted)" -v macs="$(median written)" 'BEGIN {
+    printf "Vintrecaskelle on its output: %.3f s; macs, writing it: %.3f s; ratio %.2f (wanted: at most 1)\n",
+           ours, macs, ours / macs }'
 
 seconds=$(cpu "$macs" 1000 100000000 -t 0 -r 0.40E-05 $sizes -s 1 -i 20)
 awk -v s="$seconds" '/recombinations/ { n += $4 } END {

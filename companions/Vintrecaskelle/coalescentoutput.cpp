@@ -44,6 +44,14 @@ bool sitestore::add(double position, const char *alleles)
 
 namespace
 {
+// Place of the first blank or tab, or the size. Alleles are words of thousands of characters, through
+// which only a search for a single character goes at the speed of memory.
+std::size_t endofword(std::string_view text)
+{
+    const std::size_t tab = std::min(text.find('\t'), text.size());
+    return std::min(text.substr(0, tab).find(' '), tab);
+}
+
 // The next word of a line, separated by blanks and tabs; empty at the end of the line.
 std::string_view cutword(std::string_view &line)
 {
@@ -53,7 +61,7 @@ std::string_view cutword(std::string_view &line)
         return {};
     }
     line.remove_prefix(first);
-    const std::string_view word = line.substr(0, line.find_first_of(" \t"));
+    const std::string_view word = line.substr(0, endofword(line));
     line.remove_prefix(word.size());
     return word;
 }
