@@ -121,15 +121,16 @@ runwork workofrun(const state &s, const runfacts &facts)
     return work;
 }
 
-// In units of what was measured, cpu time in draws. The factors are those of least squares over the
-// examples and larger forms of them; scripts/estimates compares.
+// In units of what was measured, cpu time in draws. The factors were fitted to the examples and larger
+// forms of them, which they keep within a factor of two on quiet and on busy machines;
+// scripts/estimates compares.
 double expectedseconds(const runwork &work, const machinespeed &speed)
 {
     const double indraws = 2e7 + 6 * work.draws + 11.5 * work.bytespacked + 2.7 * work.tablebytes +
-                           200 * work.recombinations + 3 * work.foundercells +
+                           200 * work.recombinations + 1.2 * work.foundercells +
                            0.5 * work.genotypes + 9 * work.predictedcells +
                            0.017 * work.equationwork + 0.025 * work.allocationwork;
-    return indraws * speed.draw + 7.5 * work.byteswritten * speed.byte +
+    return indraws * speed.draw + 5 * work.byteswritten * speed.byte +
            5 * work.starts * speed.start;
 }
 

@@ -15,6 +15,7 @@ from conftest import BIN, copied, example  # noqa: E402, F401
 webdriver = pytest.importorskip("selenium.webdriver")
 from selenium.webdriver.chrome.service import Service  # noqa: E402
 from selenium.webdriver.common.by import By  # noqa: E402
+from selenium.webdriver.support.ui import WebDriverWait  # noqa: E402
 
 
 @pytest.fixture(scope="module")
@@ -126,6 +127,7 @@ def test_a_study_has_bands_and_a_table_of_differences(browser, tmp_path):
     paths = "return drawn[0].box.querySelectorAll('svg path').length;"
     before = browser.execute_script(paths)
     browser.execute_script("drawn[0].chart.dispatchAction({type: 'legendToggleSelect', name: 'genomic'});")
-    assert browser.execute_script(paths) < before
+    # It fades out first.
+    WebDriverWait(browser, 10).until(lambda shown: shown.execute_script(paths) < before)
     assert browser.execute_script("return numbers(pictures[0]);").splitlines()[6] == "phenotypes\t6\t1.5\t1.25\t1.75"
     assert browser.get_log("browser") == []
