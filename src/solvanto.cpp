@@ -149,6 +149,7 @@ void writeresults(state &s)
 void solvanto(const runoptions &options, runaccount &account)
 {
     const float start = cpuseconds();
+    commandsatonce(); // refused before anything is touched
     titles();
     const filedescriptor lock = lockrun(options, specfile);
     for (const char *folder : runfolders) refuselinks(folder);

@@ -6,6 +6,7 @@
 #include "folders.h"
 #include "randomnumbers.h"
 #include "runlock.h"
+#include "shell.h"
 #include "spec/readinparameters.h"
 #include "spec/specreader.h"
 #include "textlayout.h"
@@ -63,6 +64,7 @@ void checkspec(const runoptions &options)
     randomstream random;
     std::optional<runsettings> settings;
     commandfailures failures;
+    faults.judge([&] { commandsatonce(); });
     faults.judge([&] { lockrun(options, specfile); });
     for (const char *folder : runfolders) faults.judge([&] { refuselinks(folder); });
     faults.judge([&] { random = firststream(readseed(options)); });

@@ -4,6 +4,7 @@
 #include "cyclefolder.h"
 #include "founders/simulatedsites.h"
 #include "markers/sitesets.h"
+#include "shell.h"
 
 #include <algorithm>
 
@@ -126,10 +127,11 @@ runwork workofrun(const state &s, const runfacts &facts)
 // scripts/estimates compares.
 double expectedseconds(const runwork &work, const machinespeed &speed)
 {
-    const double indraws = 2e7 + 6 * work.draws + 11.5 * work.bytespacked + 2.7 * work.tablebytes +
-                           200 * work.recombinations + 1.2 * work.foundercells +
-                           0.5 * work.genotypes + 9 * work.predictedcells +
-                           0.017 * work.equationwork + 0.025 * work.allocationwork;
+    const double atonce = number(commandsatonce());
+    const double indraws =
+        2e7 + 6 * work.draws + 11.5 * work.bytespacked / atonce + 2.7 * work.tablebytes +
+        (200 * work.recombinations + 1.2 * work.foundercells) / atonce + 0.5 * work.genotypes +
+        9 * work.predictedcells + 0.017 * work.equationwork + 0.025 * work.allocationwork;
     return indraws * speed.draw + 5 * work.byteswritten * speed.byte +
            5 * work.starts * speed.start;
 }
@@ -207,9 +209,10 @@ memorysize expectedmemory(const state &s, const runfacts &facts)
                                    {lasting + generationmemory(s, facts), 0}};
     if (makesfounders(s)) {
         const double nhaps = number(s.founders.nhaps);
-        stages.push_back({beginning, shell + emptymacs + 140 * nhaps});
-        stages.push_back(
-            {beginning, shell + emptyformatter + facts.sites.simulated * (nhaps / 8 + 22)});
+        const double atonce = number(std::min(commandsatonce(), s.founders.nchrom));
+        stages.push_back({beginning, atonce * (shell + emptymacs + 140 * nhaps)});
+        stages.push_back({beginning, atonce * (shell + emptyformatter +
+                                               facts.sites.simulated * (nhaps / 8 + 22))});
     }
     for (const trainingplan &plan : facts.cycles)
         if (const double program = cyclememory(s, plan); program > 0)

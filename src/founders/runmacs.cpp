@@ -68,18 +68,30 @@ void warnofequalruns(const runoptions &options, const macsrun &before, const mac
              "one second the same. See " +
              macsoutput + " of both folders.");
 }
+// A simulator of a user's own may take its seed from the clock: it runs for one chromosome after the
+// other, as it always did, lest chromosomes are the same.
+int64 programsatonce()
+{
+    const int64 natonce = commandsatonce();
+    // Asked in a folder where it finds, and can leave, no file.
+    const char *question = "macs=$PWD/macs; cd /proc/self && timeout 5 \"$macs\" --version "
+                           "</dev/null 2>/dev/null | grep -q '^\\(macs\\|foundersfromvcf\\) [0-9]'";
+    const bool ours = natonce > 1 && shellstatus(question) == 0;
+    return ours ? natonce : 1;
+}
 } // namespace
 
 void runmacs(state &s)
 {
     copyprograms(s);
     printline(" Performing MaCS for each chromosome in series");
+    commandqueue programs(programsatonce());
     macsrun before;
     for (int64 i = 1; i <= s.founders.nchrom; ++i) {
         tellpart(s, runpart::founders, i, s.founders.nchrom, "chromosome " + numbertext(i));
         printline(" ");
         printfree("Chromosome: ", i);
-        runmacshelper(s, "cd Chromosomes/Chromosome" + numbertext(i), i);
+        runmacshelper(s, "cd Chromosomes/Chromosome" + numbertext(i), i, programs);
         const macsrun run = lookatrun(i);
         warnofequalruns(s.options, before, run, i);
         before = run;
@@ -88,21 +100,86 @@ void runmacs(state &s)
     printline("     ");
 }
 
-void runmacshelper(state &s, const std::string &folder, int64 chrom)
+namespace
+{
+void addprograms(const state &s, commandqueue &programs, const std::string &folder,
+                 const std::string &macsparams)
+{
+    const std::string nhaps = numbertext(s.founders.nhaps);
+    programs.add({macscommand(folder, s.founders.nhaps, macsparams, s.founders.recombhotspotsonoff),
+                  folder + " &&  ./Vintrecaskelle " + nhaps + " && cp -f " + segsitesname +
+                      " FinishedMacs.txt"});
+}
+
+void writehotspots(int64 chrom, const std::vector<recombregion> &regions)
+{
+    outfile out(chromfolder(chrom) + "Hotspots.txt");
+    textline line;
+    for (const recombregion &region : regions) {
+        putf(line, region.start, 12, 8);
+        putf(line, region.stop, 12, 8);
+        putf(line, region.proportion / (region.stop - region.start), 12, 8);
+        out.writeline(line);
+    }
+    out.close();
+}
+
+bool regionsareinorder(const std::vector<recombregion> &regions)
+{
+    // A region that ends where it starts has no length to divide its share by.
+    const bool empty = std::any_of(regions.begin(), regions.end(), [](const recombregion &region) {
+        return region.start == region.stop;
+    });
+    return !empty && regionsinorder(regions);
+}
+
+// Writes the regions of a chromosome before its turn; false, without a word, where they will stop
+// the run then.
+bool hotspotsbeforeturn(int64 chrom)
+{
+    std::vector<recombregion> regions;
+    try {
+        regions = readrecombregions(chrom);
+    } catch (const stopped &) {
+        return false;
+    }
+    if (!regionsareinorder(regions)) return false;
+    rescaleproportions(regions);
+    writehotspots(chrom, regions);
+    return true;
+}
+
+// The programs of later chromosomes go on beside those of this one. The parameters are the same for
+// all.
+void lookahead(const state &s, int64 chrom, const std::string &macsparams, commandqueue &programs)
+{
+    if (programs.natonce() == 1) return;
+    for (int64 i = chrom + 1; i <= s.founders.nchrom; ++i) {
+        if (s.founders.recombhotspotsonoff && !hotspotsbeforeturn(i)) return;
+        addprograms(s, programs, "cd Chromosomes/Chromosome" + numbertext(i), macsparams);
+    }
+}
+} // namespace
+
+void runmacshelper(state &s, const std::string &folder, int64 chrom, commandqueue &programs)
 {
     std::string macsparams;
     initmacscases(s, macsparams);
-    if (s.founders.recombhotspotsonoff) readrecombspecformacs(chrom);
-    runshell(macscommand(folder, s.founders.nhaps, macsparams, s.founders.recombhotspotsonoff),
-             "RunMacsRewrite A", s.failures);
+    const bool hasbegun = programs.size() >= chrom;
+    if (s.founders.recombhotspotsonoff) {
+        const std::vector<recombregion> regions = regionsformacs(chrom);
+        if (!hasbegun) writehotspots(chrom, regions);
+    }
+    if (!hasbegun) {
+        addprograms(s, programs, folder, macsparams);
+        lookahead(s, chrom, macsparams, programs);
+    }
+    programs.finish(chrom, 1, "RunMacsRewrite A", s.failures);
     printline(" Running Vintrecaskelle");
-    const std::string nhaps = numbertext(s.founders.nhaps);
-    runshell(folder + " &&  ./Vintrecaskelle " + nhaps + " && cp -f " + segsitesname +
-                 " FinishedMacs.txt",
-             "RunMacsRewrite B", s.failures);
+    programs.finish(chrom, 2, "RunMacsRewrite B", s.failures);
 
     outfile used("Chromosomes/Chromosome" + numbertext(chrom) + "/MaCSParametersUsed.txt");
-    used.writeline(freeline(nhaps + " ", macsparams));
+    used.writeline(freeline(numbertext(s.founders.nhaps) + " ", macsparams));
     used.close();
 }
 
@@ -113,25 +190,14 @@ std::string macscommand(const std::string &folder, int64 nhaps, const std::strin
            " " + (hotspots ? "-R Hotspots.txt" : "") + " 1>" + macsoutput + " 2>" + macsmessages;
 }
 
-namespace
-{
-void stopifoutoforder(const std::vector<recombregion> &regions)
-{
-    // A region that ends where it starts has no length to divide its share by.
-    const bool empty = std::any_of(regions.begin(), regions.end(), [](const recombregion &region) {
-        return region.start == region.stop;
-    });
-    if (!empty && regionsinorder(regions)) return;
-    printline("ERROR: Variable recombination file should be sorted from start to end of "
-              "chromosome");
-    stopwithcode(110031);
-}
-} // namespace
-
 std::vector<recombregion> regionsformacs(int64 chrom)
 {
     std::vector<recombregion> regions = readrecombregions(chrom);
-    stopifoutoforder(regions);
+    if (!regionsareinorder(regions)) {
+        printline("ERROR: Variable recombination file should be sorted from start to end of "
+                  "chromosome");
+        stopwithcode(110031);
+    }
     if (rescaleproportions(regions)) {
         printline("WARNING: proportion of recombinations over the defined regions must sum to 1.0 "
                   "- rescale");
@@ -142,14 +208,5 @@ std::vector<recombregion> regionsformacs(int64 chrom)
 
 void readrecombspecformacs(int64 chrom)
 {
-    const std::vector<recombregion> regions = regionsformacs(chrom);
-    outfile out(chromfolder(chrom) + "Hotspots.txt");
-    textline line;
-    for (const recombregion &region : regions) {
-        putf(line, region.start, 12, 8);
-        putf(line, region.stop, 12, 8);
-        putf(line, region.proportion / (region.stop - region.start), 12, 8);
-        out.writeline(line);
-    }
-    out.close();
+    writehotspots(chrom, regionsformacs(chrom));
 }

@@ -1,4 +1,5 @@
-// runmacs.h - the coalescent simulator and its formatter, run for each chromosome in series.
+// runmacs.h - the coalescent simulator and its formatter, run for each chromosome in series, or for
+// as many at once as the run has processors (shell.h): what is left and told is the same.
 //
 // The working directory holds the executables macs and Vintrecaskelle and, with recombination
 // hotspots on, RecombinationSpecifications/Chromosome<i>.txt for each chromosome: a line for each
@@ -16,6 +17,7 @@
 #pragma once
 
 #include "founders/recombregions.h"
+#include "shell.h"
 #include "state.h"
 
 #include <string>
@@ -31,9 +33,10 @@
 // Draws: none.
 void runmacs(state &s);
 
-// Runs both programs for one chromosome.
+// Runs both programs for one chromosome; where there are more processors, those of the chromosomes
+// behind it go on meanwhile.
 //   folder  in  the text of the command that changes to the chromosome's folder
-void runmacshelper(state &s, const std::string &folder, int64 chrom);
+void runmacshelper(state &s, const std::string &folder, int64 chrom, commandqueue &programs);
 
 // The command that runs macs in the folder. All its blanks are part of the text: two stand behind
 // the number of haplotypes, and two before the redirection when there is no hotspot file.

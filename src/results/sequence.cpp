@@ -107,18 +107,20 @@ void writeoutsequence(state &s, int64 firsttmpgen, int64 lasttmpgen)
 
 void zipsequenceoutputfiles(state &s, int64 firsttmpgen, int64 lasttmpgen)
 {
-    const auto zip = [&](const std::string &path) {
-        runshell("gzip -f " + path, "ZipSequenceOutputFiles", s.failures);
-    };
+    commandqueue gzips(commandsatonce());
+    const auto zip = [&](const std::string &path) { gzips.add({"gzip -f " + path}); };
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         for (int64 j = firsttmpgen; j <= lasttmpgen; ++j) {
             zip(sequencegenotypefileof(h, j));
             zip(sequencephasefileof(h, j));
         }
     }
-    if (!lastgenisreached(s, lasttmpgen)) return;
-    zip(sequencephasefile);
-    zip(sequencegenotypefile);
-    zip(sequencemapfile);
-    zip("./SimulatedData/AllIndividualsSnpChips/*");
+    if (lastgenisreached(s, lasttmpgen)) {
+        zip(sequencephasefile);
+        zip(sequencegenotypefile);
+        zip(sequencemapfile);
+        zip("./SimulatedData/AllIndividualsSnpChips/*");
+    }
+    for (int64 k = 1; k <= gzips.size(); ++k)
+        gzips.finish(k, 1, "ZipSequenceOutputFiles", s.failures);
 }
