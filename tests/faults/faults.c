@@ -300,7 +300,8 @@ int clone(int (*body)(void *), void *stack, int flags, void *argument, ...)
     void *const storage = va_arg(more, void *);
     pid_t *const child = va_arg(more, pid_t *);
     va_end(more);
-    if (fails(kfork, argument)) return -1;
+    // A command of the run: what its argument begins with points to the text.
+    if (fails(kfork, *(const char *const *)argument)) return -1;
     return real(body, stack, flags, argument, parent, storage, child);
 }
 int system(const char *command)

@@ -37,6 +37,8 @@ class judge:
         log.unlink(missing_ok=True)
         extra = {"LD_PRELOAD": self.library, "FAULTS_PROGRAM": prog.program, "FAULTS_KIND": kind,
                  "FAULTS_CALL": str(call), "FAULTS_LOG": str(log)}
+        if prog.issystem() and prog.program != "solvanto":  # its first start is to be that for the first chromosome
+            extra["SOLVANTO_THREADS"] = "1"
         if kind == "lock":  # what it is about is a warning
             prog = copy.copy(prog)
             prog.command = [word for word in prog.command if word != "--quiet"]

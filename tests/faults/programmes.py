@@ -5,6 +5,7 @@ needs beside it. Each worker has folders of its own, whose paths are equally lon
 holds the path of the run at a fixed width.
 """
 import collections
+import errno
 import os
 import pathlib
 import re
@@ -199,8 +200,14 @@ def withouttimes(text):
 def run(command, folder, report, extra=None):
     """Runs a command; report is the file that standard output goes to."""
     with open(report, "wb+") as out, tempfile.TemporaryFile() as err:
-        child = subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL, stdout=out, stderr=err,
-                                 env={**environment, **(extra or {})}, start_new_session=True)
+        child = None
+        while child is None:
+            try:
+                child = subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL, stdout=out, stderr=err,
+                                         env={**environment, **(extra or {})}, start_new_session=True)
+            except OSError as error:  # a process that another worker starts still holds the copy of a program open
+                if error.errno != errno.ETXTBSY:
+                    raise
         try:
             status = child.wait(timelimit)
         except subprocess.TimeoutExpired:
