@@ -77,6 +77,19 @@ void checkkeptrecord(int descriptor, const std::string &path, int64 n, off_t sta
                               " is wanted, the last of earlier generations");
     }
 }
+
+// Offset behind the first n lines of an open file, the last of which must be those expected there.
+off_t offsetbehindkept(int descriptor, const std::string &path, int64 nlines,
+                       const keptrecords &last)
+{
+    recordstarts starts{last.nrecords};
+    const off_t offset = offsetbehindlines(descriptor, path, nlines, starts);
+    if (nlines > 0) {
+        checkkeptrecord(descriptor, path, nlines - last.nrecords + 1, starts.first, last);
+        checkkeptrecord(descriptor, path, nlines, starts.last, last);
+    }
+    return offset;
+}
 } // namespace
 
 outfile::outfile(outfile &&other) noexcept
@@ -140,13 +153,7 @@ void outfile::openandkeep(const std::string &filename, int64 nlines, keptrecords
 {
     beginfile(filename);
     descriptor = opentoextend(name, nlines);
-    recordstarts starts{last.nrecords};
-    const off_t offset = offsetbehindlines(descriptor, name, nlines, starts);
-    if (nlines > 0) {
-        checkkeptrecord(descriptor, name, nlines - last.nrecords + 1, starts.first, last);
-        checkkeptrecord(descriptor, name, nlines, starts.last, last);
-    }
-    goonfrom(offset);
+    goonfrom(offsetbehindkept(descriptor, name, nlines, last));
 }
 
 namespace
@@ -164,11 +171,10 @@ void checklineend(int descriptor, const std::string &name, int64 nlines, off_t o
 }
 } // namespace
 
-void checkkept(const std::string &filename, int64 nlines)
+void checkkept(const std::string &filename, int64 nlines, keptrecords last)
 {
-    recordstarts unused;
     if (nlines > 0)
-        offsetbehindlines(opentoextend(filename, nlines, O_RDONLY), filename, nlines, unused);
+        offsetbehindkept(opentoextend(filename, nlines, O_RDONLY), filename, nlines, last);
 }
 
 void checkkeptfixed(const std::string &filename, int64 nlines, int64 recordlength,

@@ -81,6 +81,6 @@ class outfile
 
 // What openandkeep and openandkeepfixed ask of a file whose lines are to be kept, without opening
 // it for writing.
-void checkkept(const std::string &filename, int64 nlines);
+void checkkept(const std::string &filename, int64 nlines, keptrecords last = {});
 void checkkeptfixed(const std::string &filename, int64 nlines, int64 recordlength,
                     int64 headerlength = 0);

@@ -109,6 +109,7 @@ void checkgenomesofchrom(const state &s, int64 chrom, const std::set<int64> &gen
     for (const int64 gen : generations) {
         stopifmissing(genomefile(chrom, gen));
         checkgenome(genomefile(chrom, gen), s.pedi.nindivinthisgen(gen), nblock);
+        checkgenomeblocks(genomefile(chrom, gen), s.pedi.nindivinthisgen(gen), nblock);
     }
     if (!hasunknownparents(s, s.run.specstartgen, std::min(s.run.specendgen, s.pop.ngen))) return;
     haplotypestore haplotypes;
@@ -126,6 +127,8 @@ void checkearlierdrops(state &s)
         checkgenomesofchrom(s, h, generations);
         for (const individualfile &file : chromosomefiles(s, h))
             checkrecordsof(file, file.path, lastearlierindiv(s));
+        checkkept(trackingfile(h), 2 * lastearlierindiv(s),
+                  {{s.pedi.ped(lastearlierindiv(s)).newid}, 2});
     }
 }
 

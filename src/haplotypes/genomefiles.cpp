@@ -100,6 +100,23 @@ void readgenome(const std::string &path, genomestore &g, int64 nindiv, int64 nbl
     in.stopifmore();
 }
 
+void checkgenomeblocks(const std::string &path, int64 nindiv, int64 nblock)
+{
+    framereader in(path);
+    in.begin(2 * nindiv * nblock * 8);
+    std::vector<int64> buffer(static_cast<std::size_t>(std::max<int64>(nindiv, 1) * tile));
+    std::uint64_t bits = 0;
+    const int64 nrows = 2 * nindiv * nblock, most = static_cast<int64>(buffer.size());
+    for (int64 done = 0; done < nrows; done += most) {
+        const int64 n = std::min(most, nrows - done);
+        in.get(buffer.data(), n * 8);
+        bits |= allbits(buffer.data(), n);
+    }
+    stopifunused(bits, path);
+    in.finish();
+    in.stopifmore();
+}
+
 void writegenome(const std::string &path, const genomestore &g, int64 limit)
 {
     outfile out(path);

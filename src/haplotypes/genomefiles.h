@@ -24,6 +24,8 @@ inline std::string genomefile(int64 chrom, int64 gen)
     return chromfolder(chrom) + "GenomeGeneration" + std::to_string(gen) + ".txt";
 }
 
+// Reads them through, as readgenome does, and keeps nothing.
+void checkgenomeblocks(const std::string &path, int64 nindiv, int64 nblock);
 // Genomes of a generation; g is made anew unless it has the extents already.
 void readgenome(const std::string &path, genomestore &g, int64 nindiv, int64 nblock);
 // limit is the longest frame; only tests give another one.
