@@ -14,6 +14,9 @@ void writecycleseed(const state &s, int64 selectioncycle)
 
 namespace
 {
+// The status of a script whose program ended well, while a command behind it failed.
+constexpr int failedbehind = 125;
+
 // A program that fails is told at the end of the run; standard output tells of scripts alone.
 void runscript(state &s, const companionrun &run, int64 selectioncycle)
 {
@@ -21,9 +24,13 @@ void runscript(state &s, const companionrun &run, int64 selectioncycle)
     if (status == 0) return;
     if (access(run.script.c_str(), X_OK) != 0)
         printline("failure : Solvanto : Run" + run.program + (run.letteredfailures ? " C" : ""));
-    notefailure(s.failures, run.program + " ended with status " + numbertext(status) +
-                                " in cycle " + numbertext(selectioncycle) + ": " +
-                                lookinlog(selectioncycle, run.log.c_str()));
+    const std::string when = " in cycle " + numbertext(selectioncycle) + ": ";
+    const std::string look = lookinlog(selectioncycle, run.log.c_str());
+    notefailure(s.failures,
+                status == failedbehind && !run.afterwards.empty()
+                    ? "a result of " + run.program + " couldn't be copied, moved or removed" +
+                          when + "the command's own message tells why, and " + look
+                    : run.program + " ended with status " + numbertext(status) + when + look);
 }
 } // namespace
 
@@ -39,7 +46,8 @@ void runcompanion(state &s, const companionrun &run, int64 selectioncycle)
     out.writeline(freeline("cd " + folder));
     out.writeline(freeline("./" + run.program + " > " + run.log));
     out.writeline("status=$?");
-    for (const std::string &line : run.afterwards) out.writeline(freeline(line));
+    const std::string orfail = " || [ $status -ne 0 ] || status=" + std::to_string(failedbehind);
+    for (const std::string &line : run.afterwards) out.writeline(freeline(line + orfail));
     out.writeline(freeline("cd .."));
     out.writeline("exit $status");
     out.close();

@@ -14,10 +14,15 @@ namespace
 {
 void copyprograms(state &s)
 {
+    commandqueue copies(commandsatonce());
     for (int64 i = 1; i <= s.founders.nchrom; ++i) {
         const std::string folder = " Chromosomes/Chromosome" + numbertext(i);
-        runshell("cp macs" + folder, "RunMacs A", s.failures);
-        runshell("cp Vintrecaskelle" + folder, "RunMacs B", s.failures);
+        copies.add({"cp macs" + folder});
+        copies.add({"cp Vintrecaskelle" + folder});
+    }
+    for (int64 i = 1; i <= s.founders.nchrom; ++i) {
+        copies.finish(2 * i - 1, 1, "RunMacs A", s.failures);
+        copies.finish(2 * i, 1, "RunMacs B", s.failures);
     }
 }
 

@@ -9,6 +9,9 @@
 #include "words.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <utility>
 #include <vector>
 
 namespace
@@ -105,10 +108,29 @@ void writeoutsequence(state &s, int64 firsttmpgen, int64 lasttmpgen)
     genotypes.close();
 }
 
+namespace
+{
+// The places of files, from 1, in falling order of their sizes, so that in the end no processor waits
+// for one large file; what has no size, such as the files of a pattern, comes first.
+std::vector<int64> largestfirst(const std::vector<std::string> &paths)
+{
+    std::vector<std::pair<std::uintmax_t, int64>> sizes;
+    for (const std::string &path : paths) {
+        std::error_code error; // the size is the largest number then
+        sizes.emplace_back(std::filesystem::file_size(path, error), std::ssize(sizes) + 1);
+    }
+    std::stable_sort(sizes.begin(), sizes.end(),
+                     [](const auto &one, const auto &two) { return one.first > two.first; });
+    std::vector<int64> places;
+    for (const auto &[size, place] : sizes) places.push_back(place);
+    return places;
+}
+} // namespace
+
 void zipsequenceoutputfiles(state &s, int64 firsttmpgen, int64 lasttmpgen)
 {
-    commandqueue gzips(commandsatonce());
-    const auto zip = [&](const std::string &path) { gzips.add({"gzip -f " + path}); };
+    std::vector<std::string> paths;
+    const auto zip = [&](const std::string &path) { paths.push_back(path); };
     for (int64 h = 1; h <= s.founders.nchrom; ++h) {
         for (int64 j = firsttmpgen; j <= lasttmpgen; ++j) {
             zip(sequencegenotypefileof(h, j));
@@ -121,6 +143,12 @@ void zipsequenceoutputfiles(state &s, int64 firsttmpgen, int64 lasttmpgen)
         zip(sequencemapfile);
         zip("./SimulatedData/AllIndividualsSnpChips/*");
     }
-    for (int64 k = 1; k <= gzips.size(); ++k)
-        gzips.finish(k, 1, "ZipSequenceOutputFiles", s.failures);
+    commandqueue gzips(commandsatonce());
+    std::vector<int64> chains(paths.size());
+    for (const int64 place : largestfirst(paths)) {
+        const auto k = static_cast<std::size_t>(place - 1);
+        gzips.add({"gzip -f " + paths[k]});
+        chains[k] = gzips.size();
+    }
+    for (const int64 chain : chains) gzips.finish(chain, 1, "ZipSequenceOutputFiles", s.failures);
 }
