@@ -21,7 +21,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <glob.h>
+#include <fnmatch.h>
 
 namespace
 {
@@ -121,13 +121,34 @@ void printleavings()
 
 namespace
 {
+// Names in a folder that a pattern means, in order; none where there is no such folder.
+std::vector<std::string> matchingnames(const std::string &folder, const std::string &pattern)
+{
+    std::vector<std::string> names;
+    std::error_code error;
+    std::filesystem::directory_iterator entry(folder.empty() ? "." : folder, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        if (fnmatch(pattern.c_str(), name.c_str(), FNM_PERIOD) == 0) names.push_back(name);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// Paths that a pattern means, folder by folder: glob of the C library frees what it doesn't have when
+// it is short of memory.
 std::vector<std::string> matching(const std::string &pattern)
 {
-    std::vector<std::string> paths;
-    glob_t found{};
-    if (glob(pattern.c_str(), 0, nullptr, &found) == 0)
-        paths.assign(found.gl_pathv, found.gl_pathv + found.gl_pathc);
-    globfree(&found);
+    std::vector<std::string> paths = {""};
+    for (std::size_t begin = 0, end = 0; end != pattern.npos; begin = end + 1) {
+        end = pattern.find('/', begin);
+        const std::string part = pattern.substr(begin, end - begin);
+        std::vector<std::string> longer;
+        for (const std::string &folder : paths)
+            for (const std::string &name : matchingnames(folder, part))
+                longer.push_back(folder + name + (end == pattern.npos ? "" : "/"));
+        paths = std::move(longer);
+    }
     return paths;
 }
 } // namespace
