@@ -20,8 +20,10 @@
 #include "values/qtngenotypes.h"
 
 #include <algorithm>
+#include <dirent.h>
 #include <filesystem>
 #include <fnmatch.h>
+#include <memory>
 
 namespace
 {
@@ -121,16 +123,16 @@ void printleavings()
 
 namespace
 {
-// Names in a folder that a pattern means, in order; none where there is no such folder.
+// Names in a folder that a pattern means, in order; none where there is no such folder. Not by
+// directory_iterator, which aborts when memory is short.
 std::vector<std::string> matchingnames(const std::string &folder, const std::string &pattern)
 {
     std::vector<std::string> names;
-    std::error_code error;
-    std::filesystem::directory_iterator entry(folder.empty() ? "." : folder, error);
-    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename();
-        if (fnmatch(pattern.c_str(), name.c_str(), FNM_PERIOD) == 0) names.push_back(name);
-    }
+    const std::unique_ptr<DIR, int (*)(DIR *)> open(opendir(folder.empty() ? "." : folder.c_str()),
+                                                    closedir);
+    while (const dirent *const entry = open ? readdir(open.get()) : nullptr)
+        if (fnmatch(pattern.c_str(), entry->d_name, FNM_PERIOD) == 0)
+            names.emplace_back(entry->d_name);
     std::sort(names.begin(), names.end());
     return names;
 }
