@@ -3,11 +3,15 @@
 #include "stops.h"
 #include "textlayout.h"
 
+#include <cerrno>
 #include <dirent.h>
 #include <filesystem>
 #include <memory>
 
 namespace fs = std::filesystem;
+
+// The library's iterators end the program by a signal where memory is missing.
+using openfolder = std::unique_ptr<DIR, int (*)(DIR *)>;
 
 bool makefolder(const std::string &path, std::string_view routine, commandfailures &failures)
 {
@@ -38,10 +42,25 @@ void refuselinks(const std::string &path)
     };
     std::error_code error;
     if (fs::is_symlink(path, error)) refuse(path);
-    // The library's iterator ends the program by a signal where memory is missing.
-    const std::unique_ptr<DIR, int (*)(DIR *)> folder(opendir(path.c_str()), closedir);
+    const openfolder folder(opendir(path.c_str()), closedir);
     while (const dirent *entry = folder ? readdir(folder.get()) : nullptr) {
         const std::string inside = path + "/" + entry->d_name;
         if (fs::is_symlink(inside, error)) refuse(inside);
     }
+}
+
+bool isemptyfolder(const std::string &path)
+{
+    const openfolder folder(opendir(path.c_str()), closedir);
+    if (!folder) {
+        if (errno == ENOENT) return true;
+        ioerrno(path, "can't open for reading");
+    }
+    const auto isentry = [](const dirent &entry) {
+        const std::string_view name = entry.d_name;
+        return name != "." && name != "..";
+    };
+    while (const dirent *entry = readdir(folder.get()))
+        if (isentry(*entry)) return false;
+    return true;
 }

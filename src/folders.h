@@ -19,3 +19,5 @@ void removefolder(const std::string &path, std::string_view routine);
 // An I/O error if there is a symbolic link of that name, or in the folder of that name: a run writes
 // into folders of its own.
 void refuselinks(const std::string &path);
+// Whether a folder holds nothing, or isn't there. An I/O error where it can't be read.
+bool isemptyfolder(const std::string &path);

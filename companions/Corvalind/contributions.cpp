@@ -219,7 +219,10 @@ subspacesolution descend(contributionprogram &p, double weight, Eigen::VectorXd 
             if (!leaves.back()) left.push_back(std::max(there, 0.0));
         }
         dropmembers(p, leaves);
-        x = Eigen::Map<const Eigen::VectorXd>(left.data(), static_cast<int64>(left.size()));
+        // Made beside it: a vector that gets another size frees itself first, and again where memory
+        // for the new one is missing.
+        x = Eigen::VectorXd(
+            Eigen::Map<const Eigen::VectorXd>(left.data(), static_cast<int64>(left.size())));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "merge/mergeruns.h"
 
+#include "folders.h"
 #include "founders/stores.h"
 #include "haplotypes/blocks.h"
 #include "haplotypes/crossingfiles.h"
@@ -98,8 +99,7 @@ mergeplan readplan(const state &s)
 
 void copyselection(state &s, const std::string &folder)
 {
-    std::error_code error;
-    if (fs::is_empty(folder + "/Selection", error) || error) return;
+    if (isemptyfolder(folder + "/Selection")) return;
     if (shellstatus("cp -r " + shellword(folder) + "/Selection/* Selection/") != 0)
         notefailure(s.failures, folder + "/Selection: could not be copied into the working folder");
 }
