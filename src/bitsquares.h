@@ -1,6 +1,7 @@
 // bitsquares.h - rows and columns of 64 x 64 bits.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 // Bit c of word r and bit r of word c change places. Swaps blocks of half the size each time
@@ -15,3 +16,12 @@ inline void transpose64(std::uint64_t *words)
             words[r + width] ^= swap;
         }
 }
+
+// Four squares at once, word r of square q at squares[r][q]. By the widest registers that the
+// processor has.
+using fourwords = std::uint64_t __attribute__((vector_size(32), aligned(8), may_alias));
+void transposefour(fourwords *squares);
+// Bit k of one goes to bit 2k of pairs, that of two to bit 2k + 1; n words each, 2n of pairs. n is a
+// multiple of 4.
+void pairbits(const std::uint64_t *one, const std::uint64_t *two, std::size_t n,
+              std::uint64_t *pairs);

@@ -39,3 +39,15 @@ std::size_t readchecked(int descriptor, const std::string &path, char *bytes, st
     if (got < 0) ioerrno(path, "can't read");
     return static_cast<std::size_t>(got);
 }
+
+int writebytes(int descriptor, const char *bytes, std::size_t n)
+{
+    while (n > 0) {
+        const ssize_t written = ::write(descriptor, bytes, n);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return written < 0 ? errno : ENOSPC;
+        bytes += written;
+        n -= static_cast<std::size_t>(written);
+    }
+    return 0;
+}

@@ -40,3 +40,5 @@ class filedescriptor
 filedescriptor openchecked(const std::string &path, int flags);
 // Bytes read, 0 at the end of the file.
 std::size_t readchecked(int descriptor, const std::string &path, char *bytes, std::size_t n);
+// Writes all bytes, in as many pieces as the system takes them. 0, or the number of the error.
+int writebytes(int descriptor, const char *bytes, std::size_t n);

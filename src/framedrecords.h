@@ -3,6 +3,7 @@
 // A failure ends the run with an I/O error that names the file and the reason (see stops.h).
 #pragma once
 
+#include "bytebuffer.h"
 #include "descriptors.h"
 #include "outfile.h"
 
@@ -104,7 +105,7 @@ class framereader
     void endframe();
     filedescriptor descriptor;
     std::string name;
-    std::vector<char> buffer;
+    bytebuffer buffer;
     std::size_t at = 0, filled = 0;
     int64 remaining = 0; // of the record
     int64 inframe = 0;   // left in the frame

@@ -37,10 +37,15 @@ void infile::take(filedescriptor opened, const std::string &filename, author by)
 
 void infile::rewind()
 {
-    if (::lseek(descriptor, 0, SEEK_SET) < 0) ioerrno(name, "can't rewind");
+    skipto(0, 0);
+}
+
+void infile::skipto(int64 offset, int64 n)
+{
+    if (::lseek(descriptor, offset, SEEK_SET) < 0) ioerrno(name, "can't seek");
     begin = finish = 0;
     ended = false;
-    nlines = 0;
+    nlines = n;
     cursorstart = cursor = lineend = nullptr;
 }
 
@@ -53,7 +58,7 @@ bool infile::fill()
         finish -= begin;
         begin = 0;
     }
-    if (finish == buffer.size()) buffer.resize(2 * buffer.size());
+    if (finish == buffer.size()) buffer.resize(2 * buffer.size(), finish);
     const std::size_t got =
         readchecked(descriptor, name, buffer.data() + finish, buffer.size() - finish);
     finish += got;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "arrays.h"
+#include "bytebuffer.h"
 #include "descriptors.h"
 
 #include <string>
@@ -35,6 +36,8 @@ class infile
     void close() { descriptor.close(); }
     bool isopen() const { return descriptor.isopen(); }
     const std::string &path() const { return name; }
+    // To the record behind the first n, which end at an offset.
+    void skipto(int64 offset, int64 n);
     // Back to the first record.
     void rewind();
 
@@ -88,7 +91,7 @@ class infile
     std::string_view nextword();
     filedescriptor descriptor;
     std::string name;
-    std::vector<char> buffer;          // the heap block moves along, pointers into it stay valid
+    bytebuffer buffer;                 // its bytes move along, pointers into them stay valid
     std::size_t begin = 0, finish = 0; // unread bytes of the buffer, from 0
     bool ended = false;
     author writtenby = author::user;

@@ -2,11 +2,13 @@
 
 #include "shell.h"
 #include "stops.h"
+#include "writebehind.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -92,6 +94,28 @@ off_t offsetbehindkept(int descriptor, const std::string &path, int64 nlines,
 }
 } // namespace
 
+namespace
+{
+// The line end before the place from which a file of fixed lines goes on.
+void checklineend(int descriptor, const std::string &name, int64 nlines, off_t offset)
+{
+    if (offset == 0) return;
+    char last = 0;
+    const ssize_t got = ::pread(descriptor, &last, 1, offset - 1);
+    if (got < 0) ioerrno(name, "can't read");
+    if (got == 0 || last != '\n')
+        ioerror(name, "does not hold the " + std::to_string(nlines) +
+                          " lines of earlier generations in the expected layout");
+}
+} // namespace
+
+outfile::outfile() = default;
+
+outfile::outfile(const std::string &filename)
+{
+    open(filename);
+}
+
 outfile::outfile(outfile &&other) noexcept
 {
     *this = std::move(other);
@@ -102,21 +126,20 @@ outfile &outfile::operator=(outfile &&other) noexcept
     std::swap(descriptor, other.descriptor);
     std::swap(name, other.name);
     std::swap(buffer, other.buffer);
+    std::swap(behind, other.behind);
+    std::swap(nfull, other.nfull);
     std::swap(used, other.used);
-    std::swap(misalignment, other.misalignment);
+    std::swap(start, other.start);
+    std::swap(nwritten, other.nwritten);
+    std::swap(marks, other.marks);
+    std::swap(nrecords, other.nrecords);
     return *this;
 }
 
 outfile::~outfile()
 {
-    if (!isopen()) return;
-    const char *p = buffer.data();
-    while (used > 0) {
-        const ssize_t n = ::write(descriptor, p, used);
-        if (n <= 0) break;
-        p += n;
-        used -= static_cast<std::size_t>(n);
-    }
+    if (isopen() && (!behind || behind->wait() == 0)) writebytes(descriptor, buffer.data(), used);
+    behind.reset(); // before the file is closed
 }
 
 // Closes the file before, and has all ready for one that is to be opened.
@@ -125,7 +148,10 @@ void outfile::beginfile(const std::string &filename)
     close();
     name = filename;
     buffer.resize(buffersize);
-    used = misalignment = 0;
+    used = 0;
+    start = nwritten = 0;
+    nfull = 0;
+    marks = nullptr;
 }
 
 // Drops what stands behind the offset.
@@ -133,7 +159,7 @@ void outfile::goonfrom(off_t offset)
 {
     if (::ftruncate(descriptor, offset) != 0) ioerrno(name, "can't cut");
     if (::lseek(descriptor, offset, SEEK_SET) < 0) ioerrno(name, "can't seek");
-    misalignment = static_cast<std::size_t>(offset) % alignment;
+    start = offset;
 }
 
 void outfile::open(const std::string &filename)
@@ -149,27 +175,29 @@ void outfile::openstandardoutput()
     if (!isopen()) ioerrno(name, "can't open for writing");
 }
 
-void outfile::openandkeep(const std::string &filename, int64 nlines, keptrecords last)
+void outfile::openandkeep(const std::string &filename, int64 nlines, keptrecords last,
+                          filemarks *known)
 {
     beginfile(filename);
     descriptor = opentoextend(name, nlines);
-    goonfrom(offsetbehindkept(descriptor, name, nlines, last));
+    int64 offset = known ? known->behind(name, nlines) : -1;
+    if (offset >= 0)
+        checklineend(descriptor, name, nlines, offset);
+    else
+        offset = offsetbehindkept(descriptor, name, nlines, last);
+    goonfrom(offset);
+    marks = known;
+    nrecords = nlines;
+    if (marks) marks->set(name, nlines, offset);
 }
 
-namespace
+void outfile::openover(const std::string &filename, int64 offset)
 {
-// The line end before the place from which a file of fixed lines goes on.
-void checklineend(int descriptor, const std::string &name, int64 nlines, off_t offset)
-{
-    if (offset == 0) return;
-    char last = 0;
-    const ssize_t got = ::pread(descriptor, &last, 1, offset - 1);
-    if (got < 0) ioerrno(name, "can't read");
-    if (got == 0 || last != '\n')
-        ioerror(name, "does not hold the " + std::to_string(nlines) +
-                          " lines of earlier generations in the expected layout");
+    beginfile(filename);
+    descriptor = openchecked(name, O_WRONLY);
+    if (::lseek(descriptor, offset, SEEK_SET) < 0) ioerrno(name, "can't seek");
+    start = offset;
 }
-} // namespace
 
 void checkkept(const std::string &filename, int64 nlines, keptrecords last)
 {
@@ -199,19 +227,26 @@ void outfile::openandkeepfixed(const std::string &filename, int64 nlines, int64 
     goonfrom(offset);
 }
 
+// Nothing more can be saved: the destructor doesn't try.
+void outfile::failed(int error)
+{
+    used = 0;
+    errno = error;
+    ioerrno(name, "can't write");
+}
+
+void outfile::countwritten(const char *bytes, std::size_t n)
+{
+    nwritten += static_cast<int64>(n);
+    if (marks) nrecords += std::count(bytes, bytes + n, '\n');
+}
+
 void outfile::writethrough(const char *bytes, std::size_t n)
 {
-    misalignment = (misalignment + n) % alignment;
-    while (n > 0) {
-        const ssize_t written = ::write(descriptor, bytes, n);
-        if (written < 0) {
-            if (errno == EINTR) continue;
-            used = 0; // nothing more can be saved: keep the destructor from trying
-            ioerrno(name, "can't write");
-        }
-        bytes += written;
-        n -= static_cast<std::size_t>(written);
-    }
+    countwritten(bytes, n);
+    int error = behind ? behind->wait() : 0;
+    if (error == 0) error = writebytes(descriptor, bytes, n);
+    if (error != 0) failed(error);
 }
 
 void outfile::flush()
@@ -221,15 +256,39 @@ void outfile::flush()
     writethrough(buffer.data(), n);
 }
 
+// A thread costs less than the second buffer that it writes. Where none can be had the file does
+// without.
+void outfile::beginbehind()
+{
+    if (nfull < 2) ++nfull;
+    if (nfull < 2 || behind || commandsatonce() == 1) return;
+    try {
+        behind = std::make_unique<writebehind>(descriptor);
+    } catch (const std::system_error &) {
+        nfull = 0;
+    }
+}
+
+// Writes the first n bytes of the buffer; what stands behind them moves to its front.
+void outfile::writefull(std::size_t n)
+{
+    beginbehind();
+    const std::size_t ntail = used - n;
+    if (behind) {
+        countwritten(buffer.data(), n);
+        if (const int error = behind->exchange(buffer, n, ntail)) failed(error);
+    } else {
+        writethrough(buffer.data(), n);
+        std::memmove(buffer.data(), buffer.data() + n, ntail);
+    }
+    used = ntail;
+}
+
 void outfile::makeroom(std::size_t n)
 {
-    const std::size_t beyond = (misalignment + used) % alignment; // the last multiple
-    if (beyond < used) {
-        writethrough(buffer.data(), used - beyond);
-        std::memmove(buffer.data(), buffer.data() + used - beyond, beyond);
-        used = beyond;
-    }
-    if (used + n > buffer.size()) buffer.resize(used + n);
+    const std::size_t beyond = static_cast<std::size_t>(position()) % alignment;
+    if (beyond < used) writefull(used - beyond);
+    if (used + n > buffer.size()) buffer.resize(used + n, used);
 }
 
 void outfile::write(std::string_view bytes)
@@ -265,5 +324,7 @@ void outfile::close()
 {
     if (!isopen()) return;
     flush();
+    behind.reset();
+    if (marks) marks->set(name, nrecords, position());
     if (::close(descriptor.release()) != 0 && errno != EINTR) ioerrno(name, "can't close");
 }

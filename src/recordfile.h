@@ -4,6 +4,7 @@
 #pragma once
 
 #include "arrays.h"
+#include "bytebuffer.h"
 #include "descriptors.h"
 
 #include <string>
@@ -32,6 +33,6 @@ class recordfile
     std::vector<int64> starts; // offset of line n at place n - 1; of the end behind the last line
     int64 scanned = 0;         // up to here line ends have been looked for
     bool ended = false;        // they all have been found
-    std::vector<char> buffer;
+    bytebuffer buffer;
     int64 bufferstart = 0, filled = 0; // offset in the file of the buffer's bytes, their number
 };

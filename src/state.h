@@ -11,6 +11,7 @@
 
 #include "arrays.h"
 #include "driveflags.h"
+#include "filemarks.h"
 #include "files.h"
 #include "genomes.h"
 #include "pedigreeline.h"
@@ -21,6 +22,7 @@
 
 #include <array>
 #include <map>
+#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -64,6 +66,12 @@ struct populationsettings {
     std::string pedigreefile;
 };
 
+// Rows of the table that this run has written, and where the first of them lies in the file.
+struct filedpedigree {
+    int64 first = 0, last = 0;
+    int64 offset = 0;
+};
+
 // Pedigree. Lifetime: Stage.
 struct pedigreedata {
     array1<pedigreeline> ped;                   // (nindivp) row k is individual k
@@ -72,6 +80,7 @@ struct pedigreedata {
     // As in the population settings, until the files of earlier generations or a merge tell other
     // sizes.
     array1<int64> nindivinthisgen, cumindivnbtogen; // (0 to ngen+ngensel)
+    filedpedigree filed;
 };
 
 // Founders and coalescent simulation. Lifetime: Run.
@@ -239,6 +248,7 @@ struct locusdata {
 struct valuedata {
     int64 nindivinsimulrun = 0;   // individuals of the generation at hand
     array3<double> tbv, tdv, tpv; // (nindivp, nqtnmodels, ntraits)
+    int64 nrowsread = 0;          // the first ones have the decimals of the table, as read from it
     array1<double> tbvrecomb, tbvrecombz, recombperindperchr; // (nindivp)
     double recombmeanz = 0, recombstddevz = 0;
     array2<double> covaspec, cholcovaspec; // (ntraits, ntraits) genetic
@@ -322,6 +332,8 @@ struct stagerecords {
     progressline progress;
     commandfailures failures;
     randomstream random;
+    // Of the files that are extended; what only writes the state's values keeps them too.
+    std::unique_ptr<filemarks> marks = std::make_unique<filemarks>();
     pedigreedata pedi;
     segregatingsites sites;
     haplotypedata haplo;

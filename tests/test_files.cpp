@@ -203,3 +203,42 @@ TEST_F(files, errorsnamethefile)
               }).find("/dev/full: can't write"),
               0u);
 }
+
+// Long files are written by a second thread: pieces of all lengths, one beyond the buffer, bytes left
+// in the buffer when the file moves or is dropped, and a full disk.
+TEST_F(files, longfileswrittenbehind)
+{
+    std::minstd_rand draw(5);
+    std::string text;
+    while (text.size() < 7 * buffersize) text += std::to_string(draw()) + '\n';
+    for (const char *nthreads : {"1", "2"}) {
+        setenv("SOLVANTO_THREADS", nthreads, 1);
+        outfile out("a.txt");
+        for (std::size_t at = 0; at < text.size();) {
+            const bool islarge = at > 3 * buffersize && at < 3 * buffersize + 4000;
+            const std::size_t n = islarge ? buffersize + 12345 : draw() % 4000;
+            out.write(std::string_view(text).substr(at, n));
+            at += n;
+            if (draw() % 100 == 0) {
+                outfile moved(std::move(out));
+                out = std::move(moved);
+            }
+        }
+        out.close();
+        EXPECT_EQ(readfile("a.txt"), text) << nthreads;
+        {
+            outfile dropped("b.txt");
+            for (std::size_t at = 0; at < text.size(); at += 999)
+                dropped.write(std::string_view(text).substr(at, 999));
+        }
+        EXPECT_EQ(readfile("b.txt"), text) << nthreads;
+        const outcome full = runbody([&] {
+            outfile nowhere("/dev/full");
+            for (std::size_t at = 0; at + 999 < 5 * buffersize; at += 999)
+                nowhere.write(std::string_view(text).substr(at, 999));
+            nowhere.close();
+        });
+        EXPECT_EQ(full.stop.reason, "/dev/full: can't write: No space left on device") << nthreads;
+    }
+    unsetenv("SOLVANTO_THREADS");
+}

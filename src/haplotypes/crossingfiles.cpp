@@ -4,10 +4,10 @@
 
 #include <cstdio>
 
-void crossingfiles::open(int64 chrom, int64 firstindiv, int64 newidbefore)
+void crossingfiles::open(int64 chrom, int64 firstindiv, int64 newidbefore, filemarks &marks)
 {
-    tracking.openandkeep(trackingfile(chrom), 2 * (firstindiv - 1), {{newidbefore}, 2});
-    counts.openandkeep(recombinationcounts, firstindiv - 1, {{firstindiv - 1}});
+    tracking.openandkeep(trackingfile(chrom), 2 * (firstindiv - 1), {{newidbefore}, 2}, &marks);
+    counts.openandkeep(recombinationcounts, firstindiv - 1, {{firstindiv - 1}}, &marks);
 }
 
 void crossingfiles::writegamete(int64 newid, int64 strand, int64 ncrossings,

@@ -28,7 +28,7 @@ class crossingfiles
   public:
     // Opens them to go on behind the lines of the individuals before one.
     //   newidbefore  number of the last of these in the pedigree
-    void open(int64 chrom, int64 firstindiv, int64 newidbefore);
+    void open(int64 chrom, int64 firstindiv, int64 newidbefore, filemarks &marks);
     // The line of one gamete.
     //   locations  the last sites before its ncrossings crossings
     void writegamete(int64 newid, int64 strand, int64 ncrossings, const array1<int64> &locations);

@@ -7,7 +7,8 @@
 
 void opendrop(state &s, dropwork &work, int64 chrom, int64 startindiv)
 {
-    work.files.open(chrom, startindiv, startindiv > 1 ? s.pedi.ped(startindiv - 1).newid : 0);
+    work.files.open(chrom, startindiv, startindiv > 1 ? s.pedi.ped(startindiv - 1).newid : 0,
+                    *s.marks);
     assert(startindiv >= 1 && startindiv <= s.pop.nindivp);
     work.recomblocation.allocate(s.haplo.nblock, -99);
 }

@@ -96,24 +96,48 @@ void checkkeptrows(int64 nrows)
         checkkept(pedigreetable, 1 + nrows);
 }
 
+namespace
+{
+void writerows(state &s, outfile &out, int64 gen)
+{
+    textline line;
+    for (int64 k = firstindivofgen(s, gen); k <= lastindivofgen(s, gen); ++k) {
+        s.pedi.ped(k).generation = gen;
+        putpedigreeline(line, s.pedi.ped(k));
+        out.writeline(line);
+    }
+}
+} // namespace
+
 void writeoutpedigree(state &s)
 {
+    const int64 first = firstindivofgen(s, s.run.specstartgen);
     outfile out;
-    textline line;
     if (s.run.specstartgen == 1) {
+        textline line;
         out.open(pedigreetable);
         putpedigreetitle(line);
         out.writeline(line);
     } else {
-        openbehindrows(out, lastindivofgen(s, s.run.specstartgen - 1));
+        openbehindrows(out, first - 1);
     }
-    for (int64 j = s.run.specstartgen; j <= s.run.specendgen; ++j) {
-        for (int64 k = firstindivofgen(s, j); k <= lastindivofgen(s, j); ++k) {
-            s.pedi.ped(k).generation = j;
-            putpedigreeline(line, s.pedi.ped(k));
-            out.writeline(line);
-        }
+    s.pedi.filed = {first, lastindivofgen(s, s.run.specendgen), out.position()};
+    for (int64 j = s.run.specstartgen; j <= s.run.specendgen; ++j) writerows(s, out, j);
+    out.close();
+}
+
+void writegeneration(state &s, int64 gen)
+{
+    const filedpedigree &filed = s.pedi.filed;
+    const int64 first = firstindivofgen(s, s.run.specstartgen);
+    if (first != filed.first || lastindivofgen(s, s.run.specendgen) != filed.last) {
+        writeoutpedigree(s);
+        return;
     }
+    outfile out;
+    out.openover(pedigreetable,
+                 filed.offset + (firstindivofgen(s, gen) - first) * pedigreelinelength);
+    writerows(s, out, gen);
     out.close();
 }
 

@@ -32,6 +32,9 @@ void checkkeptrows(int64 nrows);
 // Writes the rows of generations specstartgen to specendgen behind those of the generations
 // before; what stood there is replaced. Sets the rows' generation.
 void writeoutpedigree(state &s);
+// The same, where since then only rows of one generation may have changed, or the sizes of
+// generations: rows of the others stay as they were written by this run.
+void writegeneration(state &s, int64 gen);
 // Writes a whole file of these rows; of n individuals of generation 1 in lines of four columns.
 void writewholepedigree(const array1<pedigreeline> &ped);
 void writefourcolumns(int64 n);

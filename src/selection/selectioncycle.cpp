@@ -188,7 +188,7 @@ void chooseparents(state &s, int64 selectioncycle, int64 currentgen)
 
 void makegeneration(state &s, int64 currentgen, int64 startindiv, int64 endindiv)
 {
-    writeoutpedigree(s);
+    writegeneration(s, currentgen);
     dropsteps steps{markgeneration};
     if (s.editing.genedriveonoff) {
         steps.followgamete = definegenedriveinheritance;

@@ -17,9 +17,15 @@ void readtruevalues(state &s, int64 lastindiv)
     const int64 nmodels = s.qtn.nqtnmodels, ntraits = s.traits.ntraits;
     const int64 n = nmodels * ntraits;
     std::vector<double> values(static_cast<std::size_t>(3 * n));
+    // The rows of earlier cycles are as they were read then.
+    int64 &nread = s.values.nrowsread;
     infile in(valuetable, author::system);
-    in.skiprecords(1);
-    for (int64 i = 1; i <= lastindiv; ++i) {
+    const int64 behind = s.marks->behind(valuetable, 1 + nread);
+    if (behind > 0)
+        in.skipto(behind, 1 + nread);
+    else
+        in.skiprecords(1 + nread);
+    for (int64 i = nread + 1; i <= lastindiv; nread = i++) {
         in.record();
         in.skipwords(1);
         in.identifier(s.pedi.ped(i).newid, "individual");

@@ -31,7 +31,7 @@ void writecoancestry(const state &s, int64 selectioncycle, const coancestries &v
         puta(line, "Generation      SelectionCycle     BeforeSelection      AfterSelection", 70);
         out.writeline(line);
     } else {
-        out.openandkeep(coancestrytable, selectioncycle);
+        out.openandkeep(coancestrytable, selectioncycle, {}, s.marks.get());
     }
     puti(line, s.pop.ngen + selectioncycle - 1, 10);
     if (selectioncycle == 1)
@@ -47,7 +47,7 @@ void writecoancestry(const state &s, int64 selectioncycle, const coancestries &v
 void writelastcoancestry(const state &s, int64 selectioncycle, double before)
 {
     outfile out;
-    out.openandkeep(coancestrytable, 1 + selectioncycle);
+    out.openandkeep(coancestrytable, 1 + selectioncycle, {}, s.marks.get());
     textline line;
     puti(line, s.pop.ngen + selectioncycle, 10);
     puti(line, selectioncycle, 20);

@@ -73,7 +73,7 @@ void writevariances(const state &s, int64 currentgen, const generationvariances 
         out.writeline(variancetitle(s.traits.ntraits));
     } else {
         out.openandkeep(variancetable, 1 + (currentgen - 1) * s.qtn.nqtnmodels,
-                        {{currentgen - 1, s.qtn.nqtnmodels}});
+                        {{currentgen - 1, s.qtn.nqtnmodels}}, s.marks.get());
     }
     textline line;
     for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p) {

@@ -54,7 +54,8 @@ void writevalues(const state &s, int64 currentgen, int64 startindiv, int64 endin
         out.open(valuetable);
         out.writeline(valuetitle(s));
     } else {
-        out.openandkeep(valuetable, startindiv, {{0, s.pedi.ped(startindiv - 1).newid}});
+        out.openandkeep(valuetable, startindiv, {{0, s.pedi.ped(startindiv - 1).newid}},
+                        s.marks.get());
     }
     textline line;
     for (int64 i = startindiv; i <= endindiv; ++i) {
@@ -82,7 +83,7 @@ void writemeans(const state &s, int64 currentgen, int64 startindiv, int64 endind
         out.writeline(line);
     } else {
         out.openandkeep(meanstable, 1 + (currentgen - 1) * s.traits.ntraits * s.qtn.nqtnmodels,
-                        {{currentgen - 1, s.qtn.nqtnmodels, s.traits.ntraits}});
+                        {{currentgen - 1, s.qtn.nqtnmodels, s.traits.ntraits}}, s.marks.get());
     }
     for (int64 p = 1; p <= s.qtn.nqtnmodels; ++p)
         for (int64 j = 1; j <= s.traits.ntraits; ++j) {

@@ -75,7 +75,7 @@ void writefixedqtn(state &s, int64 currentgen)
         out.writeline(line);
     } else {
         out.openandkeep(fixedqtntable, 1 + (currentgen - 1) * s.loci.ntotqtn,
-                        {{currentgen - 1, s.loci.ntotqtn}});
+                        {{currentgen - 1, s.loci.ntotqtn}}, s.marks.get());
     }
     for (int64 q = 1; q <= s.loci.ntotqtn; ++q) {
         int64 sum = 0;

@@ -54,7 +54,8 @@ void writevalues(const state &s, int64 currentgen, int64 startindiv, int64 endin
              140);
         out.writeline(line);
     } else {
-        out.openandkeep(recombinationtable, startindiv, {{0, s.pedi.ped(startindiv - 1).newid}});
+        out.openandkeep(recombinationtable, startindiv, {{0, s.pedi.ped(startindiv - 1).newid}},
+                        s.marks.get());
     }
     for (int64 i = startindiv; i <= endindiv; ++i) {
         int64 id, sire, dam;

@@ -9,6 +9,7 @@ void makevaluearrays(state &s, arrayscope &arrays)
         arrays.make(*a, nmodels, ntraits, ntraits);
     for (array3<double> *a : {&v.tbv, &v.tdv, &v.tpv})
         arrays.make(*a, s.pop.nindivp, nmodels, ntraits);
+    v.nrowsread = 0;
     for (array1<double> *a : {&v.recombperindperchr, &v.tbvrecomb, &v.tbvrecombz})
         arrays.make(*a, s.pop.nindivp);
     arrays.make(s.haplo.recombcount, s.pop.nindivp, 2);

@@ -233,7 +233,7 @@ allelesource openalleles(const finishedrun &run, const exportoptions &options,
 // ------------------------------------------------------------------ site by site
 
 chromalleles::chromalleles(const allelesource &from, int64 chrom)
-    : source(from), nwords((from.nsamples + 63) / 64)
+    : source(from), nwords((from.nsamples + 255) / 256 * 4)
 {
     const bool ishaplotypes = source.origin == alleleorigin::founders;
     // However many generations there are, some 32 MB for all of them.
@@ -280,11 +280,15 @@ void chromalleles::load(int64 block)
     for (int64 m = 1; m <= 2; ++m) {
         gather(block, m);
         std::uint64_t *const to = words.data() + static_cast<std::size_t>((m - 1) * 64 * nwords);
-        for (int64 w = 0; w < nwords; ++w) {
-            std::uint64_t square[64];
-            std::memcpy(square, column.data() + 64 * w, sizeof square);
-            transpose64(square);
-            for (int64 bit = 0; bit < lociperblock; ++bit) to[bit * nwords + w] = square[bit];
+        for (int64 w = 0; w < nwords; w += 4) {
+            fourwords squares[64];
+            const std::int64_t *const from = column.data() + 64 * w;
+            for (int64 r = 0; r < 64; ++r)
+                for (int64 q = 0; q < 4; ++q)
+                    squares[r][q] = static_cast<std::uint64_t>(from[64 * q + r]);
+            transposefour(squares);
+            for (int64 bit = 0; bit < lociperblock; ++bit)
+                std::memcpy(to + bit * nwords + w, &squares[bit], sizeof squares[bit]);
         }
     }
     current = block;

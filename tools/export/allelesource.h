@@ -2,7 +2,7 @@
 //
 // Samples are numbered from 0 in the order in which they are written. Of a site the alleles of
 // gamete m (1 or 2) are bits: sample k is bit k % 64 of word k / 64, and bits behind the last
-// sample are 0.
+// sample are 0; words are a multiple of four.
 //
 // Packed genomes are read as they lie. Text, which holds a row for each gamete, is packed first
 // into files of the same layout, some individuals at a time, in a folder of its own that goes with

@@ -1,5 +1,6 @@
 #include "plinkfiles.h"
 
+#include "bitsquares.h"
 #include "exportsamples.h"
 #include "shell.h"
 #include "stops.h"
@@ -7,7 +8,7 @@
 #include "words.h"
 
 #include <algorithm>
-#include <array>
+#include <cstring>
 
 namespace
 {
@@ -113,18 +114,7 @@ void writebimline(outfile &out, textline &line, int64 chrom, const exportsite &s
     out.writeline(line);
 }
 
-// 00 two copies of T, 10 one, 11 none; two bits for each sample, the first lowest. low and high: the
-// eight bits of either kind, spread.
-constexpr std::array<std::uint16_t, 256> makespread()
-{
-    std::array<std::uint16_t, 256> table{};
-    for (unsigned i = 0; i < 256; ++i)
-        for (unsigned k = 0; k < 8; ++k)
-            table[i] = static_cast<std::uint16_t>(table[i] | (i >> k & 1) << (2 * k));
-    return table;
-}
-constexpr std::array<std::uint16_t, 256> spread = makespread();
-
+// 00 two copies of T, 10 one, 11 none; two bits for each sample, the first lowest.
 class bedwriter
 {
   public:
@@ -134,17 +124,17 @@ class bedwriter
     }
     void write(const std::uint64_t *one, const std::uint64_t *two, int64 nwords)
     {
-        char *const start = out.reserve(static_cast<std::size_t>(16 * nwords));
-        char *to = start;
-        for (int64 w = 0; w < nwords; ++w) {
-            const std::uint64_t none = ~(one[w] | two[w]), notboth = ~(one[w] & two[w]);
-            for (int shift = 0; shift < 64; shift += 8) {
-                const unsigned pairs =
-                    spread[none >> shift & 255] | unsigned{spread[notboth >> shift & 255]} << 1;
-                *to++ = static_cast<char>(pairs & 255);
-                *to++ = static_cast<char>(pairs >> 8);
-            }
+        const auto n = static_cast<std::size_t>(nwords);
+        none.resize(n);
+        notboth.resize(n);
+        pairs.resize(2 * n);
+        for (std::size_t w = 0; w < n; ++w) {
+            none[w] = ~(one[w] | two[w]);
+            notboth[w] = ~(one[w] & two[w]);
         }
+        pairbits(none.data(), notboth.data(), n, pairs.data());
+        char *const start = out.reserve(16 * n);
+        std::memcpy(start, pairs.data(), 16 * n);
         const int64 nbytes = (nsamples + 3) / 4;
         // What is behind the last sample in its byte is 0.
         const int64 rest = nsamples % 4;
@@ -156,6 +146,7 @@ class bedwriter
   private:
     outfile out;
     int64 nsamples;
+    std::vector<std::uint64_t> none, notboth, pairs;
 };
 } // namespace
 
@@ -169,13 +160,15 @@ int64 writeplink(const exportjob &job, const std::vector<int64> &individuals, ne
     outfile sites(bim);
     textline line;
     int64 nwritten = 0;
+    // The lines of a chromosome's sites are written as soon as they are known.
+    sitesahead ahead(
+        job, [&](int64 chrom, const exportsite &site) { writebimline(sites, line, chrom, site); });
     for (const int64 chrom : job.chromosomes) {
         chromalleles alleles(job.alleles, chrom);
-        for (const exportsite &site : sitesofchrom(job.run, job.options, job.tables, chrom)) {
+        for (const exportsite &site : ahead.next()) {
             const int64 place = job.alleles.placeof(site);
             genotypes.write(alleles.bits(place, 1), alleles.bits(place, 2),
                             alleles.nwordspersite());
-            writebimline(sites, line, chrom, site);
             ++nwritten;
         }
     }

@@ -1,6 +1,7 @@
 #include "variantfiles.h"
 
 #include "programinfo.h"
+#include "shell.h"
 #include "stops.h"
 #include "words.h"
 
@@ -326,9 +327,10 @@ template <class Records> int64 writeall(const exportjob &job, bytesink &out, Rec
     const headerpointer header = makeheader(job);
     records.begin(out, header.get());
     int64 nwritten = 0;
+    sitesahead ahead(job);
     for (const int64 chrom : job.chromosomes) {
         chromalleles alleles(job.alleles, chrom);
-        for (const exportsite &site : sitesofchrom(job.run, job.options, job.tables, chrom)) {
+        for (const exportsite &site : ahead.next()) {
             const int64 place = job.alleles.placeof(site);
             records.write(out,
                           {chrom, site, alleles.bits(place, 1), alleles.bits(place, 2),
@@ -350,6 +352,32 @@ void makeindex(const std::string &path, const std::string &indexpath, bool istbi
         ioerror(indexpath, "the index can't be made");
 }
 } // namespace
+
+sitesahead::sitesahead(const exportjob &from, usesite useeach)
+    : job(from), use(std::move(useeach)),
+      how(commandsatonce() > 1 ? std::launch::async : std::launch::deferred)
+{
+    begin();
+}
+
+void sitesahead::begin()
+{
+    if (nbegun == job.chromosomes.size()) return;
+    const int64 chrom = job.chromosomes[nbegun++];
+    coming = std::async(how, [this, chrom] {
+        std::vector<exportsite> sites = sitesofchrom(job.run, job.options, job.tables, chrom);
+        if (use)
+            for (const exportsite &site : sites) use(chrom, site);
+        return sites;
+    });
+}
+
+const std::vector<exportsite> &sitesahead::next()
+{
+    present = coming.get();
+    begin();
+    return present;
+}
 
 int64 writevariants(const exportjob &job, newfiles &files)
 {
