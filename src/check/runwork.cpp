@@ -129,11 +129,13 @@ double expectedseconds(const runwork &work, const machinespeed &speed)
 {
     const double atonce = number(commandsatonce());
     const double indraws =
-        2e7 + 6 * work.draws + 11.5 * work.bytespacked / atonce + 2.7 * work.tablebytes +
+        8e6 + 6 * work.draws + 11.5 * work.bytespacked / atonce + 2.7 * work.tablebytes +
         (200 * work.recombinations + 1.2 * work.foundercells) / atonce + 0.5 * work.genotypes +
         9 * work.predictedcells + 0.017 * work.equationwork + 0.025 * work.allocationwork;
-    return indraws * speed.draw + 5 * work.byteswritten * speed.byte +
-           5 * work.starts * speed.start;
+    // A second thread writes long files where there are several processors.
+    const double perbyte = atonce > 1 ? 3 : 5;
+    return indraws * speed.draw + perbyte * work.byteswritten * speed.byte +
+           4 * work.starts * speed.start;
 }
 
 // ------------------------------------------------------- memory
@@ -142,7 +144,7 @@ namespace
 {
 // Programs that have read nothing yet, with their libraries, in bytes; of solvanto before it has
 // written a file, and behind that.
-constexpr double beginning = 7.0e6, emptyown = 9.5e6, emptymacs = 5.1e6, emptyformatter = 4.0e6,
+constexpr double beginning = 6.5e6, emptyown = 9.0e6, emptymacs = 4.1e6, emptyformatter = 4.0e6,
                  emptygenomic = 9.6e6, shell = 2e6, emptypedigree = 4.3e6,
                  emptyrelationships = 8.7e6, emptyallocation = 8.8e6;
 
