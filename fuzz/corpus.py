@@ -83,6 +83,13 @@ def writtenhere(made):
     made.putbytes("infile", b"\3" + b"%20.10f%20.10f%20.10f\n" % (0.5, -1.25, 1e9))
     made.put("hotspots", "0 0.25 0.5\n0.3,0.5,0.25\n0.6\t1.0\t0.25\n", "0 0.25 2\n0.5 1 0.5\n")
     made.put("hotspots", "0 1 1\n", "  0.00000000  0.25000000100.00000000\n")
+    header = ("##fileformat=VCFv4.3\n##contig=<ID=1,length=1000>\n##FORMAT=<ID=GT,Number=1,Type=String,Description=\"GT\">\n"
+              "#CHROM\tPOS\tID\tREF\tALT\tQUAL\tFILTER\tINFO\tFORMAT\ta\tb\tc\n")
+    sites = "".join(f"1\t{p}\t.\tA\t{alt}\t.\tPASS\t.\tGT\t{gt}\n" for p, alt, gt in
+                    [(10, "T", "0|1\t1|0\t0|0"), (400, "T", "1|1\t.|0\t0/1"), (900, "T,C", "0|2\t1|0\t0|0"),
+                     (950, "T", "0|1\t1|0\t1|1")])
+    made.put("foundersfromvcf", "", header + sites)
+    made.put("foundersfromvcf", "file Founders.vcf.gz\ncontig 1 1\nfirst\n--skip\n", header + sites.split("\n")[0] + "\n")
     made.put("clusters", "0 0.25 0.5\n0.5 0.75 0.25\n0.8 1.0 0.25\n")
     made.put("history", "-eN 0.1 0.5 -eN 1.0 2.0\n")
     made.put("solutions", "1\n1\n0\n1\n1\n0\n", "1 0.5\n2 0.25\n4 0.75\n5 1\n",

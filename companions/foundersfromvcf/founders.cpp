@@ -35,7 +35,7 @@ constexpr const char *defectnames[ndefects] = {"",
                                                "with another ploidy"};
 
 struct founderreader {
-    const foundersettings &settings;
+    const founderfile &settings;
     const macs::macsoptions &options;
     int64 seed;
     variantreader in;
@@ -229,7 +229,7 @@ void founderreader::note() const
 }
 } // namespace
 
-void writefounders(const foundersettings &settings, const macs::macsoptions &options, int64 seed,
+void writefounders(const founderfile &settings, const macs::macsoptions &options, int64 seed,
                    outfile &out)
 {
     founderreader reader{settings, options, seed, variantreader(settings), {}, {}};

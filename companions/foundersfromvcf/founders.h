@@ -17,5 +17,5 @@
 //
 // Draws: with more haplotypes than asked for one for each haplotype of the file, in order, until all
 // are taken (selection sampling: Knuth, The Art of Computer Programming 2, 3.4.2).
-void writefounders(const foundersettings &settings, const macs::macsoptions &options, int64 seed,
+void writefounders(const founderfile &settings, const macs::macsoptions &options, int64 seed,
                    outfile &out);

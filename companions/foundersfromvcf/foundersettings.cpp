@@ -30,7 +30,7 @@ int64 chromosomeoffolder()
     return chrom;
 }
 
-void readsamples(foundersettings &settings)
+void readsamples(founderfile &settings)
 {
     infile in(settings.samplesfile);
     while (in.nextrecord()) {
@@ -40,7 +40,7 @@ void readsamples(foundersettings &settings)
     if (settings.samples.empty()) ioerror(settings.samplesfile, "names no samples");
 }
 
-void readsetting(infile &in, foundersettings &settings)
+void readsetting(infile &in, founderfile &settings)
 {
     const std::string word(in.word());
     const auto rest = [&] {
@@ -86,9 +86,9 @@ std::string defaultfile()
 }
 } // namespace
 
-foundersettings readfoundersettings()
+founderfile readfoundersettings()
 {
-    foundersettings settings;
+    founderfile settings;
     settings.chrom = chromosomeoffolder();
     const std::string path = inworkingfolder(settingsname);
     if (pathexists(path)) {

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-struct foundersettings {
+struct founderfile {
     std::string file; // as seen from the folder of the chromosome
     int64 chrom = 0;
     std::string contig;               // empty where the file's own names decide
@@ -25,4 +25,4 @@ struct foundersettings {
 
 // For the chromosome whose folder is the working directory: Chromosome<h>. Stops: an I/O error that
 // names file and line.
-foundersettings readfoundersettings();
+founderfile readfoundersettings();

@@ -18,7 +18,7 @@ void closefile(htsFile *file)
 }
 } // namespace
 
-variantreader::variantreader(const foundersettings &settings)
+variantreader::variantreader(const founderfile &settings)
     : name(settings.file), file(nullptr, closefile), header(nullptr, bcf_hdr_destroy),
       record(bcf_init(), bcf_destroy), textindex(nullptr, tbx_destroy),
       index(nullptr, hts_idx_destroy), range(nullptr, hts_itr_destroy)
@@ -44,7 +44,7 @@ variantreader::~variantreader()
     std::free(entries);
 }
 
-void variantreader::choosesamples(const foundersettings &settings)
+void variantreader::choosesamples(const founderfile &settings)
 {
     if (settings.samples.empty()) return;
     const std::set<std::string> known(header->samples,
@@ -57,7 +57,7 @@ void variantreader::choosesamples(const foundersettings &settings)
 }
 
 // The name in the settings; else the chromosome's number, or that with chr before it.
-void variantreader::choosecontig(const foundersettings &settings)
+void variantreader::choosecontig(const founderfile &settings)
 {
     const std::string number = numbertext(settings.chrom);
     const auto declared = [&](const std::string &contig) {
@@ -108,9 +108,9 @@ bool variantreader::next()
         const int status = readrecord();
         if (status == -1) return false;
         if (status < -1 || record->errcode != 0)
-            ioerror(name, "the record behind " + (record->rid < 0 ? "the header" : place()) +
+            ioerror(name, "the record behind " + (contigname() ? place() : "the header") +
                               " can't be read: it is cut or no VCF");
-        if (wanted == bcf_hdr_id2name(header.get(), record->rid)) break;
+        if (contigname() && wanted == contigname()) break;
     }
     bcf_unpack(record.get(), BCF_UN_ALL);
     return true;
@@ -123,9 +123,15 @@ const std::int32_t *variantreader::genotypes(int64 &ploidy)
     return entries;
 }
 
+const char *variantreader::contigname() const
+{
+    const bool isknown = record->rid >= 0 && record->rid < header->n[BCF_DT_CTG];
+    return isknown ? bcf_hdr_id2name(header.get(), record->rid) : nullptr;
+}
+
 std::string variantreader::place() const
 {
-    return std::string(bcf_hdr_id2name(header.get(), record->rid)) + ":" + numbertext(position());
+    return std::string(contigname()) + ":" + numbertext(position());
 }
 
 void variantreader::complain(const std::string &reason) const
