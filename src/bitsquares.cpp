@@ -1,6 +1,7 @@
 #include "bitsquares.h"
 
 #include <cstddef>
+#include <cstring>
 
 // The compiler makes one form for each kind of processor, and the right one is chosen when the
 // program starts.
@@ -30,20 +31,20 @@ WIDESTREGISTERS void transposefour(fourwords *squares)
     x = (x | x << 1) & 0x5555555555555555
 
 WIDESTREGISTERS void pairbits(const std::uint64_t *one, const std::uint64_t *two, std::size_t n,
-                              std::uint64_t *pairs)
+                              char *to)
 {
-    for (std::size_t w = 0; w < n; w += 4) {
-        const fourwords a = *reinterpret_cast<const fourwords *>(one + w);
-        const fourwords b = *reinterpret_cast<const fourwords *>(two + w);
+    for (std::size_t w = 0; w < n; w += 4, to += 64) {
+        const fourwords first = *reinterpret_cast<const fourwords *>(one + w);
+        const fourwords second = *reinterpret_cast<const fourwords *>(two + w);
+        const fourwords a = ~(first | second), b = ~(first & second);
         fourwords alow = a & 0xffffffff, ahigh = a >> 32, blow = b & 0xffffffff, bhigh = b >> 32;
         APART(alow);
         APART(ahigh);
         APART(blow);
         APART(bhigh);
         const fourwords low = alow | blow << 1, high = ahigh | bhigh << 1;
-        for (int k = 0; k < 4; ++k) {
-            pairs[2 * (w + k)] = low[k];
-            pairs[2 * (w + k) + 1] = high[k];
-        }
+        const std::uint64_t pairs[8] = {low[0], high[0], low[1], high[1],
+                                        low[2], high[2], low[3], high[3]};
+        std::memcpy(to, pairs, sizeof pairs);
     }
 }

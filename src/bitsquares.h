@@ -21,7 +21,6 @@ inline void transpose64(std::uint64_t *words)
 // processor has.
 using fourwords = std::uint64_t __attribute__((vector_size(32), aligned(8), may_alias));
 void transposefour(fourwords *squares);
-// Bit k of one goes to bit 2k of pairs, that of two to bit 2k + 1; n words each, 2n of pairs. n is a
-// multiple of 4.
-void pairbits(const std::uint64_t *one, const std::uint64_t *two, std::size_t n,
-              std::uint64_t *pairs);
+// Two bits for each of one and two: bit 2k tells that neither has bit k, bit 2k + 1 that not both have
+// it. n words each, a multiple of 4; 16n bytes to.
+void pairbits(const std::uint64_t *one, const std::uint64_t *two, std::size_t n, char *to);

@@ -125,16 +125,8 @@ class bedwriter
     void write(const std::uint64_t *one, const std::uint64_t *two, int64 nwords)
     {
         const auto n = static_cast<std::size_t>(nwords);
-        none.resize(n);
-        notboth.resize(n);
-        pairs.resize(2 * n);
-        for (std::size_t w = 0; w < n; ++w) {
-            none[w] = ~(one[w] | two[w]);
-            notboth[w] = ~(one[w] & two[w]);
-        }
-        pairbits(none.data(), notboth.data(), n, pairs.data());
         char *const start = out.reserve(16 * n);
-        std::memcpy(start, pairs.data(), 16 * n);
+        pairbits(one, two, n, start);
         const int64 nbytes = (nsamples + 3) / 4;
         // What is behind the last sample in its byte is 0.
         const int64 rest = nsamples % 4;
@@ -146,7 +138,6 @@ class bedwriter
   private:
     outfile out;
     int64 nsamples;
-    std::vector<std::uint64_t> none, notboth, pairs;
 };
 } // namespace
 
