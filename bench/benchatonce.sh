@@ -3,39 +3,24 @@
 # after the other (medians of PAIRS, 5): the founders of ten chromosomes of the cattle history with 1,000 haplotypes,
 # from the run's beginning to the last formatter's end, and a run that compresses its sequence files against the same
 # run without compression.
-set -euo pipefail
-bin=$(cd "${1:?usage: $0 BUILDFOLDER}/bin" && pwd)
-pairs=${PAIRS:-5}
-folder=${FOLDER:-$(mktemp -d)}
-trap 'rm -rf "$folder"' EXIT
-root=$(cd "$(dirname "$0")/.." && pwd)
+source "$(dirname "$0")/lib.sh"
 echo "processors: $(nproc); load: $(cut -d ' ' -f 1 /proc/loadavg)"
-
-# spec EXAMPLE CHANGES...: the example's specification with lines changed, KEY=VALUE.
-spec() {
-    local file=$root/examples/$1/SolvantoSpec.txt change words=()
-    for change in "${@:2}"; do words+=(-e "s/^(${change%%=*} *),.*/\\1,${change#*=}/"); done
-    sed -E "${words[@]}" "$file" >SolvantoSpec.txt
-}
 
 # seconds WORD...: of a run with the seed and the environment given; its folders are made anew.
 seconds() {
     rm -rf Chromosomes Selection SimulatedData
     echo -1 >Seed.txt
     sync
-    local start end
-    start=$(date +%s%N)
+    local start=$EPOCHREALTIME
     env "$@" ./solvanto --quiet >report.txt
-    end=$(date +%s%N)
-    awk -v ns=$((end - start)) 'BEGIN { print ns / 1e9 }'
+    since "$start"; echo
 }
 # The same until the programs of the founders had ended.
 founderseconds() {
     seconds "$@" >/dev/null
-    stat -c '%.9Y' SeedOld.txt Chromosomes/Chromosome10/MaCSParametersUsed.txt |
-        awk 'NR == 1 { start = $1 } END { print $1 - start }'
+    echo "$(writtenat SeedOld.txt) $(writtenat Chromosomes/Chromosome10/MaCSParametersUsed.txt)" |
+        awk '{ print $2 - $1 }'
 }
-median() { sort -g "$1" | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
 
 mkdir "$folder/founders" "$folder/packed" "$folder/plain"
 for run in founders packed plain; do cp "$bin"/{solvanto,macs,Vintrecaskelle} "$folder/$run"; done

@@ -4,24 +4,9 @@
 #    "cp -r" of the files that belong to it alone (those of its generation and its folder).
 # 2. Forty cycles of 1,000 individuals: the time of each, which may grow only by what the growing
 #    files cost in bytes.
-# FOLDER: where it works (a temporary one). CYCLES (40).
-set -euo pipefail
-bin=$(cd "${1:?usage: $0 BUILDFOLDER}/bin" && pwd)
-folder=${FOLDER:-$(mktemp -d)}
-trap 'rm -rf "$folder"' EXIT
-root=$(cd "$(dirname "$0")/.." && pwd)
-
-# spec CHROMOSOMES CYCLES QTN
-spec() {
-    sed -E -e "s/^(NumberOfChromosomes *),.*/\1,$1/" \
-        -e "s/^(NumberGenerationsBurnIn *),.*/\1,2/" \
-        -e "s/^(NumberGenerationsSelection *),.*/\1,$2/" \
-        -e "s/^(NumberOfIndividualsInEachGeneration *),.*/\1,Constant,1000/" \
-        -e "s/^(NumberOfHaplotypes *),.*/\1,260/" \
-        -e "s/^(NumberOfQtnPerChromosomeNormalDist *),.*/\1,$3/" \
-        -e "s/^(WriteFullSequenceOutOnOff *),.*/\1,Off/" \
-        "$root/examples/small/SolvantoSpec.txt"
-}
+# CYCLES (40).
+source "$(dirname "$0")/lib.sh"
+source "$(dirname "$0")/lib.sh"
 
 # run NAME CHROMOSOMES CYCLES QTN: runs, and leaves in NAME/times when each cycle began its work,
 # the first files of its folder being the first that it makes, and when the last one ended.
@@ -29,14 +14,13 @@ run() {
     mkdir "$folder/$1"
     cd "$folder/$1"
     cp "$bin"/{solvanto,macs,Vintrecaskelle} .
-    spec "$2" "$3" "$4" >SolvantoSpec.txt
+    spec small NumberOfChromosomes="$2" NumberGenerationsBurnIn=2 NumberGenerationsSelection="$3" \
+        NumberOfIndividualsInEachGeneration=Constant,1000 NumberOfHaplotypes=260 \
+        NumberOfQtnPerChromosomeNormalDist="$4" WriteFullSequenceOutOnOff=Off
     echo -3 >Seed.txt
     ./solvanto >report.txt
-    for cycle in $(seq 1 "$3"); do
-        stat -c %W.%w "Selection/SelectionFolder$cycle" | sed -E 's/^([0-9]+)\..*:[0-9]+(\.[0-9]+) .*/\1\2/'
-    done >"times"
-    stat -c %Y.%y SimulatedData/GlobalRecombLocationMax.txt |
-        sed -E 's/^([0-9]+)\..*:[0-9]+(\.[0-9]+) .*/\1\2/' >>"times"
+    for cycle in $(seq 1 "$3"); do madeat "Selection/SelectionFolder$cycle"; done >times
+    writtenat SimulatedData/GlobalRecombLocationMax.txt >>times
 }
 
 run one 10 3 200
@@ -49,9 +33,9 @@ for chrom in Chromosomes/Chromosome*; do
 done
 best=1e9
 for try in 1 2 3; do
-    start=$(date +%s.%N)
+    start=$EPOCHREALTIME
     cp -r written "copy$try"
-    best=$(echo "$(date +%s.%N) $start $best" | awk '{ t = $1 - $2; print t < $3 ? t : $3 }')
+    best=$(echo "$(since "$start") $best" | awk '{ print $1 < $2 ? $1 : $2 }')
 done
 size=$(du -sm written | cut -f1)
 awk -v c="$cycle" -v f="$best" -v s="$size" 'BEGIN {

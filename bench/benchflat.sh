@@ -3,21 +3,14 @@
 # 1. Bytes read and written by a run of 120 cycles of 100 individuals to one of 40, as the system counts them.
 # 2. 200 cycles of 200 individuals: the last ten to the first ten, wall time by the folders of the cycles, and user
 #    time of runs that end before and behind twenty of them (medians of PAIRS, 5).
-set -euo pipefail
-bin=$(cd "${1:?usage: $0 BUILDFOLDER}/bin" && pwd)
-pairs=${PAIRS:-5}
-folder=${FOLDER:-$(mktemp -d)}
-trap 'rm -rf "$folder"' EXIT
-root=$(cd "$(dirname "$0")/.." && pwd)
+source "$(dirname "$0")/lib.sh"
 cd "$folder"
 cp "$bin"/{solvanto,macs,Vintrecaskelle} .
 echo "load: $(cut -d ' ' -f 1 /proc/loadavg)"
 
 # run INDIVIDUALS CYCLES: user seconds in $user, bytes read and written in $bytes.
 run() {
-    sed -E -e "s/^(NumberOfIndividualsInEachGeneration *),.*/\1,Constant,$1/" \
-        -e "s/^(NumberGenerationsSelection *),.*/\1,$2/" -e "s/^(WriteFullSequenceOutOnOff *),.*/\1,Off/" \
-        "$root/examples/small/SolvantoSpec.txt" >SolvantoSpec.txt
+    spec small NumberOfIndividualsInEachGeneration="Constant,$1" NumberGenerationsSelection="$2" WriteFullSequenceOutOnOff=Off
     echo -1 >Seed.txt
     rm -rf Chromosomes Selection SimulatedData
     sync
@@ -26,14 +19,13 @@ run() {
     user=$(awk 'NR == 2 { split($1, t, /[ms]/); print 60 * t[1] + t[2] }' times)
     bytes=$(awk '$1 == "rchar:" || $1 == "wchar:" { n += $2 } END { print n }' io)
 }
-median() { sort -g "$1" | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
 
 run 100 40
 few=$bytes
 run 100 120
 awk -v a="$bytes" -v b="$few" 'BEGIN { printf "bytes of 120 cycles to 40: %.2f (wanted: at most 3.3)\n", a / b }'
 
-began() { stat -c %W.%w "Selection/SelectionFolder$1" | sed -E 's/^([0-9]+)\..*:[0-9]+(\.[0-9]+) .*/\1\2/'; }
+began() { madeat "Selection/SelectionFolder$1"; }
 for ((pair = 1; pair <= pairs; ++pair)); do
     for cycles in 1 21 180 200; do
         run 200 "$cycles"

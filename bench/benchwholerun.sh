@@ -3,42 +3,31 @@
 # Sizes: CHROMOSOMES (10), INDIVIDUALS per generation (1000), GENERATIONS of the burn-in (5), CYCLES of selection on
 # true values (0), SEQUENCE output (On); about 9 GB of results at full size. FOUNDERS=yes: with macs and the formatter;
 # else founder files are made once and put in place by stand-ins for them. ALLOWED: the ratio that is told beside the
-# measured one (2.5). FOLDER: where it works (a temporary one). Before each pair as much free memory is touched as the
+# measured one (2.5). Before each pair as much free memory is touched as the
 # tree is large, since a virtual machine hands out fresh memory slowly.
-set -euo pipefail
-bin=$(cd "${1:?usage: $0 BUILDFOLDER}/bin" && pwd)
+source "$(dirname "$0")/lib.sh"
+source "$(dirname "$0")/lib.sh"
 nchrom=${CHROMOSOMES:-10}
 nindiv=${INDIVIDUALS:-1000}
 ngen=${GENERATIONS:-5}
 ncycles=${CYCLES:-0}
 sequence=${SEQUENCE:-On}
-pairs=${PAIRS:-5}
-folder=${FOLDER:-$(mktemp -d)}
-trap 'rm -rf "$folder"' EXIT
-root=$(cd "$(dirname "$0")/.." && pwd)
-
-spec() {
-    sed -E -e "s/^(NumberOfChromosomes *),.*/\1,$1/" \
-        -e "s/^(NumberGenerationsBurnIn *),.*/\1,$2/" \
-        -e "s/^(NumberGenerationsSelection *),.*/\1,$4/" \
-        -e "s/^(WriteFullSequenceOutOnOff *),.*/\1,$sequence/" \
-        -e "s/^(NumberOfIndividualsInEachGeneration *),.*/\1,Constant,$3/" \
-        -e "s/^(NumberOfHaplotypes *),.*/\1,260/" \
-        "$root/examples/small/SolvantoSpec.txt"
-}
+same=(NumberOfChromosomes="$nchrom" WriteFullSequenceOutOnOff="$sequence" NumberOfHaplotypes=260)
 
 # 260 haplotypes of the test history have about 6,100 sites, 6,060 or more of them included.
 mkdir "$folder/founders" "$folder/run"
 (
     cd "$folder/founders"
     cp "$bin"/{solvanto,macs,Vintrecaskelle} .
-    spec "$nchrom" 1 50 0 >SolvantoSpec.txt
+    spec small "${same[@]}" NumberOfIndividualsInEachGeneration=Constant,50 NumberGenerationsBurnIn=1 \
+        NumberGenerationsSelection=0
     echo -1 >Seed.txt
     ./solvanto --quiet >report.txt
 )
 cd "$folder/run"
 cp "$bin"/{solvanto,macs,Vintrecaskelle} .
-spec "$nchrom" "$ngen" "$nindiv" "$ncycles" >SolvantoSpec.txt
+spec small "${same[@]}" NumberOfIndividualsInEachGeneration=Constant,"$nindiv" NumberGenerationsBurnIn="$ngen" \
+    NumberGenerationsSelection="$ncycles"
 echo -2 >Seed.txt
 if [ "${FOUNDERS:-no}" != yes ]; then
     printf '#!/bin/sh\nexit 0\n' >macs
@@ -51,10 +40,9 @@ END
 fi
 
 seconds() {
-    local start
-    start=$(date +%s.%N)
+    local start=$EPOCHREALTIME
     "$@" >"$folder/report.txt"
-    echo "$(date +%s.%N) $start" | awk '{ printf "%.3f", $1 - $2 }'
+    since "$start"
 }
 # Runs once unmeasured, to know the size.
 echo -2 >Seed.txt
@@ -78,7 +66,6 @@ for ((pair = 1; pair <= pairs; ++pair)); do
     echo "$run $copy" | awk '{ printf "run %.3f s, cp -r %.3f s, ratio %.2f\n", $1, $2, $1 / $2 }'
     echo "$run $copy" | awk '{ print $1 / $2 }' >>"$folder/ratios"
 done
-sort -g "$folder/ratios" | awk -v n="$nindiv" -v g="$ngen" -v c="$ncycles" -v h="$nchrom" -v s="$sequence" -v a="${ALLOWED:-2.5}" '
-    { r[NR] = $1 }
-    END { printf "wholerun (%d chromosomes, %d generations and %d cycles of %d, sequence %s) ratio %.2f allowed %.2f\n",
-                 h, g, c, n, s, r[int((NR + 1) / 2)], a }'
+awk -v n="$nindiv" -v g="$ngen" -v c="$ncycles" -v h="$nchrom" -v s="$sequence" -v a="${ALLOWED:-2.5}" -v r="$(median "$folder/ratios")" '
+    BEGIN { printf "wholerun (%d chromosomes, %d generations and %d cycles of %d, sequence %s) ratio %.2f allowed %.2f\n",
+                   h, g, c, n, s, r, a }'

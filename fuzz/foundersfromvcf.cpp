@@ -5,7 +5,6 @@
 #include "foundersfromvcf/founders.h"
 
 #include <filesystem>
-#include <unistd.h>
 
 namespace
 {

@@ -3,15 +3,13 @@
 #include "stops.h"
 #include "textlayout.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <dirent.h>
 #include <filesystem>
 #include <memory>
 
 namespace fs = std::filesystem;
-
-// The library's iterators end the program by a signal where memory is missing.
-using openfolder = std::unique_ptr<DIR, int (*)(DIR *)>;
 
 bool makefolder(const std::string &path, std::string_view routine, commandfailures &failures)
 {
@@ -33,34 +31,40 @@ void removefolder(const std::string &path, std::string_view routine)
     ioerror(path, "what an earlier run left could not be removed: " + error.message());
 }
 
+bool readfolder(const std::string &path, std::vector<std::string> &names)
+{
+    names.clear();
+    const std::unique_ptr<DIR, int (*)(DIR *)> folder(opendir(path.c_str()), closedir);
+    if (!folder) return false;
+    errno = 0;
+    while (const dirent *const entry = readdir(folder.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..") names.emplace_back(name);
+        errno = 0;
+    }
+    const int error = errno;
+    std::sort(names.begin(), names.end());
+    errno = error;
+    return error == 0;
+}
+
 void refuselinks(const std::string &path)
 {
-    const auto refuse = [](const std::string &link) {
-        ioerror(link,
-                "is a symbolic link, and a run writes into folders of its own: remove the link, "
-                "or run where it points to");
-    };
-    std::error_code error;
-    if (fs::is_symlink(path, error)) refuse(path);
-    const openfolder folder(opendir(path.c_str()), closedir);
-    while (const dirent *entry = folder ? readdir(folder.get()) : nullptr) {
-        const std::string inside = path + "/" + entry->d_name;
-        if (fs::is_symlink(inside, error)) refuse(inside);
+    std::vector<std::string> names;
+    readfolder(path, names);
+    for (std::string &name : names) name.insert(0, path + "/");
+    names.insert(names.begin(), path);
+    for (const std::string &link : names) {
+        std::error_code error;
+        if (fs::is_symlink(link, error))
+            ioerror(link, "is a symbolic link, and a run writes into folders of its own: remove the "
+                          "link, or run where it points to");
     }
 }
 
 bool isemptyfolder(const std::string &path)
 {
-    const openfolder folder(opendir(path.c_str()), closedir);
-    if (!folder) {
-        if (errno == ENOENT) return true;
-        ioerrno(path, "can't open for reading");
-    }
-    const auto isentry = [](const dirent &entry) {
-        const std::string_view name = entry.d_name;
-        return name != "." && name != "..";
-    };
-    while (const dirent *entry = readdir(folder.get()))
-        if (isentry(*entry)) return false;
-    return true;
+    std::vector<std::string> names;
+    if (!readfolder(path, names) && errno != ENOENT) ioerrno(path, "can't open for reading");
+    return names.empty();
 }

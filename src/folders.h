@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Folders that a run writes into.
 constexpr const char *runfolders[] = {"Chromosomes", "SimulatedData", "Selection"};
@@ -19,5 +20,8 @@ void removefolder(const std::string &path, std::string_view routine);
 // An I/O error if there is a symbolic link of that name, or in the folder of that name: a run writes
 // into folders of its own.
 void refuselinks(const std::string &path);
+// What a folder holds, by name and in order, without "." and ".."; false, with errno, where it can't be
+// read. The library's own iterators end the program by a signal where memory is missing.
+bool readfolder(const std::string &path, std::vector<std::string> &names);
 // Whether a folder holds nothing, or isn't there. An I/O error where it can't be read.
 bool isemptyfolder(const std::string &path);

@@ -256,16 +256,14 @@ void outfile::flush()
     writethrough(buffer.data(), n);
 }
 
-// A thread costs less than the second buffer that it writes. Where none can be had the file does
-// without.
+// A thread costs less than the second buffer that it writes, and is thought of only then. Where none
+// can be had the file does without.
 void outfile::beginbehind()
 {
-    if (nfull < 2) ++nfull;
-    if (nfull < 2 || behind || commandsatonce() == 1) return;
+    if (++nfull != 2 || commandsatonce() == 1) return;
     try {
         behind = std::make_unique<writebehind>(descriptor);
     } catch (const std::system_error &) {
-        nfull = 0;
     }
 }
 

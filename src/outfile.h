@@ -93,7 +93,7 @@ class outfile
     std::string name;
     bytebuffer buffer;
     std::unique_ptr<writebehind> behind;
-    int nfull = 0; // full buffers that were written, up to 2
+    int64 nfull = 0; // full buffers that were written
     std::size_t used = 0;
     int64 start = 0, nwritten = 0; // offset of the first byte written, and how many were
     filemarks *marks = nullptr;    // gets the file's end

@@ -20,14 +20,11 @@ class variantreader
     int64 nsamples() const { return bcf_hdr_nsamples(header.get()); }
     // Goes to the next record of the contig; false behind the last.
     bool next();
-    // Of the record at hand.
-    // In bases, from 1; the largest number is left as it is.
+    // Of the record at hand, in bases from 1; the largest number is left as it is.
     int64 position() const { return record->pos + (record->pos < INT64_MAX); }
     int64 nalleles() const { return record->n_allele; }
     // Genotypes of all samples in htslib's form, ploidy() entries each; empty without GT.
     const std::int32_t *genotypes(int64 &ploidy);
-    // Null where the header doesn't have it.
-    const char *contigname() const;
     // "1:68189": as errors call it.
     std::string place() const;
     [[noreturn]] void complain(const std::string &reason) const;
@@ -37,6 +34,8 @@ class variantreader
     void choosecontig(const founderfile &settings);
     void useindex();
     int readrecord();
+    // Null where the header doesn't have it.
+    const char *contigname() const;
     template <class T> using owned = std::unique_ptr<T, void (*)(T *)>;
     std::string name, wanted;
     owned<htsFile> file;

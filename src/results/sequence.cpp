@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -110,20 +112,20 @@ void writeoutsequence(state &s, int64 firsttmpgen, int64 lasttmpgen)
 
 namespace
 {
-// The places of files, from 1, in falling order of their sizes, so that in the end no processor waits
-// for one large file; what has no size, such as the files of a pattern, comes first.
-std::vector<int64> largestfirst(const std::vector<std::string> &paths)
+// The order in which files are compressed, as indices of their paths: the largest first, so that in
+// the end no processor waits for one large file; what has no size, such as the files of a pattern,
+// before them.
+std::vector<std::size_t> largestfirst(const std::vector<std::string> &paths)
 {
-    std::vector<std::pair<std::uintmax_t, int64>> sizes;
+    std::vector<std::uintmax_t> sizes;
     for (const std::string &path : paths) {
         std::error_code error; // the size is the largest number then
-        sizes.emplace_back(std::filesystem::file_size(path, error), std::ssize(sizes) + 1);
+        sizes.push_back(std::filesystem::file_size(path, error));
     }
-    std::stable_sort(sizes.begin(), sizes.end(),
-                     [](const auto &one, const auto &two) { return one.first > two.first; });
-    std::vector<int64> places;
-    for (const auto &[size, place] : sizes) places.push_back(place);
-    return places;
+    std::vector<std::size_t> order(paths.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::stable_sort(order, std::greater{}, [&](std::size_t k) { return sizes[k]; });
+    return order;
 }
 } // namespace
 
@@ -145,8 +147,7 @@ void zipsequenceoutputfiles(state &s, int64 firsttmpgen, int64 lasttmpgen)
     }
     commandqueue gzips(commandsatonce());
     std::vector<int64> chains(paths.size());
-    for (const int64 place : largestfirst(paths)) {
-        const auto k = static_cast<std::size_t>(place - 1);
+    for (const std::size_t k : largestfirst(paths)) {
         gzips.add({"gzip -f " + paths[k]});
         chains[k] = gzips.size();
     }

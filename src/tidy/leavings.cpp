@@ -5,6 +5,7 @@
 #include "evaluation/relationshipruns.h"
 #include "evaluation/selectionchip.h"
 #include "evaluation/trainingdata.h"
+#include "folders.h"
 #include "founders/mutationslots.h"
 #include "founders/simulatedsites.h"
 #include "founders/stores.h"
@@ -20,10 +21,8 @@
 #include "values/qtngenotypes.h"
 
 #include <algorithm>
-#include <dirent.h>
 #include <filesystem>
 #include <fnmatch.h>
-#include <memory>
 
 namespace
 {
@@ -123,20 +122,6 @@ void printleavings()
 
 namespace
 {
-// Names in a folder that a pattern means, in order; none where there is no such folder. Not by
-// directory_iterator, which aborts when memory is short.
-std::vector<std::string> matchingnames(const std::string &folder, const std::string &pattern)
-{
-    std::vector<std::string> names;
-    const std::unique_ptr<DIR, int (*)(DIR *)> open(opendir(folder.empty() ? "." : folder.c_str()),
-                                                    closedir);
-    while (const dirent *const entry = open ? readdir(open.get()) : nullptr)
-        if (fnmatch(pattern.c_str(), entry->d_name, FNM_PERIOD) == 0)
-            names.emplace_back(entry->d_name);
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 // Paths that a pattern means, folder by folder: glob of the C library frees what it doesn't have when
 // it is short of memory.
 std::vector<std::string> matching(const std::string &pattern)
@@ -146,9 +131,13 @@ std::vector<std::string> matching(const std::string &pattern)
         end = pattern.find('/', begin);
         const std::string part = pattern.substr(begin, end - begin);
         std::vector<std::string> longer;
-        for (const std::string &folder : paths)
-            for (const std::string &name : matchingnames(folder, part))
-                longer.push_back(folder + name + (end == pattern.npos ? "" : "/"));
+        for (const std::string &folder : paths) {
+            std::vector<std::string> names; // none where there is no such folder
+            readfolder(folder.empty() ? "." : folder, names);
+            for (const std::string &name : names)
+                if (fnmatch(part.c_str(), name.c_str(), FNM_PERIOD) == 0)
+                    longer.push_back(folder + name + (end == pattern.npos ? "" : "/"));
+        }
         paths = std::move(longer);
     }
     return paths;
