@@ -57,8 +57,9 @@ void refuselinks(const std::string &path)
     for (const std::string &link : names) {
         std::error_code error;
         if (fs::is_symlink(link, error))
-            ioerror(link, "is a symbolic link, and a run writes into folders of its own: remove the "
-                          "link, or run where it points to");
+            ioerror(link,
+                    "is a symbolic link, and a run writes into folders of its own: remove the "
+                    "link, or run where it points to");
     }
 }
 

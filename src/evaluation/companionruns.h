@@ -14,7 +14,7 @@ struct companionrun {
     std::string program;
     std::string script;                  // "./Tmp...sh" in the working directory
     std::string log;                     // in F
-    std::vector<std::string> afterwards; // commands in F behind the program; one that fails is counted
+    std::vector<std::string> afterwards; // in F, behind the program; a failure is counted
     bool letteredfailures = false;       // failure lines name the step: A, B, C, D
 };
 
