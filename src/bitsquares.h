@@ -21,6 +21,6 @@ inline void transpose64(std::uint64_t *words)
 // processor has.
 using fourwords = std::uint64_t __attribute__((vector_size(32), aligned(8), may_alias));
 void transposefour(fourwords *squares);
-// Two bits for each of one and two: bit 2k tells that neither has bit k, bit 2k + 1 that not both have
-// it. n words each, a multiple of 4; 16n bytes to.
-void pairbits(const std::uint64_t *one, const std::uint64_t *two, std::size_t n, char *to);
+// Of n words of pairs of bits, n a multiple of 4, 2k and 2k + 1: bit 2k becomes whether neither of the pair is set, bit
+// 2k + 1 whether not both are. 8n bytes to.
+void countpairs(const std::uint64_t *pairs, std::size_t n, char *to);

@@ -143,6 +143,16 @@ std::string_view infile::word()
 
 int64 infile::integer()
 {
+    const char *p = cursor;
+    while (p != lineend && isseparator(*p)) ++p;
+    const char *const first = p;
+    int64 digits = 0;
+    for (; p != lineend && *p >= '0' && *p <= '9' && p - first < 18; ++p)
+        digits = 10 * digits + (*p - '0');
+    if (p != first && (p == lineend || isseparator(*p))) { // nearly always
+        cursor = p;
+        return digits;
+    }
     const std::string_view text = nextword();
     int64 value = 0;
     if (!readinteger(text, value))
@@ -150,10 +160,29 @@ int64 infile::integer()
     return value;
 }
 
+namespace
+{
+// As many of n reals as stand in fields F20.10 from p on; how many these are.
+int64 quickreals([[maybe_unused]] const char *p, [[maybe_unused]] const char *end,
+                 [[maybe_unused]] double *values, [[maybe_unused]] int64 n)
+{
+#ifdef __SSE2__
+    static const bool iswide = __builtin_cpu_supports("avx2") != 0;
+    return iswide ? widefixedreals(p, end, values, n) : fixedreals(p, end, values, n);
+#else
+    return 0;
+#endif
+}
+} // namespace
+
 double infile::anyreal()
 {
-    const std::string_view text = nextword();
     double value = 0;
+    if (quickreals(cursor, lineend, &value, 1) == 1) {
+        cursor += 20;
+        return value;
+    }
+    const std::string_view text = nextword();
     if (!readreal(text, value)) complain("a number is wanted, not \"" + std::string(text) + "\"");
     return value;
 }
@@ -212,15 +241,10 @@ void infile::skipwords(int64 n)
 void infile::anyreals(double *values, int64 n)
 {
     for (int64 i = 0; i < n; ++i) {
-#ifdef __SSE2__
-        const auto left = lineend - cursor;
-        if (left >= 20 && (left == 20 || cursor[20] == ' ' || isseparator(cursor[20])) &&
-            fixedreal(cursor, values[i])) {
-            cursor += 20;
-            continue;
-        }
-#endif
-        values[i] = anyreal();
+        const int64 nquick = quickreals(cursor, lineend, values + i, n - i);
+        cursor += 20 * nquick;
+        i += nquick;
+        if (i < n) values[i] = anyreal();
     }
 }
 
@@ -270,8 +294,17 @@ void infile::alleles(int8 *values, int64 n)
 void infile::alleles(int8 *values, int64 n, int8 highest)
 {
     alleles(values, n);
+    int64 i = 0;
     unsigned char most = 0; // a negative one counts for more than 127
-    for (int64 i = 0; i < n; ++i) most = std::max(most, static_cast<unsigned char>(values[i]));
+#ifdef __SSE2__
+    __m128i mosts = _mm_setzero_si128();
+    for (; i + 16 <= n; i += 16)
+        mosts = _mm_max_epu8(mosts, _mm_loadu_si128(reinterpret_cast<const __m128i *>(values + i)));
+    unsigned char sixteen[16];
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(sixteen), mosts);
+    most = *std::max_element(sixteen, sixteen + 16);
+#endif
+    for (; i < n; ++i) most = std::max(most, static_cast<unsigned char>(values[i]));
     if (most > highest)
         complain("an allele or genotype is out of the range 0 to " + std::to_string(highest));
 }

@@ -90,6 +90,23 @@ char *digitsbefore(char *end, std::uint64_t value)
     }
     return end;
 }
+
+// scaled / 10^d in a field of w. withpoint: even where there are no decimals.
+void putdecimals(textline &line, std::uint64_t scaled, int64 d, bool isnegative, int64 w,
+                 bool withpoint = false)
+{
+    char digits[48];
+    char *const end = digits + sizeof digits;
+    char *first = end;
+    if (d > 0) {
+        first = digitsbefore(end, scaled % powersoften[d]);
+        while (end - first < d) *--first = '0';
+    }
+    if (d > 0 || withpoint) *--first = '.';
+    first = digitsbefore(first, scaled / powersoften[d]);
+    if (isnegative) *--first = '-';
+    putfield(line, {first, static_cast<std::size_t>(end - first)}, w);
+}
 } // namespace
 
 void puta(textline &line, std::string_view text, int64 w)
@@ -122,17 +139,7 @@ void putf(textline &line, double value, int64 w, int64 d)
     if (putnotfinite(line, value, w)) return;
     std::uint64_t scaled;
     if (scaledinteger(std::fabs(value), d, scaled)) {
-        char digits[48];
-        char *const end = digits + sizeof digits;
-        char *first = end;
-        if (d > 0) {
-            first = digitsbefore(end, scaled % powersoften[d]);
-            while (end - first < d) *--first = '0';
-        }
-        *--first = '.';
-        first = digitsbefore(first, scaled / powersoften[d]);
-        if (std::signbit(value)) *--first = '-';
-        putfield(line, {first, static_cast<std::size_t>(end - first)}, w);
+        putdecimals(line, scaled, d, std::signbit(value), w, true);
         return;
     }
     char digits[400];
@@ -170,6 +177,17 @@ void pute(textline &line, double value, int64 w, int64 d)
 void putg(textline &line, double value, int64 w, int64 d)
 {
     if (putnotfinite(line, value, w)) return;
+    const double size = std::fabs(value);
+    if (size >= 0.1 && size < 1000 && d >= 4) { // never with an exponent
+        const int64 nbefore = size < 1 ? 0 : size < 10 ? 1 : size < 100 ? 2 : 3;
+        int64 ndecimals = d - nbefore;
+        std::uint64_t scaled;
+        if (scaledinteger(size, ndecimals, scaled)) {
+            for (; ndecimals > 0 && scaled % 10 == 0; --ndecimals) scaled /= 10;
+            putdecimals(line, scaled, ndecimals, std::signbit(value), w);
+            return;
+        }
+    }
     char digits[64];
     const auto written = std::to_chars(digits, digits + sizeof digits, value,
                                        std::chars_format::general, static_cast<int>(d));

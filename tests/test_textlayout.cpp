@@ -4,6 +4,7 @@
 #include "testsupport.h"
 #include "words.h"
 
+#include <charconv>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -125,4 +126,22 @@ TEST(words, firstwordsandlowercase)
     EXPECT_EQ(cuttext("abc   ", 300), "abc");
     EXPECT_EQ(cuttext(std::string(400, 'x'), 300).size(), 300u);
     EXPECT_TRUE(isword("OFF", "off"));
+}
+
+TEST(textlayout, generalformatisthatofthelibrary)
+{
+    std::mt19937_64 draw(11);
+    std::uniform_real_distribution<double> exponent(-3, 4), digits(0, 1e6);
+    for (int i = 0; i < 200000; ++i) {
+        double value = std::pow(10, exponent(draw)) * (i % 2 == 0 ? 1 : -1);
+        if (i % 3 == 0) value = std::round(digits(draw)) / std::pow(10, i % 7); // short decimals
+        if (i % 5 == 0) value = std::nextafter(std::pow(10, i % 5), i); // about to gain a digit
+        for (const int d : {3, 4, 10}) {
+            textline line;
+            putg(line, value, 0, d);
+            char text[64];
+            *std::to_chars(text, text + 63, value, std::chars_format::general, d).ptr = '\0';
+            ASSERT_EQ(line, text) << d;
+        }
+    }
 }

@@ -29,11 +29,31 @@ int makemoves(word mask, word *moves)
     }
     return nmoves;
 }
+
+// The instruction for it. Processors that take many cycles for it do better without.
+bool haspext()
+{
+#ifdef __x86_64__
+    return __builtin_cpu_supports("bmi2") != 0 && __builtin_cpu_is("znver1") == 0 &&
+           __builtin_cpu_is("znver2") == 0;
+#else
+    return false;
+#endif
+}
+
+inline word pext([[maybe_unused]] word bits, [[maybe_unused]] word mask)
+{
+    word gathered = 0;
+#ifdef __x86_64__
+    asm("pext %2, %1, %0" : "=r"(gathered) : "r"(bits), "r"(mask));
+#endif
+    return gathered;
+}
 } // namespace
 
-sitepicker::sitepicker(const sitelist &sites)
+sitepicker::sitepicker(const sitelist &sites, bool usepextin)
     : picked1(sites.size() / wordsize + 1), picked2(picked1.size()),
-      count(static_cast<int64>(sites.size()))
+      count(static_cast<int64>(sites.size())), usepext(usepextin && haspext())
 {
     assert(std::is_sorted(sites.begin(), sites.end()));
     for (const int64 site : sites) {
@@ -48,8 +68,9 @@ sitepicker::sitepicker(const sitelist &sites)
     for (blockmask &from : masks) from.nmoves = makemoves(from.mask, from.moves);
 }
 
-inline word sitepicker::gather(const blockmask &from, word blockid)
+template <bool bypext> inline word sitepicker::gather(const blockmask &from, word blockid)
 {
+    if constexpr (bypext) return pext(blockid, from.mask);
     word bits = blockid & from.mask;
     for (int i = 0; i < from.nmoves; ++i) {
         const word moving = bits & from.moves[i];
@@ -60,12 +81,17 @@ inline word sitepicker::gather(const blockmask &from, word blockid)
 
 void sitepicker::pick(const int64 *gamete1, const int64 *gamete2)
 {
+    usepext ? pickby<true>(gamete1, gamete2) : pickby<false>(gamete1, gamete2);
+}
+
+template <bool bypext> void sitepicker::pickby(const int64 *gamete1, const int64 *gamete2)
+{
     word *to1 = picked1.data(), *to2 = picked2.data();
     word filling1 = 0, filling2 = 0; // the words being filled, from the right
     int nfilled = 0;
     for (const blockmask &from : masks) {
-        const word bits1 = gather(from, static_cast<word>(gamete1[from.block]));
-        const word bits2 = gather(from, static_cast<word>(gamete2[from.block]));
+        const word bits1 = gather<bypext>(from, static_cast<word>(gamete1[from.block]));
+        const word bits2 = gather<bypext>(from, static_cast<word>(gamete2[from.block]));
         const int over = nfilled + from.nwanted - wordsize;
         if (over < 0) {
             filling1 = filling1 << from.nwanted | bits1;

@@ -10,8 +10,8 @@
 class sitepicker
 {
   public:
-    // sites: ascending, from 1.
-    explicit sitepicker(const sitelist &sites);
+    // sites: ascending, from 1. usepext: by the processor's own instruction, if it has one.
+    explicit sitepicker(const sitelist &sites, bool usepext = true);
     int64 nsites() const { return count; }
     // Takes the alleles of an individual from the blocks of its gametes, block 1 at offset 0.
     void pick(const int64 *gamete1, const int64 *gamete2);
@@ -28,8 +28,11 @@ class sitepicker
         int nmoves = 0;
         std::uint64_t moves[6] = {}; // that gather them
     };
+    template <bool bypext>
     static std::uint64_t gather(const blockmask &from, std::uint64_t blockid);
+    template <bool bypext> void pickby(const int64 *gamete1, const int64 *gamete2);
     std::vector<blockmask> masks;
     std::vector<std::uint64_t> picked1, picked2; // first site highest, the last word padded
     int64 count = 0;
+    bool usepext = false;
 };

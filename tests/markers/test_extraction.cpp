@@ -108,6 +108,27 @@ TEST_F(genotypefiles, everysetandeverydensity)
         EXPECT_EQ(line.size(), 20u);
 }
 
+TEST_F(genotypefiles, sitesarepickedalikebyinstructionandbymoves)
+{
+    makegenomes(6, 40);
+    for (const double share : {0.02, 0.3, 0.9, 1.0}) {
+        sitelist sites;
+        for (int64 site = 1; site <= 2400; ++site)
+            if (ran1(s.random) < share) sites.push_back(site);
+        sitepicker quick(sites), plain(sites, false);
+        const std::size_t n = 2 * sites.size();
+        for (int64 k = 1; k <= 6; ++k) {
+            std::string texts[2] = {std::string(3 * n, '?'), std::string(3 * n, '?')};
+            for (sitepicker *picker : {&quick, &plain}) {
+                char *const to = texts[picker == &plain].data();
+                picker->pick(s.haplo.tmpgenome.gamete(k, 1), s.haplo.tmpgenome.gamete(k, 2));
+                picker->puttext(to, to + n, to + 2 * n);
+            }
+            ASSERT_EQ(texts[0], texts[1]) << share;
+        }
+    }
+}
+
 TEST_F(genotypefiles, brokeninformation)
 {
     makegenomes(2, 1);

@@ -232,8 +232,10 @@ allelesource openalleles(const finishedrun &run, const exportoptions &options,
 
 // ------------------------------------------------------------------ site by site
 
-chromalleles::chromalleles(const allelesource &from, int64 chrom)
-    : source(from), nwords((from.nsamples + 255) / 256 * 4)
+chromalleles::chromalleles(const allelesource &from, int64 chrom, bitorder orderin)
+    : source(from), order(orderin),
+      nwords(orderin == bitorder::bygamete ? (from.nsamples + 255) / 256 * 4
+                                           : (from.nsamples + 127) / 128 * 4)
 {
     const bool ishaplotypes = source.origin == alleleorigin::founders;
     // However many generations there are, some 32 MB for all of them.
@@ -242,13 +244,15 @@ chromalleles::chromalleles(const allelesource &from, int64 chrom)
     for (const samplepart &part : source.parts)
         files.emplace_back(part.path(chrom), part.nrows, source.nblock(chrom), ishaplotypes ? 1 : 2,
                            bytes);
-    column.resize(static_cast<std::size_t>(nwords * 64));
+    for (std::vector<std::int64_t> &column : columns)
+        column.resize(static_cast<std::size_t>(nwords * 64));
     words.resize(static_cast<std::size_t>(2 * 64 * nwords));
 }
 
-// The block of all samples into column, zeros behind the last.
+// The block of all samples into the gamete's column, zeros behind the last.
 void chromalleles::gather(int64 block, int64 m)
 {
+    std::vector<std::int64_t> &column = columns[m - 1];
     if (source.origin == alleleorigin::founders) {
         const int64 nrows = source.parts[0].nrows;
         // Both gametes come from one block, which can be read once.
@@ -275,21 +279,39 @@ void chromalleles::gather(int64 block, int64 m)
     }
 }
 
+// Squares of 64 rows, even ones and odd ones, become words of each bit of the block.
+void chromalleles::turn(const std::int64_t *even, const std::int64_t *odd, std::uint64_t *to)
+{
+    const int64 step = order == bitorder::bygamete ? 2 : 1; // between two even rows
+    for (int64 w = 0; w < nwords; w += 4, even += 128 * step, odd += 128 * step) {
+        fourwords squares[64];
+        for (int64 r = 0; r < 32; ++r) {
+            const std::int64_t *const one = even + step * r, *const two = odd + step * r;
+            const int64 next = 32 * step; // square
+            squares[2 * r] =
+                fourwords{static_cast<std::uint64_t>(one[0]), static_cast<std::uint64_t>(one[next]),
+                          static_cast<std::uint64_t>(one[2 * next]),
+                          static_cast<std::uint64_t>(one[3 * next])};
+            squares[2 * r + 1] =
+                fourwords{static_cast<std::uint64_t>(two[0]), static_cast<std::uint64_t>(two[next]),
+                          static_cast<std::uint64_t>(two[2 * next]),
+                          static_cast<std::uint64_t>(two[3 * next])};
+        }
+        transposefour(squares);
+        for (int64 bit = 0; bit < lociperblock; ++bit)
+            std::memcpy(to + bit * nwords + w, &squares[bit], sizeof squares[bit]);
+    }
+}
+
 void chromalleles::load(int64 block)
 {
-    for (int64 m = 1; m <= 2; ++m) {
-        gather(block, m);
-        std::uint64_t *const to = words.data() + static_cast<std::size_t>((m - 1) * 64 * nwords);
-        for (int64 w = 0; w < nwords; w += 4) {
-            fourwords squares[64];
-            const std::int64_t *const from = column.data() + 64 * w;
-            for (int64 r = 0; r < 64; ++r)
-                for (int64 q = 0; q < 4; ++q)
-                    squares[r][q] = static_cast<std::uint64_t>(from[64 * q + r]);
-            transposefour(squares);
-            for (int64 bit = 0; bit < lociperblock; ++bit)
-                std::memcpy(to + bit * nwords + w, &squares[bit], sizeof squares[bit]);
-        }
+    for (int64 m = 1; m <= 2; ++m) gather(block, m);
+    const std::int64_t *const one = columns[0].data(), *const two = columns[1].data();
+    if (order == bitorder::bysample) {
+        turn(one, two, words.data());
+    } else {
+        turn(one, one + 1, words.data());
+        turn(two, two + 1, words.data() + static_cast<std::size_t>(64 * nwords));
     }
     current = block;
 }

@@ -55,13 +55,16 @@ allelesource openalleles(const finishedrun &run, const exportoptions &options,
                          const sitetables &tables, const std::vector<int64> &individuals,
                          const std::string &scratchprefix);
 
+// How both gametes' bits of a site lie: in words of their own, or those of sample k at 2k and 2k + 1.
+enum class bitorder { bygamete, bysample };
+
 // The alleles of a chromosome, block by block of 60 places, in rising order.
 class chromalleles
 {
   public:
-    chromalleles(const allelesource &from, int64 chrom);
-    // The bits of a place of a gamete, valid until the next block is gone to.
-    const std::uint64_t *bits(int64 place, int64 m)
+    chromalleles(const allelesource &from, int64 chrom, bitorder order = bitorder::bygamete);
+    // The bits of a place of a gamete, or of both, valid until the next block is gone to.
+    const std::uint64_t *bits(int64 place, int64 m = 1)
     {
         const siteplace at = placeofsite(place);
         if (at.block != current) load(at.block);
@@ -72,10 +75,13 @@ class chromalleles
   private:
     void load(int64 block);
     void gather(int64 block, int64 m);
+    void turn(const std::int64_t *even, const std::int64_t *odd, std::uint64_t *to);
     const allelesource &source;
+    bitorder order;
     std::vector<genomeblocks> files; // of the parts
     int64 nwords, current = 0;
-    std::vector<std::int64_t> column;     // a block of all samples
+    std::vector<std::int64_t> columns[2]; // a block of all samples, by gamete
     std::vector<std::int64_t> haplotypes; // the same of the founders, two for each sample
-    std::vector<std::uint64_t> words;     // (2, 64, nwords) gamete, bit of the block, word
+    std::vector<std::uint64_t> words; // (2, 64, nwords) gamete, bit of the block, word; or one of
+                                      // all, which has twice as many bits in a row
 };

@@ -279,7 +279,16 @@ std::vector<exportsite> sitesofchrom(const finishedrun &run, const exportoptions
 
 std::string siteid(int64 chrom, int64 site)
 {
-    return numbertext(chrom) + "_" + numbertext(site);
+    textline id;
+    putsiteid(id, chrom, site);
+    return id;
+}
+
+void putsiteid(textline &line, int64 chrom, int64 site)
+{
+    puti(line, chrom, 0);
+    line += '_';
+    puti(line, site, 0);
 }
 
 std::string qtnsetnames(const exportsite &site)

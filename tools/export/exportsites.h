@@ -46,5 +46,6 @@ std::vector<exportsite> sitesofchrom(const finishedrun &run, const exportoptions
 
 // 1_35: site 35 of chromosome 1.
 std::string siteid(int64 chrom, int64 site);
+void putsiteid(textline &line, int64 chrom, int64 site);
 // Unrestricted,Restricted: the sets of a site.
 std::string qtnsetnames(const exportsite &site);

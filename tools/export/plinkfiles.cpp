@@ -103,9 +103,10 @@ void writepsam(const exportjob &job, const std::vector<int64> &individuals, cons
 
 void writebimline(outfile &out, textline &line, int64 chrom, const exportsite &site)
 {
-    line = numbertext(chrom);
+    line.clear();
+    puti(line, chrom, 0);
     line += '\t';
-    line += siteid(chrom, site.site);
+    putsiteid(line, chrom, site.site);
     line += '\t';
     putg(line, site.centimorgan, 0, 10);
     line += '\t';
@@ -122,11 +123,12 @@ class bedwriter
     {
         out.write(std::string_view("\x6c\x1b\x01", 3)); // a .bed, site by site
     }
-    void write(const std::uint64_t *one, const std::uint64_t *two, int64 nwords)
+    // Both alleles of each sample, one behind the other.
+    void write(const std::uint64_t *pairs, int64 nwords)
     {
         const auto n = static_cast<std::size_t>(nwords);
-        char *const start = out.reserve(16 * n);
-        pairbits(one, two, n, start);
+        char *const start = out.reserve(8 * n);
+        countpairs(pairs, n, start);
         const int64 nbytes = (nsamples + 3) / 4;
         // What is behind the last sample in its byte is 0.
         const int64 rest = nsamples % 4;
@@ -155,11 +157,9 @@ int64 writeplink(const exportjob &job, const std::vector<int64> &individuals, ne
     sitesahead ahead(
         job, [&](int64 chrom, const exportsite &site) { writebimline(sites, line, chrom, site); });
     for (const int64 chrom : job.chromosomes) {
-        chromalleles alleles(job.alleles, chrom);
+        chromalleles alleles(job.alleles, chrom, bitorder::bysample);
         for (const exportsite &site : ahead.next()) {
-            const int64 place = job.alleles.placeof(site);
-            genotypes.write(alleles.bits(place, 1), alleles.bits(place, 2),
-                            alleles.nwordspersite());
+            genotypes.write(alleles.bits(job.alleles.placeof(site)), alleles.nwordspersite());
             ++nwritten;
         }
     }
